@@ -1,0 +1,12 @@
+# One interface target that every C++ target of the project links: warnings, reproducible
+# floating-point arithmetic and, on request, sanitizers.
+add_library(tarnex_options INTERFACE)
+target_compile_options(tarnex_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+    # Results depend on nothing but the inputs: no fused operations, no reordering.
+    -ffp-contract=off)
+if(TARNEX_SANITIZE)
+    target_compile_options(tarnex_options INTERFACE
+        -fsanitize=${TARNEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(tarnex_options INTERFACE -fsanitize=${TARNEX_SANITIZE})
+endif()
