@@ -1,0 +1,9 @@
+#include "common/setup.h"
+
+DataBase_ *centralDB = nullptr;
+TARNEXConfig tarnexConfig{};
+
+int NBOA = 0;
+int NBPL = 0;
+
+double COST = 0.0;

@@ -1,0 +1,60 @@
+/**
+ * Configuration of a session, and the globals that hold the current session's context (unit
+ * "common/setup").
+ *
+ * The core reads and writes these globals directly and never sees a session number; the Java binding
+ * copies a session's context in before a call and out after it. There is no locking: calls come one
+ * at a time.
+ */
+#ifndef TARNEX_COMMON_SETUP_H
+#define TARNEX_COMMON_SETUP_H
+
+#include "common/types.h"
+
+struct DataBase_;
+
+/** Weights of the primary path score; a weight of 0 switches its criterion off. */
+struct PrimaryComputationConfig_ {
+    double Fortz;             ///< Fortz-Thorup piecewise-linear link cost
+    double loadBal[MAXOA];    ///< balance of utilization over the network
+    double load[MAXOA];       ///< load
+    double sqLoad[MAXOA];     ///< squared load
+    double relLoad[MAXOA];    ///< utilization
+    double sqRelLoad[MAXOA];  ///< squared utilization
+    double delay[MAXOA];      ///< queueing delay
+    double rerouting[MAXOA];  ///< preemption penalty
+};
+using PrimaryComputationConfig = PrimaryComputationConfig_;
+
+/** Switches of the admission predicate. */
+struct PredicateConfig_ {
+    bool allowReroute;   ///< count only what the request cannot preempt
+    bool capacityClause; ///< test capacities
+    bool colorClause;    ///< test forbidden link colours
+};
+using PredicateConfig = PredicateConfig_;
+
+/** Price of preemption. */
+struct ReroutingConfig_ {
+    double scoreCoef[MAXOA][MAXPL]; ///< penalty per unit of bandwidth taken, `[oa][p]`
+};
+using ReroutingConfig = ReroutingConfig_;
+
+/** Everything that a session configures. */
+struct TARNEXConfig_ {
+    PrimaryComputationConfig primaryComputationConfig;
+    PredicateConfig predicateConfig;
+    ReroutingConfig reroutingConfig;
+};
+using TARNEXConfig = TARNEXConfig_;
+
+extern DataBase_ *centralDB;      ///< database of the current session; null when there is none
+extern TARNEXConfig tarnexConfig; ///< configuration of the current session
+
+extern int NBOA; ///< class types in use, at most MAXOA; the last initialisation's value
+extern int NBPL; ///< preemption levels in use, at most MAXPL; the last initialisation's value
+
+/** Total score of the primary paths computed since the last initialisation. */
+extern "C" __attribute__((visibility("default"))) double COST;
+
+#endif
