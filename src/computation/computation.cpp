@@ -1,0 +1,165 @@
+#include "computation/computation.h"
+
+#include "common/records.h"
+#include "error/report.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr Unit here{"computation/computation"};
+
+/** Fills a zeroed record; nothing stays allocated on failure. */
+int makeRequest(LSPRequest &req)
+{
+    if (longVecInit(&req.forbidLinks, -1) != 0)
+        return here.fail("Unable to create label switched path request in %s at line %d");
+    Guard<LongList, longVecEnd> forbidLinks{&req.forbidLinks};
+    if (longVecInit(&req.path, -1) != 0)
+        return here.fail("Unable to create label switched path request in %s at line %d");
+    forbidLinks.release();
+    req.rerouteInfo.id = -1;
+    return 0;
+}
+
+/** Initialises requests `from` to `to` - 1; after a failure none of them is. */
+int initRange(LSPRequest *requests, Long from, Long to)
+{
+    for (Long i = from; i < to; ++i) {
+        if (lspRequestInit(&requests[i]) == 0)
+            continue;
+        here.push(CRITICAL, "Error while initialisation of LSPRequest in %s at line %d");
+        while (i-- > from)
+            lspRequestEnd(&requests[i]);
+        return -1;
+    }
+    return 0;
+}
+
+std::size_t bytesFor(Long requests) { return static_cast<std::size_t>(requests) * sizeof(LSPRequest); }
+
+} // namespace
+
+LSPRequest *lspRequestNew()
+{
+    auto *req = static_cast<LSPRequest *>(mycalloc(1, sizeof(LSPRequest)));
+    if (!req)
+        return here.null("Critical lack of memory in %s at line %d");
+    if (makeRequest(*req) != 0) {
+        myfree(req);
+        return nullptr;
+    }
+    return req;
+}
+
+int lspRequestInit(LSPRequest *req)
+{
+    if (!req)
+        return here.fail("Bad argument (NULL) in %s at line %d");
+    *req = {};
+    return makeRequest(*req);
+}
+
+int lspRequestEnd(LSPRequest *req)
+{
+    if (!req)
+        return here.fail("Bad argument (NULL) in %s at line %d");
+    longVecEnd(&req->forbidLinks);
+    longVecEnd(&req->path);
+    return 0;
+}
+
+int lspRequestDestroy(LSPRequest *req)
+{
+    if (lspRequestEnd(req) != 0)
+        return -1;
+    myfree(req);
+    return 0;
+}
+
+int lspRequestCopy(LSPRequest *dst, const LSPRequest *src)
+{
+    if (!dst || !src)
+        return here.fail("Bad argument (NULL) in %s at line %d");
+    dst->id = src->id;
+    dst->primID = src->primID;
+    dst->rerouteInfo = src->rerouteInfo;
+    dst->precedence = src->precedence;
+    std::ranges::copy(src->bw, dst->bw);
+    dst->type = src->type;
+    int result = longVecCopy(&dst->forbidLinks, &src->forbidLinks);
+    result |= longVecCopy(&dst->path, &src->path);
+    if (result != 0)
+        return here.fail("Label switched path request copy uncomplete in %s at line %d");
+    return 0;
+}
+
+int lspRequestListInit(LSPRequestList *reqList, Long size)
+{
+    if (!reqList)
+        return here.fail("LSPRequestList == NULL in %s at line %d");
+    const Long count = std::max(size, 1);
+    auto *cont = static_cast<LSPRequest *>(mycalloc(1, bytesFor(count)));
+    if (!cont)
+        return here.fail("Impossible to allocate memory for LSPRequestList in %s at line %d");
+    if (initRange(cont, 0, count) != 0) {
+        myfree(cont);
+        return -1;
+    }
+    *reqList = {cont, count};
+    return 0;
+}
+
+int lspRequestListEnd(LSPRequestList *reqList)
+{
+    if (!reqList)
+        return here.fail("LSPRequestList == NULL in %s at line %d");
+    for (Long i = 0; i < reqList->size; ++i)
+        lspRequestEnd(&reqList->cont[i]);
+    if (reqList->cont)
+        myfree(reqList->cont);
+    *reqList = {};
+    return 0;
+}
+
+int lspRequestListResize(LSPRequestList *reqList, Long size)
+{
+    if (!reqList)
+        return here.fail("LSPRequestList == NULL in %s at line %d");
+    if (size <= reqList->size) {
+        const Long kept = std::max(size, 0);
+        for (Long i = reqList->size; i-- > kept;)
+            lspRequestEnd(&reqList->cont[i]);
+        reqList->size = kept;
+        return 0;
+    }
+    auto *cont = static_cast<LSPRequest *>(myrealloc(reqList->cont, bytesFor(size)));
+    if (!cont)
+        return here.fail("Impossible to allocate memory for LSPRequestList in %s at line %d");
+    reqList->cont = cont;
+    if (initRange(cont, reqList->size, size) != 0)
+        return -1;
+    reqList->size = size;
+    return 0;
+}
+
+Long lspRequestListSize(const LSPRequestList *reqList)
+{
+    return reqList ? reqList->size : here.fail("LSPRequestList == NULL in %s at line %d");
+}
+
+LSPRequest *lspRequestListGet(LSPRequestList *reqList, Long index)
+{
+    if (!reqList)
+        return here.null("LSPRequestList == NULL in %s at line %d");
+    if (index < 0 || index >= reqList->size)
+        return here.null("Out of bound index in %s at line %d");
+    return &reqList->cont[index];
+}
+
+int lspRequestListSet(LSPRequestList * /*reqList*/, LSPRequest * /*req*/, Long /*index*/)
+{
+    here.push(CRITICAL, "Trying to call an undefined function in %s at line %d");
+    return 0;
+}
