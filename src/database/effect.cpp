@@ -1,0 +1,229 @@
+#include "database/effect.h"
+
+#include "common/records.h"
+#include "error/report.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace
+{
+
+constexpr Unit here{"database/database"};
+
+using Path = std::span<const Long>;
+
+/** First position of `node` at or after `from`; -1 when it is not there. */
+std::ptrdiff_t positionOf(Path path, Long node, std::ptrdiff_t from = 0)
+{
+    const auto found = std::find(path.begin() + from, path.end(), node);
+    return found == path.end() ? -1 : found - path.begin();
+}
+
+std::ptrdiff_t lastPosition(Path path) { return static_cast<std::ptrdiff_t>(path.size()) - 1; }
+
+Long nodeOn(Path path, std::ptrdiff_t position) { return path[static_cast<std::size_t>(position)]; }
+
+/** Position of the hop src->dst, judged at the first occurrence of `src`; -1 when it is no hop. */
+std::ptrdiff_t hopPosition(Path path, Long src, Long dst)
+{
+    const std::ptrdiff_t k = positionOf(path, src);
+    const bool isHop = k >= 0 && k < lastPosition(path) && nodeOn(path, k + 1) == dst;
+    return isHop ? k : -1;
+}
+
+/** Whether src->dst are consecutive anywhere on the path. */
+bool hasHop(Path path, Long src, Long dst)
+{
+    const std::array hop{src, dst};
+    return std::search(path.begin(), path.end(), hop.begin(), hop.end()) != path.end();
+}
+
+/** The LSP's bandwidth that comes on top of its partner's on a link they share. */
+double partnerAmount(const LSPView &lsp, const DBLabelSwitchedPath &partner, int oa)
+{
+    if (lsp.precedence != partner.precedence)
+        return lsp.bw[oa];
+    return std::max(0.0, lsp.bw[oa] - partner.bw[oa]);
+}
+
+/** Builds one effect; the helpers return 0, or -1 after a message. */
+class EffectBuilder
+{
+  public:
+    EffectBuilder(const DataBase &database, Long source, Long destination, const LSPView &view,
+                  Effect &result)
+        : db(database), src(source), dst(destination), lsp(view), effect(result)
+    {}
+
+    int build(operation op)
+    {
+        const bool onPath = hopPosition(lsp.path, src, dst) >= 0;
+        if (onPath && lsp.noContentionId >= 0)
+            findPartner();
+        const bool isBackup = lsp.type == localBackupLSP || lsp.type == globalBackupLSP;
+        const std::ptrdiff_t primHop = isBackup ? hopPosition(lsp.primPath, src, dst) : -1;
+        if (!onPath && primHop < 0)
+            return 0;
+        effect.concerned = true;
+        if (op != SETUP && op != REMOVE)
+            return here.fail("Bad argument (unknown operation) in %s at line %d");
+        if (lsp.precedence < 0 || lsp.precedence >= MAXPL)
+            return here.fail("Bad argument (wrong index) in %s at line %d");
+        setAmounts(op == SETUP ? 1.0 : -1.0);
+        if (lsp.type == localBackupLSP)
+            return localBackup(onPath, primHop);
+        if (lsp.type == globalBackupLSP)
+            return globalBackup(onPath, primHop);
+        return primary();
+    }
+
+  private:
+    void findPartner()
+    {
+        partner = DBgetLSP(&db, lsp.noContentionId);
+        if (!partner)
+            here.push(WARNING, "Cannot find the old LSP in %s at line %d");
+        rerouting = partner && hopPosition(inUse(partner->path), src, dst) >= 0;
+    }
+
+    void setAmounts(double mult)
+    {
+        effect.level = lsp.precedence;
+        for (int oa = 0; oa < MAXOA; ++oa) {
+            effect.own[oa] = mult * lsp.bw[oa];
+            effect.partner[oa] = rerouting ? mult * partnerAmount(lsp, *partner, oa) : 0.0;
+        }
+    }
+
+    int primary()
+    {
+        std::ranges::copy(rerouting ? effect.partner : effect.own, effect.primary);
+        if (partner && checkLinks(inUse(partner->path)) != 0)
+            return -1;
+        for (std::size_t i = 0; i + 1 < lsp.path.size(); ++i) {
+            const bool shared = rerouting && hasHop(inUse(partner->path), lsp.path[i], lsp.path[i + 1]);
+            if (change(lsp.path[i], lsp.path[i + 1], FailureTable::freed, shared, 1) != 0)
+                return -1;
+        }
+        return 0;
+    }
+
+    int localBackup(bool onPath, std::ptrdiff_t primHop)
+    {
+        const std::ptrdiff_t b = firstProtected();
+        if (b < 0 || b == lastPosition(lsp.primPath))
+            return here.fail("Cannot determine the link to protect in %s at line %d");
+        const Long head = nodeOn(lsp.primPath, b);
+        const Long tail = nodeOn(lsp.primPath, b + 1);
+        if (checkLink(head, tail) != 0)
+            return -1;
+        if (onPath && change(head, tail, FailureTable::backup, rerouting, 1) != 0)
+            return -1;
+        const std::ptrdiff_t e = positionOf(lsp.primPath, lsp.path.back(), b);
+        const bool bypassed = primHop >= b && primHop < e;
+        return primHop >= 0 && !bypassed ? change(head, tail, FailureTable::freed, rerouting, -1) : 0;
+    }
+
+    int globalBackup(bool onPath, std::ptrdiff_t primHop)
+    {
+        const std::ptrdiff_t b = firstProtected();
+        if (b < 0)
+            return here.fail("Cannot determine the link to protect in %s at line %d");
+        if (onPath && changeHops(b, lastPosition(lsp.primPath), FailureTable::backup, 1) != 0)
+            return -1;
+        return primHop >= 0 ? changeHops(0, b, FailureTable::freed, -1) : 0;
+    }
+
+    /** Position on the protected path at which the backup starts; -1 when it is not on it. */
+    std::ptrdiff_t firstProtected() const
+    {
+        return lsp.path.empty() ? -1 : positionOf(lsp.primPath, lsp.path.front());
+    }
+
+    int changeHops(std::ptrdiff_t from, std::ptrdiff_t to, FailureTable table, signed char sign)
+    {
+        for (std::ptrdiff_t i = from; i < to; ++i) {
+            if (change(nodeOn(lsp.primPath, i), nodeOn(lsp.primPath, i + 1), table, rerouting,
+                       sign) != 0)
+                return -1;
+        }
+        return 0;
+    }
+
+    int change(Long head, Long tail, FailureTable table, bool shared, signed char sign)
+    {
+        const Long id = DBgetLinkID(&db, head, tail);
+        if (id < 0)
+            return here.fail("Cannot determine link ID in %s at line %d");
+        if (!effect.slots.append({id, table, shared, sign}))
+            return here.fail("Critical lack of memory in %s at line %d");
+        return 0;
+    }
+
+    int checkLink(Long head, Long tail) const
+    {
+        return DBgetLinkID(&db, head, tail) >= 0
+                   ? 0
+                   : here.fail("Cannot determine link ID in %s at line %d");
+    }
+
+    int checkLinks(Path path) const
+    {
+        for (std::size_t i = 0; i + 1 < path.size(); ++i) {
+            if (checkLink(path[i], path[i + 1]) != 0)
+                return -1;
+        }
+        return 0;
+    }
+
+    const DataBase &db;
+    Long src;
+    Long dst;
+    const LSPView &lsp;
+    Effect &effect;
+    const DBLabelSwitchedPath *partner = nullptr;
+    bool rerouting = false; ///< whether the link is also a hop of the partner
+};
+
+/** No table can have more slots: a larger block does not fit its size word. */
+constexpr Long maxSlots = std::numeric_limits<Long>::max() / Long{sizeof(double)} - 2;
+
+} // namespace
+
+SlotChanges::~SlotChanges()
+{
+    if (items != inlineItems.data())
+        myfree(items);
+}
+
+bool SlotChanges::append(SlotChange change)
+{
+    if (change.slot >= maxSlots)
+        return false;
+    if (count == capacity) {
+        const bool isInline = items == inlineItems.data();
+        const std::size_t bytes = 2 * capacity * sizeof(SlotChange);
+        auto *larger = static_cast<SlotChange *>(isInline ? mymalloc(bytes) : myrealloc(items, bytes));
+        if (!larger)
+            return false;
+        if (isInline)
+            std::ranges::copy(inlineItems, larger);
+        items = larger;
+        capacity *= 2;
+    }
+    items[count++] = change;
+    return true;
+}
+
+LSPView viewOf(const DBLabelSwitchedPath &lsp)
+{
+    return {inUse(lsp.path), inUse(lsp.primPath), lsp.bw,
+            lsp.precedence,  lsp.type,            lsp.noContentionId};
+}
+
+int effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operation op,
+             Effect &effect)
+{
+    return EffectBuilder{db, src, dst, lsp, effect}.build(op);
+}

@@ -1,0 +1,96 @@
+/**
+ * What setting up or removing an LSP changes on one link.
+ *
+ * The effect is a list, in the order in which the changes apply: which slots of the link's failure
+ * tables change, and by which amount per class type. Working it out touches no state. Applying it to
+ * a state, and asking what it would give without applying it, both start from the same list.
+ */
+#ifndef TARNEX_DATABASE_EFFECT_H
+#define TARNEX_DATABASE_EFFECT_H
+
+#include "database/database.h"
+
+#include <array>
+#include <cstddef>
+#include <span>
+
+/** Setting an LSP up adds its amounts, removing it subtracts them. */
+enum operation : int { SETUP = 0, REMOVE = 1 };
+
+/** What the reservation rules read of an LSP; borrows the lists of the record it was made from. */
+struct LSPView {
+    std::span<const Long> path;     ///< node ids, ingress first
+    std::span<const Long> primPath; ///< for a backup: path of the protected primary
+    const double *bw;               ///< MAXOA bandwidths, per class type
+    int precedence;                 ///< preemption level, 0 to MAXPL - 1
+    DBLSPType type;
+    Long noContentionId; ///< -1 when there is no partner
+};
+
+/** View of a stored or temporary record, valid as long as the record does not change. */
+LSPView viewOf(const DBLabelSwitchedPath &lsp);
+
+/** The two failure tables of a link state. */
+enum class FailureTable : unsigned char { backup, freed };
+
+/** One change of one slot, in every class type. */
+struct SlotChange {
+    Long slot;           ///< id of the failing link
+    FailureTable table;  ///< `bbw` or `fbw`
+    bool partnerAmount;  ///< whether the partner amounts apply rather than the LSP's own
+    signed char sign;    ///< +1 or -1, before the amount, which carries the operation's sign
+};
+
+/** The slot changes of one effect; a short list needs no heap block. */
+class SlotChanges
+{
+  public:
+    SlotChanges() = default;
+    ~SlotChanges();
+    SlotChanges(const SlotChanges &) = delete;
+    SlotChanges &operator=(const SlotChanges &) = delete;
+
+    /** Appends a change; false when there is no memory, or could not be for a table of that size. */
+    [[nodiscard]] bool append(SlotChange change);
+    std::span<const SlotChange> all() const { return {items, count}; }
+
+  private:
+    std::array<SlotChange, 16> inlineItems;
+    SlotChange *items = inlineItems.data();
+    std::size_t capacity = inlineItems.size();
+    std::size_t count = 0;
+};
+
+/** What one operation of one LSP changes on one link; all changes are at level `level`. */
+struct Effect {
+    bool concerned = false;     ///< false: the link carries and protects nothing of the LSP
+    int level = 0;              ///< preemption level of every change
+    double primary[MAXOA] = {}; ///< added to `pbw`, signed; 0 for a backup
+    double own[MAXOA] = {};     ///< the LSP's bandwidths, signed
+    double partner[MAXOA] = {}; ///< the partner amounts, signed
+    SlotChanges slots;
+
+    /** Amount that `change` adds to its slot in class type `oa`. */
+    double amount(const SlotChange &change, int oa) const
+    {
+        return change.sign * (change.partnerAmount ? partner : own)[oa];
+    }
+};
+
+/**
+ * Works out the effect of `op` with `lsp` on the link from `src` to `dst`.
+ *
+ * A link concerns an LSP when it is a hop of its path or, for a backup, of the protected path. A
+ * primary adds its bandwidth to the link's primary reservation and, for the failure of each of its
+ * own links, to what that failure frees. A local backup adds to the need of the one link it protects
+ * and, on the primary's links that it does not bypass, takes back what that failure frees; a global
+ * backup does the same for every link of the primary from its first node on.
+ *
+ * @param effect a fresh effect; after a failure it holds the changes that come before it
+ * @return 0, also when the link does not concern the LSP; -1 after a message when a link of the LSP
+ *         cannot be determined or the operation is unknown
+ */
+[[nodiscard]] int effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operation op,
+                           Effect &effect);
+
+#endif

@@ -1,0 +1,76 @@
+/**
+ * What a link reserves, and how that changes when an LSP is set up or removed (unit
+ * "database/database").
+ *
+ * The total reservation `rbw` of a link follows from its tables: at the levels 0 to p together it is
+ * the primary reservation plus the largest need over all single failures, so backups that protect
+ * against different failures share bandwidth. A failure is that of one link, or of one node, which
+ * stands for all the links into it. Only a failure with a backup need above 0, or freed bandwidth
+ * below 0, in one of its slots can need anything: these alone are visited.
+ *
+ * Three ways to ask: updateLS changes a state in place, evalLS makes a changed copy, and
+ * reservationAfter answers with `rbw` alone, without copying or allocating.
+ */
+#ifndef TARNEX_DATABASE_RESERVATION_H
+#define TARNEX_DATABASE_RESERVATION_H
+
+#include "computation/computation.h"
+#include "database/database.h"
+#include "database/effect.h"
+
+/**
+ * Writes `rbw` from the other three tables of one state, using the links and nodes of `dataBase`.
+ *
+ * @return 0, or -1 for a null argument; `rbw` is then unchanged
+ */
+[[nodiscard]] int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL],
+                             const double pbw[MAXOA][MAXPL], const DoubleVec bbw[MAXOA][MAXPL],
+                             const DoubleVec fbw[MAXOA][MAXPL]);
+
+/**
+ * Applies `lsp` with `op` to `ls`, the state of the link from `src` to `dst`, and recomputes `rbw`.
+ *
+ * @return 0, also when the link does not concern the LSP (nothing changes then); -1 on failure: after
+ *         a link id that cannot be determined the changes before it stay and `rbw` is not recomputed
+ */
+[[nodiscard]] int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
+                           const DBLabelSwitchedPath *lsp, operation op);
+
+/**
+ * Makes `newLS` the state that the link from `src` to `dst`, now in state `oldLS`, would have after
+ * `op` of the LSP that `req` describes. `newLS` is an initialised state and may be `oldLS` itself.
+ */
+[[nodiscard]] int evalLS(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
+                         DBLinkState *oldLS, const LSPRequest *req, operation op);
+
+/** updateLS with SETUP. */
+[[nodiscard]] int DBupdateLSOnSetup(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
+                                    const DBLabelSwitchedPath *lsp);
+/** updateLS with REMOVE. */
+[[nodiscard]] int DBupdateLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
+                                     const DBLabelSwitchedPath *lsp);
+/** evalLS with SETUP. */
+[[nodiscard]] int DBevalLSOnSetup(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
+                                  DBLinkState *oldLS, const LSPRequest *req);
+/** evalLS with REMOVE. */
+[[nodiscard]] int DBevalLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
+                                   DBLinkState *oldLS, const LSPRequest *req);
+
+/** What an evaluation reads of a request or of an LSP record that asks for admission. */
+struct Candidate {
+    LSPView lsp; ///< `primPath` is filled in from the stored primary
+    Long primID; ///< for a backup: id of that primary
+};
+
+/**
+ * Answers what the link from `src` to `dst` in state `ls` would reserve after `candidate` was set up
+ * on it: bit for bit what evalLS would leave in `rbw`, with the same messages.
+ *
+ * @param rbw the answer, written when the result is 0
+ * @return 0, or -1 when the candidate cannot be evaluated
+ */
+[[nodiscard]] int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst,
+                                        const DBLinkState &ls, Candidate candidate,
+                                        double rbw[MAXOA][MAXPL]);
+
+#endif
