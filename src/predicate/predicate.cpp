@@ -1,0 +1,105 @@
+#include "predicate/predicate.h"
+
+#include "common/records.h"
+#include "common/setup.h"
+#include "database/reservation.h"
+#include "error/report.h"
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+constexpr Unit here{"predicate/predicate"};
+
+/** The capacity test on reservations `rbw[oa][p]` that include the newcomer's own. */
+bool fitsCapacity(const double rbw[MAXOA][MAXPL], const double cap[MAXOA], int precedence,
+                  double *gain)
+{
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        double occupied = 0.0;
+        double total = 0.0;
+        for (int p = 0; p < MAXPL; ++p) {
+            total += rbw[oa][p];
+            if (!tarnexConfig.predicateConfig.allowReroute || p <= precedence)
+                occupied += rbw[oa][p];
+        }
+        if (occupied > cap[oa])
+            return false;
+        gain[oa] = total > cap[oa] ? total - cap[oa] : 0.0;
+    }
+    return true;
+}
+
+/** The colour test. */
+bool avoidsColor(const LongList &forbidden, Long color)
+{
+    return std::ranges::find(inUse(forbidden), color) == inUse(forbidden).end();
+}
+
+/** Runs the tests that are switched on for a candidate on one link. */
+bool admits(const DataBase *db, Long src, Long dst, const DBLinkState &ls,
+            const Candidate &candidate, const LongList &forbidLinks, double *gain)
+{
+    double rbw[MAXOA][MAXPL];
+    if (reservationAfterSetup(db, src, dst, ls, candidate, rbw) != 0) {
+        here.push(CRITICAL, "Unable to update link state in %s at line %d");
+        return false;
+    }
+    const PredicateConfig &config = tarnexConfig.predicateConfig;
+    if (config.capacityClause && !fitsCapacity(rbw, ls.cap, candidate.lsp.precedence, gain))
+        return false;
+    return !config.colorClause || avoidsColor(forbidLinks, ls.color);
+}
+
+bool refuseNull()
+{
+    here.push(CRITICAL, "Bad argument (NULL) in %s at line %d");
+    return false;
+}
+
+} // namespace
+
+bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
+                        const LSPRequest *req, double *gain)
+{
+    if (!ls || !req || !gain)
+        return refuseNull();
+    const std::array hop{src, dst};
+    const auto path = inUse(req->path);
+    const bool isComplete = std::ranges::all_of(path, [](Long node) { return node >= 0; });
+    const LSPrerouteInfo &rerouted = req->rerouteInfo;
+    const Candidate candidate{{.path = isComplete ? std::span<const Long>{path} : hop,
+                               .primPath = {},
+                               .bw = req->bw,
+                               .precedence = req->precedence,
+                               .type = req->type,
+                               .noContentionId = rerouted.id},
+                              req->primID};
+    const bool isAdmitted = admits(dataBase, src, dst, *ls, candidate, req->forbidLinks, gain);
+    const bool isRerouted = rerouted.id >= 0 && rerouted.src == src && rerouted.dst == dst;
+    return isAdmitted && !isRerouted;
+}
+
+bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
+                    const DBLabelSwitchedPath *lsp, double *gain)
+{
+    if (!ls || !lsp || !gain)
+        return refuseNull();
+    const std::array hop{src, dst};
+    Candidate candidate{viewOf(*lsp), lsp->primID};
+    if (!std::ranges::all_of(candidate.lsp.path, [](Long node) { return node >= 0; }))
+        candidate.lsp.path = hop;
+    return admits(dataBase, src, dst, *ls, candidate, lsp->forbidLinks, gain);
+}
+
+bool capacityClause(const DBLinkState *ls, const LSPRequest *req, double *gain)
+{
+    return fitsCapacity(ls->rbw, ls->cap, req->precedence, gain);
+}
+
+bool colorClause(const DBLinkState *ls, const LSPRequest *req)
+{
+    return avoidsColor(req->forbidLinks, ls->color);
+}

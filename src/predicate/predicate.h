@@ -1,0 +1,36 @@
+/**
+ * The admission predicate: may this directed link carry one more LSP, and how much bandwidth must
+ * preemption free for it (unit "predicate/predicate").
+ *
+ * The predicate asks the database what the link would reserve with the request set up on it and
+ * tests the answer; the switches of the session's PredicateConfig select the tests. It changes
+ * neither the link state, nor the request, nor the database, and allocates nothing. Refusal and
+ * failure both give false; a failure has pushed its message.
+ */
+#ifndef TARNEX_PREDICATE_PREDICATE_H
+#define TARNEX_PREDICATE_PREDICATE_H
+
+#include "computation/computation.h"
+#include "database/admission_questions.h"
+
+/**
+ * Tells whether the link from `src` to `dst`, now in state `ls`, may carry `req`. A path that is not
+ * complete (an entry below 0) is read as the one hop `src`, `dst`.
+ *
+ * @param gain MAXOA bandwidths that preemption must free; zeroed in advance by the caller, because a
+ *             capacity test that is off, or refuses, does not write all of it
+ */
+bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
+                        const LSPRequest *req, double *gain);
+
+/**
+ * Capacity test on an evaluated state, in which the request is already reserved: what the request
+ * cannot preempt must fit the capacity (everything, when rerouting is not allowed). Fills `gain` with
+ * what the reservations exceed the capacity by.
+ */
+bool capacityClause(const DBLinkState *ls, const LSPRequest *req, double *gain);
+
+/** Colour test: false when the link's colour is among the request's forbidden ones. */
+bool colorClause(const DBLinkState *ls, const LSPRequest *req);
+
+#endif
