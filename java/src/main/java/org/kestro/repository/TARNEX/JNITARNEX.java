@@ -1,0 +1,293 @@
+package org.kestro.repository.TARNEX;
+
+import org.kestro.repository.model.exception.AddDBException;
+import org.kestro.repository.model.exception.NoRouteToHostException;
+import org.kestro.repository.model.exception.RoutingException;
+
+/**
+ * A path computation engine for MPLS networks with DiffServ classes.
+ *
+ * <p>An engine object stands for one session of the native library: one network of nodes and
+ * directed links, the LSPs (label switched paths) placed on it, and one configuration. A session
+ * starts with {@link #jniinitTarnex} and ends with {@link #jnikillTarnex}; up to 128 sessions live
+ * at the same time, and what one does is invisible to the others.
+ *
+ * <h2>Terms and units</h2>
+ *
+ * <ul>
+ * <li><b>Ids</b> of nodes, links and LSPs are chosen by the caller, are 0 or more and index tables
+ *     directly: keep them small and dense. The memory for links grows with the square of the
+ *     largest node id. There is at most one link per ordered pair of nodes.
+ * <li><b>Bandwidths</b> and capacities share one unit of the caller's choice, such as Mbit/s. The
+ *     engine stores and prints the figures as they come.
+ * <li>A <b>class type</b> (OA, an ordered aggregate) is a DiffServ class with a capacity of its
+ *     own on every link. Class types are numbered from 0; a call that names a class type outside
+ *     0 to nbOA - 1 asks for no bandwidth in any class type.
+ * <li>A <b>preemption level</b> (PL) tells how important an LSP is: 0 is the most important, 7 the
+ *     least. An LSP may push aside LSPs at numerically greater levels only.
+ * <li>A <b>path</b> is a list of node ids from the first node to the last.
+ * </ul>
+ *
+ * <p>A link carries a new LSP if the LSP and everything reserved on the link in its class type, at
+ * its own and at more important levels, fit into the capacity. What is reserved at less important
+ * levels gives way where preemption is allowed, and counts like the rest where it is not.
+ *
+ * <h2>Failures</h2>
+ *
+ * <ul>
+ * <li>An operation that fails throws one of the checked exceptions named by its method, without a
+ *     message. The trail of causes is kept in the session and printed to standard error, newest
+ *     first, by {@link #jnikillTarnex}.
+ * <li>A call outside the contract throws {@link IllegalArgumentException} with a message that
+ *     names the argument, and changes nothing. Such calls are: null arrays or rows; arrays or rows
+ *     with fewer elements than the class types and levels in use; a number of class types or
+ *     levels outside 1 to 8; a preemption level outside 0 to 7; a bandwidth that is negative or
+ *     not finite; a capacity that is not a number.
+ * <li>A call on an object without a live session does nothing and returns null where a result is
+ *     due.
+ * </ul>
+ *
+ * <h2>Threads</h2>
+ *
+ * <p>The library takes no lock and its sessions share state: calls must come one at a time in the
+ * whole process, whatever the engine object and the thread. The numbers of class types and levels
+ * are shared too: those of the latest initialisation hold for every live session.
+ */
+public class JNITARNEX {
+    static {
+        NativeLibrary.load();
+    }
+
+    /**
+     * The number of this object's session, 0 to 127; -1 before the first initialisation.
+     *
+     * <p>Written by {@link #jniinitTarnex} when it succeeds and read by every other call. Killing
+     * the session leaves the number in place. Callers read it, to see whether an initialisation
+     * succeeded, and leave it alone.
+     */
+    public int sessId = -1;
+
+    /**
+     * Ids of the LSPs removed by preemption, in ascending order.
+     *
+     * <p>Replaced by {@link #jnicomputePath} when a call removes LSPs and left untouched by every
+     * other call, also by a path computation that removes none. A caller that wants to know what
+     * one computation removed sets the field to an empty array first.
+     */
+    public int[] lsps = new int[0];
+
+    /** Makes an engine without a session; {@link #jniinitTarnex} starts one. */
+    public JNITARNEX() {
+    }
+
+    /**
+     * Starts a session with an empty network and writes its number into {@link #sessId}.
+     *
+     * <p>Nothing is thrown when 128 sessions are live already; {@link #sessId} then keeps its
+     * value. A second call on the same object starts a new session and leaves the old one live
+     * and out of reach, so kill first.
+     *
+     * <p>The seven weights say what makes a path dear: its score is the sum over its links of the
+     * weighted growth of each criterion when the LSP is added. They are pure numbers and apply to
+     * class type 0, except {@code fortz}, which applies to every class type. A weight of 0
+     * switches its criterion off.
+     *
+     * @param nbOA number of class types in use, 1 to 8
+     * @param nbPL number of preemption levels in use, 1 to 8
+     * @param colorClause whether links are tested against forbidden colours
+     * @param allowReroute whether admission may count on preemption; every later call that admits
+     *        or computes an LSP sets this anew
+     * @param capacityClause whether links are tested for room; without it every link admits
+     *        every LSP
+     * @param loadbal weight of the imbalance of utilisation over the whole network
+     * @param load weight of the load, in bandwidth units
+     * @param sqLoad weight of the squared load
+     * @param relativeLoad weight of the utilisation (load divided by capacity)
+     * @param sqRelativeLoad weight of the squared utilisation
+     * @param delay weight of the queueing delay, 1 / (capacity - load)
+     * @param fortz weight of the Fortz-Thorup cost, which rises steeply with utilisation
+     * @param reroutingScorecoef penalty per bandwidth unit preempted, indexed [class type][level]:
+     *        at least nbOA rows of at least nbPL values
+     * @throws IllegalArgumentException if nbOA, nbPL or the shape of reroutingScorecoef is outside
+     *         the contract
+     */
+    public native void jniinitTarnex(int nbOA, int nbPL, boolean colorClause, boolean allowReroute,
+                                     boolean capacityClause, float loadbal, float load,
+                                     float sqLoad, float relativeLoad, float sqRelativeLoad,
+                                     float delay, float fortz, float[][] reroutingScorecoef);
+
+    /**
+     * Ends the session: releases its network and prints its error messages to standard error,
+     * newest first.
+     *
+     * <p>{@link #sessId} is not reset. Without a live session a line on standard error says so.
+     */
+    public native void jnikillTarnex();
+
+    /**
+     * Prints the network to standard output: each node with its neighbours, then each link with
+     * the ids of its LSPs and, per class type, its capacity, the bandwidth reserved by primary
+     * LSPs and the whole reservation, both summed over the levels.
+     *
+     * <p>The output is that of the native library's buffered standard output, which is not
+     * synchronised with {@link System#out}.
+     */
+    public native void jniprintTarnexDB();
+
+    /**
+     * Adds a node.
+     *
+     * @param nodeId id of the node, 0 or more, not in use
+     * @throws AddDBException if the id is negative, too large or in use
+     */
+    public native void jniaddNode(int nodeId) throws AddDBException;
+
+    /**
+     * Adds a directed link between two nodes that exist.
+     *
+     * <p>{@code color}, {@code pbw}, {@code bbw} and {@code fbw} are accepted and not examined:
+     * they may hold anything, also null. The new link has colour 0 and no LSPs. The reservation
+     * given in {@code rbw} holds until the first LSP is set up across the link; from then on the
+     * reservation is that of the LSPs alone.
+     *
+     * @param linkId id of the link, 0 or more, not in use
+     * @param color not examined
+     * @param src id of the node where the link starts
+     * @param dst id of the node where the link ends
+     * @param cap capacity per class type, in bandwidth units: at least nbOA values
+     * @param rbw bandwidth reserved at the start, indexed [class type][level]: at least nbOA rows
+     *        of at least nbPL values
+     * @param pbw not examined
+     * @param bbw not examined
+     * @param fbw not examined
+     * @throws AddDBException if an id is negative, too large or in use, or a node is missing
+     * @throws IllegalArgumentException if cap or rbw is outside the contract
+     */
+    public native void jniaddLink(int linkId, int color, int src, int dst, float[] cap,
+                                  float[][] rbw, float[][] pbw, float[][] bbw, float[][] fbw)
+            throws AddDBException;
+
+    /**
+     * Adds a primary LSP whose path was computed elsewhere. Nothing is preempted for it: every
+     * link of the path must have room for it beside all that is reserved there.
+     *
+     * @param lspid id of the LSP, 0 or more, not in use
+     * @param path node ids from ingress to egress
+     * @param PL preemption level, 0 to 7
+     * @param OA class type
+     * @param bw bandwidth, 0 or more
+     * @throws AddDBException if a link of the path is missing or has no room, or the id is
+     *         negative, too large or in use
+     * @throws IllegalArgumentException if path, PL or bw is outside the contract
+     */
+    public native void jniaddLSP(int lspid, int[] path, int PL, int OA, float bw)
+            throws AddDBException;
+
+    /**
+     * Adds a backup LSP whose path was computed elsewhere. Nothing is preempted for it. Backups
+     * that protect against different failures share the bandwidth they reserve.
+     *
+     * @param lspid id of the backup, 0 or more, not in use
+     * @param plspid id of the primary LSP that it protects
+     * @param path node ids: a local backup leaves the primary's path at its first node and rejoins
+     *        it at its last, a global backup leads from a node of that path to its egress
+     * @param PL preemption level, 0 to 7
+     * @param OA class type
+     * @param bw bandwidth, 0 or more
+     * @param type true for a local backup, false for a global one
+     * @throws AddDBException if the primary does not exist, a link of the path is missing or has
+     *         no room, or the id is negative, too large or in use
+     * @throws IllegalArgumentException if path, PL or bw is outside the contract
+     */
+    public native void jniaddBackupLSP(int lspid, int plspid, int[] path, int PL, int OA, float bw,
+                                       boolean type) throws AddDBException;
+
+    /**
+     * Removes an LSP and gives back its bandwidth. The backups of a removed primary stay until
+     * they are removed themselves.
+     *
+     * @param lspid id of the LSP
+     * @throws AddDBException if there is no such LSP, or a link of its path is gone; in the second
+     *         case the LSP is removed all the same
+     */
+    public native void jniremoveLSP(int lspid) throws AddDBException;
+
+    /**
+     * Removes a node and every link into or out of it. LSPs that crossed it stay registered.
+     *
+     * @param nodeid id of the node
+     * @throws AddDBException if there is no such node
+     */
+    public native void jniremoveNode(int nodeid) throws AddDBException;
+
+    /**
+     * Removes a directed link. LSPs that crossed it stay registered.
+     *
+     * @param srcNodeId id of the node where the link starts
+     * @param dstNodeId id of the node where the link ends
+     * @throws AddDBException if there is no such link
+     */
+    public native void jniremoveLink(int srcNodeId, int dstNodeId) throws AddDBException;
+
+    /**
+     * Computes the path of a new primary LSP over the links that admit it, the cheapest by the
+     * weights of the session, and places the LSP if asked to.
+     *
+     * <table>
+     * <caption>What the two flags give</caption>
+     * <tr><th>ADDLSP</th><th>PREEMPT</th><th>effect</th></tr>
+     * <tr><td>false</td><td>false</td><td>none: only the path is returned</td></tr>
+     * <tr><td>false</td><td>true</td><td>the LSPs in the way are removed, their ids go into
+     *     {@link #lsps}; the new LSP is not added</td></tr>
+     * <tr><td>true</td><td>false</td><td>the new LSP is added, nothing is preempted</td></tr>
+     * <tr><td>true</td><td>true</td><td>the new LSP is added; the LSPs in the way are removed,
+     *     their ids go into {@link #lsps}</td></tr>
+     * </table>
+     *
+     * <p>{@code rrid}, {@code rrsrc}, {@code rrdst} and {@code colorArray} are accepted and not
+     * examined; null will do for the array.
+     *
+     * @param id id of the new LSP, 0 or more, not in use if it is to be added
+     * @param src id of the ingress node
+     * @param dst id of the egress node
+     * @param rrid not examined
+     * @param rrsrc not examined
+     * @param rrdst not examined
+     * @param OA class type
+     * @param PL preemption level, 0 to 7
+     * @param reservation bandwidth, 0 or more
+     * @param colorArray not examined
+     * @param ADDLSP whether to add the LSP to the network
+     * @param PREEMPT whether less important LSPs may be preempted
+     * @return the node ids of the path, src first and dst last; null without a live session
+     * @throws NoRouteToHostException if no admissible path leads from src to dst
+     * @throws RoutingException if only preemption was asked for and the LSPs to preempt cannot be
+     *         determined
+     * @throws AddDBException if the LSP cannot be added, for instance because its id is in use, or
+     *         a preempted LSP cannot be removed
+     * @throws IllegalArgumentException if PL or reservation is outside the contract
+     */
+    public native int[] jnicomputePath(int id, int src, int dst, int rrid, int rrsrc, int rrdst,
+                                       int OA, int PL, float reservation, int[] colorArray,
+                                       boolean ADDLSP, boolean PREEMPT)
+            throws NoRouteToHostException, RoutingException, AddDBException;
+
+    /**
+     * Computes backup LSPs for a primary LSP and adds them if asked to. Not available yet: the
+     * library does not export it and a call throws {@link UnsatisfiedLinkError}.
+     *
+     * @param primarylspId id of the primary LSP to protect
+     * @param backuplspIds ids for the backups, in the order of the result
+     * @param backupType 1 for global backups, any other value for local ones (one per link of the
+     *        primary)
+     * @param ADDLSP whether to add the backups to the network
+     * @param PREEMPT whether less important LSPs may be preempted
+     * @return the node ids of each backup's path; null without a live session
+     * @throws NoRouteToHostException if a backup cannot be found
+     * @throws AddDBException if a backup cannot be added
+     * @throws UnsatisfiedLinkError always, for the time being
+     */
+    public native int[][] jnicomputeBackupPath(int primarylspId, int[] backuplspIds,
+                                               int backupType, boolean ADDLSP, boolean PREEMPT)
+            throws NoRouteToHostException, AddDBException;
+}
