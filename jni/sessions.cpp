@@ -1,0 +1,90 @@
+#include "sessions.h"
+
+#include "error/report.h"
+#include "jni_support.h"
+
+#include <algorithm>
+
+SessionItem *sessions[maxSessions];
+int nbSessions = -1;
+int lastSession = -1;
+int currentSessId = -1;
+
+namespace
+{
+
+constexpr Unit here{"jni_interface"};
+
+bool isLive(int slot) { return slot >= 0 && slot < maxSessions && sessions[slot]; }
+
+/** Releases an error stack that no session owns before the globals take another one. */
+void dropUnownedStack()
+{
+    if (currentSessId == -1)
+        errorDestroy();
+}
+
+} // namespace
+
+int init()
+{
+    nbSessions = 0;
+    std::ranges::fill(sessions, nullptr);
+    return 0;
+}
+
+int saveCntx(int sessId)
+{
+    *sessions[sessId] = {centralDB, tarnexConfig, errorManager};
+    return 0;
+}
+
+int loadCntx(JNIEnv *env, jobject obj)
+{
+    const jfieldID field = fieldOf(env, obj, "sessId", "I");
+    if (!field)
+        return -1;
+    const int slot = env->GetIntField(obj, field);
+    if (!isLive(slot)) {
+        here.push(CRITICAL, "Non existing Session (%d) in %s at line %d", slot);
+        // The message went to the stack of the session loaded last, which may have moved.
+        if (isLive(currentSessId))
+            sessions[currentSessId]->errorManager = errorManager;
+        return -1;
+    }
+    dropUnownedStack();
+    centralDB = sessions[slot]->centralDB;
+    tarnexConfig = sessions[slot]->tarnexConfig;
+    errorManager = sessions[slot]->errorManager;
+    currentSessId = slot;
+    return slot;
+}
+
+void startFreshErrorStack()
+{
+    dropUnownedStack();
+    errorInit();
+    currentSessId = -1;
+}
+
+int openSession()
+{
+    auto *item = static_cast<SessionItem *>(mymalloc(sizeof(SessionItem)));
+    if (!item)
+        return here.fail("Critical lack of memory in %s at line %d");
+    int slot = (lastSession + 1) % maxSessions;
+    while (sessions[slot])
+        slot = (slot + 1) % maxSessions;
+    sessions[slot] = item;
+    lastSession = slot;
+    nbSessions += 1;
+    return slot;
+}
+
+void closeSession(int slot)
+{
+    myfree(sessions[slot]);
+    sessions[slot] = nullptr;
+    nbSessions -= 1;
+    currentSessId = -1;
+}
