@@ -1,0 +1,157 @@
+package org.kestro.repository.TARNEX;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertNull;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.kestro.repository.TARNEX.Scenarios.build;
+import static org.kestro.repository.TARNEX.Scenarios.compute;
+import static org.kestro.repository.TARNEX.Scenarios.start;
+
+import java.util.Arrays;
+import org.junit.jupiter.api.AfterEach;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.params.ParameterizedTest;
+import org.junit.jupiter.params.provider.CsvSource;
+
+/** What an engine answers to its caller. */
+class EngineTest {
+    private static final int[] PATH = {1, 2, 3};
+
+    private JNITARNEX engine;
+
+    @AfterEach
+    void kill() {
+        engine.jnikillTarnex();
+    }
+
+    /** Two hops of capacity 10, filled by LSP 20 (level 1) and by LSPs 25 and 30 (level 2). */
+    private void fullNetwork() throws Exception {
+        engine = build(start(1, 3), "1-2:10 2-3:10");
+        engine.jniaddLSP(30, PATH, 2, 0, 4);
+        engine.jniaddLSP(20, new int[] {1, 2}, 1, 0, 3);
+        engine.jniaddLSP(25, PATH, 2, 0, 3);
+        engine.lsps = new int[] {-5};
+    }
+
+    /** "routed" or the exception, then the ids in "lsps", which hold -5 as long as untouched. */
+    private String outcome(Scenarios.Call call) {
+        String result = "routed";
+        try {
+            call.on(engine);
+        } catch (Exception e) {
+            assertNull(e.getMessage());
+            result = e.getClass().getSimpleName();
+        }
+        return result + " " + Arrays.toString(engine.lsps);
+    }
+
+    private boolean holds(int lsp) {
+        return outcome(e -> e.jniremoveLSP(lsp)).startsWith("routed");
+    }
+
+    @ParameterizedTest
+    @CsvSource(delimiter = '|', value = {
+        "0 | 10   | routed [20, 25, 30]",
+        "0 | 9    | routed [20, 25, 30]", // level 2 as a whole, then what covers the rest
+        "0 | 7    | routed [25, 30]",
+        "0 | 5    | routed [25, 30]",     // the larger one fits, the smaller one covers the rest
+        "0 | 3    | routed [25]",         // the smallest that covers it
+        "1 | 7    | routed [25, 30]",
+        "1 | 7.5  | NoRouteToHostException [-5]",
+        "2 | 0.5  | NoRouteToHostException [-5]",
+        "0 | 10.5 | NoRouteToHostException [-5]",
+    })
+    void lessImportantLspsGiveWay(int level, float bw, String expected) throws Exception {
+        fullNetwork();
+        assertEquals(expected, outcome(e -> assertArrayEquals(
+                PATH, compute(e, 1, 1, 3, 0, level, bw, true, true))));
+        for (int lsp : new int[] {20, 25, 30}) {
+            assertEquals(!expected.contains("" + lsp), holds(lsp), "LSP " + lsp);
+        }
+    }
+
+    @ParameterizedTest
+    @CsvSource(delimiter = '|', value = {
+        // ADDLSP, PREEMPT, room on the links | outcome | new LSP in place | room afterwards
+        "false | false | false | NoRouteToHostException [-5] | false | false",
+        "false | true  | false | routed [25, 30]             | false | true",
+        "true  | false | false | NoRouteToHostException [-5] | false | false",
+        "true  | true  | false | routed [25, 30]             | true  | false",
+        "false | false | true  | routed [-5]                 | false | true",
+        "false | true  | true  | routed [-5]                 | false | true",
+        "true  | false | true  | routed [-5]                 | true  | false",
+        "true  | true  | true  | routed [-5]                 | true  | false",
+    })
+    void flagsDecideWhatIsDone(boolean add, boolean preempt, boolean room, String expected,
+                               boolean added, boolean roomLeft) throws Exception {
+        fullNetwork();
+        assertTrue(!room || holds(25) && holds(30));
+        assertEquals(expected, outcome(e -> compute(e, 1, 1, 3, 0, 0, 5, add, preempt)));
+        // an LSP that comes with its path preempts nothing: it gets in only where there is room
+        assertEquals(roomLeft, outcome(e -> e.jniaddLSP(2, PATH, 0, 0, 5)).startsWith("routed"));
+        assertEquals(added, holds(1));
+    }
+
+    @Test
+    void preemptionThatCannotBeWorkedOutIsARoutingFailure() throws Exception {
+        engine = build(start(1, 2), "0-1:10 1-2:10 1-3:10 3-2:10");
+        // a backup larger than its primary reserves on 0-1 at a level where no LSP can give way
+        engine.jniaddLSP(1, new int[] {0, 1, 2}, 0, 0, 5);
+        engine.jniaddBackupLSP(2, 1, new int[] {1, 3, 2}, 1, 0, 8, true);
+        assertEquals("RoutingException []",
+                     outcome(e -> compute(e, 3, 0, 1, 0, 0, 3, false, true)));
+        assertEquals("AddDBException []",
+                     outcome(e -> compute(e, 3, 0, 1, 0, 0, 3, true, true)));
+    }
+
+    @Test
+    void classTypesHaveCapacitiesOfTheirOwn() throws Exception {
+        engine = Scenarios.triangle(); // 10 and 4 on each link
+        compute(engine, 1, 2, 1, 0, 0, 10, true, false);
+        compute(engine, 2, 2, 1, 1, 0, 4, true, false);
+        for (int oa : new int[] {-1, 0, 1, 2, 8, Integer.MAX_VALUE}) {
+            assertEquals(oa == 0 || oa == 1 ? "NoRouteToHostException []" : "routed []",
+                         outcome(e -> compute(e, 3, 2, 1, oa, 0, 0.5f, false, false)));
+        }
+    }
+
+    @ParameterizedTest
+    @CsvSource({
+        // which weight is set -> which of four LSPs take the direct link of capacity 30 (D) and
+        // which the detour (d) over capacities 50 and 200
+        "0, dDdd", "1, DDDD", "2, DdDD", "3, dddd", "4, ddDd", "5, dddD", "6, DDdd",
+    })
+    void eachWeightHasItsOwnIdeaOfAGoodPath(int weight, String expected) throws Exception {
+        float[] weights = new float[7];
+        weights[weight] = 2;
+        engine = build(start(1, 1, weights), "0-2:30 0-1:50 1-2:200");
+        StringBuilder ways = new StringBuilder();
+        for (float bw : new float[] {5, 8, 10, 5}) {
+            int[] path = compute(engine, ways.length(), 0, 2, 0, 0, bw, true, false);
+            ways.append(path.length == 2 ? 'D' : 'd');
+        }
+        assertEquals(expected, ways.toString());
+    }
+
+    @ParameterizedTest
+    @CsvSource({"killed", "-1", "128", "-2147483648"})
+    void sessionsAreApartAndDeadOnesDoNothing(String session) throws Exception {
+        engine = Scenarios.triangle();
+        JNITARNEX stray = Scenarios.triangle();
+        compute(stray, 1, 2, 1, 0, 0, 10, true, false);
+        compute(engine, 1, 2, 1, 0, 0, 9, true, false);
+        stray.jnikillTarnex();
+        stray.sessId = session.equals("killed") ? stray.sessId : Integer.parseInt(session);
+        stray.jniaddNode(1);
+        Scenarios.link(stray, 0, 0, 1, 1, 1);
+        stray.jniaddLSP(2, new int[] {0, 1}, 0, 0, 1);
+        stray.jniaddBackupLSP(3, 1, new int[] {0, 1}, 0, 0, 1, true);
+        stray.jniremoveLSP(1);
+        stray.jniremoveLink(2, 1);
+        stray.jniremoveNode(1);
+        stray.jniprintTarnexDB();
+        assertNull(compute(stray, 2, 2, 1, 0, 0, 1, true, true));
+        assertArrayEquals(new int[] {2, 1}, compute(engine, 2, 2, 1, 0, 0, 1, true, true));
+    }
+}

@@ -1,0 +1,174 @@
+package org.kestro.repository.TARNEX;
+
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import java.io.File;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.FileSystem;
+import java.nio.file.FileSystems;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Locale;
+import java.util.regex.Pattern;
+import java.util.stream.Collectors;
+import java.util.stream.IntStream;
+import java.util.stream.Stream;
+
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
+
+/** What a whole process shows: standard output and error, the first sessions, the loader. */
+class ProcessTest {
+    private static final Pattern JNI_FINDING =
+            Pattern.compile("(WARNING|FATAL ERROR) in native method|WARNING: JNI");
+
+    @TempDir
+    Path temp;
+    private String out;
+    private String err;
+
+    @Test
+    void sessionNumbersRotateAndASessionTooManyGetsNone() throws Exception {
+        run(codeOf(JNITARNEX.class), "rotation");
+        String given = IntStream.range(0, 128).mapToObj(i -> i + " ").collect(Collectors.joining());
+        assertEquals(given + "1 -1 7 ", out);
+    }
+
+    @Test
+    void dumpShowsNodesLinksAndReservations() throws Exception {
+        run(codeOf(JNITARNEX.class), "dump");
+        assertEquals("Printing info about nodes ...\n" + "-".repeat(29) + "\n"
+                     + node(0, "1 ", "1 2 ") + node(1, "0 2 ", "0 ") + node(2, "0 ", "1 ")
+                     + node(5, "", "")
+                     + "\nPrinting info about links ...\n" + "-".repeat(29) + "\n"
+                     + link("0-1 (id = 0)", "9 4 ", 10, 5.5, 5.5, 4, 0, 0)
+                     + link("0-2 (id = 1)", "7 ", 10, 0, 2.5, 4, 0, 0)
+                     + link("1-0 (id = 3)", "", 10.5, 0, 3, 4, 0, 0.5)
+                     + link("2-1 (id = 2)", "7 8 ", 10, 0, 2.5, 4, 4, 4), out);
+        assertEquals("", err);
+    }
+
+    private static String node(int id, String incoming, String outgoing) {
+        return "Node id : " + id + "\n" + "-".repeat(13) + "\nIncoming neighboors : \n" + incoming
+                + "\nOutgoing neighboors : \n" + outgoing + "\n";
+    }
+
+    /** Figures: capacity, primary and whole reservation of each class type; the rest is 0. */
+    private static String link(String ends, String lsps, double... figures) {
+        StringBuilder text = new StringBuilder("Link " + ends + "\n" + "-".repeat(23) + "\n"
+                + "\tList of LSPs\n\t------------\n" + lsps + "\n\n\tLink-state\n\t----------\n");
+        for (int i = 0; i < 3 * 8; i++) {
+            text.append(String.format(Locale.ROOT, "\t%s[%d] = %.6f\n",
+                                      List.of("Capacity", "pbw", "rbw").get(i % 3), i / 3,
+                                      i < figures.length ? figures[i] : 0));
+        }
+        return text + "\n\n";
+    }
+
+    @Test
+    void callsOutsideTheContractAreNamedAndChangeNothing() throws Exception {
+        run(codeOf(JNITARNEX.class), "misuse");
+        assertEquals("", err);
+        String before = out.substring(0, out.length() / 2);
+        assertTrue(before.contains("\tpbw[0] = 2.500000\n"), out);
+        assertEquals(before + before, out);
+    }
+
+    @Test
+    void killPrintsTheTrailOfFailuresNewestFirst() throws Exception {
+        run(codeOf(JNITARNEX.class), "trail");
+        assertEquals("AddDBException null\n".repeat(9) + "NoRouteToHostException null\n", out);
+        assertEquals("""
+                Impossible to compute Path in jni_interface
+                Unable to update requested path in computation/primary/primaryPath
+                Destination unreachable in computation/primary/primaryPath
+                Impossible to add PRIMARY LSP in jni_interface
+                Unable to insert LSP in the general LSP container in database/database
+                Trying to add an LSP with a reserved ID in database/database_util
+                Impossible to remove Link in jni_interface
+                Link doesn't exist or database unconsistancy in database/database
+                Impossible to remove Node in jni_interface
+                Trying to remove an inexistent node in database/database
+                Impossible to remove LSP in jni_interface
+                Trying to remove inexistent LSP (id = 3) in database/database
+                Lsp ID: 8, Request: 11.000000
+
+                Impossible to add BACKUP LSP (computed by another algorithm) in jni_interface
+                LSP refused by the predicate in database/database
+                Lsp ID: 8, Request: 1.000000
+
+                Impossible to find PRIMARY LSP in jni_interface
+                Lsp ID: 7, Request: 8.500000
+
+                Impossible to add PRIMARY LSP (computed by another algorithm) in jni_interface
+                LSP refused by the predicate in database/database
+                Impossible to add Link in jni_interface
+                Source or destination node doesn't exist in database/database
+                Impossible to init a Node in jni_interface
+                Unable to insert a new node in the general node container in database/database
+                Trying to add a node with a reserved ID in database/database_util
+                """.replaceAll("(?m)^(?=.)", "[CRITICAL] ")
+                + "ERROR, call to killTarnex before initTarnex\n",
+                err.replaceAll(" at line [0-9]+\n", "\n"));
+    }
+
+    @Test
+    void missingExceptionClassesAreReportedByLibraryAndJvm() throws Exception {
+        run(jarWithout("org/kestro/repository/model/exception"), "trail");
+        String end = "NoClassDefFoundError org/kestro/repository/model/exception/";
+        assertEquals(10, out.split(end, -1).length - 1, out);
+        assertEquals("Unable to find the exception class, giving up\n".repeat(10),
+                     err.substring(0, err.indexOf("[CRITICAL]")));
+    }
+
+    @Test
+    void theJarCarriesTheLibrary() throws Exception {
+        String noLibraries = "-Djava.library.path=" + Files.createDirectory(temp.resolve("libs"));
+        Path unpackedTo = Files.createDirectory(temp.resolve("tmp"));
+        run(codeOf(JNITARNEX.class), "load", noLibraries, "-Djava.io.tmpdir=" + unpackedTo);
+        assertEquals("slot 0\ndone\n", out);
+        assertEquals(0, unpackedTo.toFile().list().length);
+
+        run(jarWithout("native"), "load", noLibraries);
+        assertTrue(out.matches("(?s)UnsatisfiedLinkError .*java.library.path.*"
+                               + "/native/linux-\\w+/libtarnex.so.*"), out);
+    }
+
+    /** Runs a scenario under -Xcheck:jni and keeps what it printed. */
+    private void run(Path engine, String scenario, String... options) throws Exception {
+        List<String> command = new ArrayList<>(List.of(
+                System.getProperty("java.home") + "/bin/java", "-Xcheck:jni",
+                "-Djava.library.path=" + System.getProperty("java.library.path")));
+        command.addAll(List.of(options));
+        command.addAll(List.of("-cp", engine + File.pathSeparator + codeOf(Scenarios.class),
+                               Scenarios.class.getName(), scenario));
+        Path stdout = temp.resolve("stdout");
+        Path stderr = temp.resolve("stderr");
+        int exit = new ProcessBuilder(command).redirectOutput(stdout.toFile())
+                .redirectError(stderr.toFile()).start().waitFor();
+        out = Files.readString(stdout, StandardCharsets.ISO_8859_1);
+        err = Files.readString(stderr, StandardCharsets.ISO_8859_1);
+        assertEquals(0, exit, out + err);
+        assertFalse(JNI_FINDING.matcher(out + err).find(), out + err);
+    }
+
+    /** A copy of the engine's jar, unpacked, without one of its folders. */
+    private Path jarWithout(String folder) throws Exception {
+        Path copy = temp.resolve("unpacked");
+        try (FileSystem jar = FileSystems.newFileSystem(codeOf(JNITARNEX.class));
+             Stream<Path> files = Files.walk(jar.getPath("/"))) {
+            for (Path file : files.filter(f -> !f.startsWith("/" + folder)).toList()) {
+                Files.copy(file, copy.resolve(file.toString().substring(1)));
+            }
+        }
+        return copy;
+    }
+
+    private static Path codeOf(Class<?> type) throws Exception {
+        return Path.of(type.getProtectionDomain().getCodeSource().getLocation().toURI());
+    }
+}
