@@ -104,9 +104,9 @@ bool readLinkState(JNIEnv *env, jfloatArray cap, jobjectArray rbw, double (&capa
         }
         for (int p = 0; p < NBPL; ++p) {
             if (!std::isfinite(reservations[oa][p]) || reservations[oa][p] < 0.0) {
-                throwIllegalArgument(env,
-                                     "rbw[%d][%d] must be a finite bandwidth of at least 0, but is %g",
-                                     oa, p, reservations[oa][p]);
+                throwIllegalArgument(
+                    env, "rbw[%d][%d] must be a finite bandwidth of at least 0, but is %g", oa, p,
+                    reservations[oa][p]);
                 return false;
             }
         }
@@ -344,7 +344,8 @@ OwnedLSP makeRecord(const LSPRequest &req)
 }
 
 /** Draws up the preemption list, adding the LSP or not; false when the call has failed. */
-bool admit(SessionCall &call, const LSPRequest &req, bool addLSP, bool preempt, LongList &preemptList)
+bool admit(SessionCall &call, const LSPRequest &req, bool addLSP, bool preempt,
+           LongList &preemptList)
 {
     if (!addLSP && !preempt)
         return true;

@@ -19,7 +19,7 @@ static_assert(sizeof(jint) == sizeof(Long));
 template <class Ref>
 class LocalRef
 {
-  public:
+public:
     LocalRef(JNIEnv *environment, Ref reference) : env(environment), ref(reference) {}
     ~LocalRef()
     {
@@ -39,7 +39,7 @@ class LocalRef
         return released;
     }
 
-  private:
+private:
     JNIEnv *env;
     Ref ref;
 };
@@ -55,7 +55,7 @@ jfieldID fieldOf(JNIEnv *env, jobject obj, const char *name, const char *signatu
  */
 bool throwNew(JNIEnv *env, const char *className, const char *message);
 
-/** Copies the first floats of an array that is long enough into `values`; false: exception pending. */
+/** Copies the first floats of a long enough array into `values`; false: exception pending. */
 bool readFloats(JNIEnv *env, jfloatArray array, std::span<double> values);
 
 /** Appends all elements of an array to an empty list; 0, or -1 after a message. */

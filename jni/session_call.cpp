@@ -75,7 +75,8 @@ bool readMatrix(JNIEnv *env, const char *name, jobjectArray array, int rows, int
 
 SessionCall::SessionCall(JNIEnv *environment, jobject engineObject)
     : env(environment), obj(engineObject), slot(loadCntx(environment, engineObject))
-{}
+{
+}
 
 SessionCall::~SessionCall() { save(); }
 

@@ -20,7 +20,7 @@ inline constexpr const char *noRouteToHostException =
 inline constexpr const char *routingException =
     "org/kestro/repository/model/exception/RoutingException";
 
-/** Throws IllegalArgumentException with a text that names the argument and what is wrong with it. */
+/** Throws IllegalArgumentException with a text that says what is wrong with which argument. */
 void throwIllegalArgument(JNIEnv *env, const char *format, ...)
     __attribute__((format(printf, 2, 3)));
 
@@ -41,7 +41,7 @@ bool readMatrix(JNIEnv *env, const char *name, jobjectArray array, int rows, int
 
 class SessionCall
 {
-  public:
+public:
     SessionCall(JNIEnv *environment, jobject engineObject);
     ~SessionCall();
     SessionCall(const SessionCall &) = delete;
@@ -52,15 +52,16 @@ class SessionCall
 
     /**
      * Saves the session and throws an exception of that class without a message; when the class is
-     * not found, says so on standard error and leaves the JVM's own error pending. The caller pushes
-     * its messages first and returns right after. An exception that is pending already stays.
+     * not found, says so on standard error and leaves the JVM's own error pending. The caller
+     * pushes its messages first and returns right after. An exception that is pending already
+     * stays.
      */
     void fail(const char *exceptionClass);
 
     JNIEnv *const env;
     const jobject obj;
 
-  private:
+private:
     void save();
 
     int slot;

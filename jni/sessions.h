@@ -1,10 +1,10 @@
 /**
  * The session table and the switch of the current session (unit "jni_interface").
  *
- * Every engine object of the Java side names a slot of the table in its field "sessId". A call copies
- * the slot's context into the current-session globals, works on those, and copies them back before it
- * returns; SessionCall does both. While `currentSessId` is -1 the error stack in the globals, if one
- * is live, belongs to no session.
+ * Every engine object of the Java side names a slot of the table in its field "sessId". A call
+ * copies the slot's context into the current-session globals, works on those, and copies them back
+ * before it returns; SessionCall does both. While `currentSessId` is -1 the error stack in the
+ * globals, if one is live, belongs to no session.
  */
 #ifndef TARNEX_JNI_SESSIONS_H
 #define TARNEX_JNI_SESSIONS_H
@@ -26,8 +26,8 @@ struct SessionItem_ {
 using SessionItem = SessionItem_;
 
 extern SessionItem *sessions[maxSessions]; ///< null: free slot
-extern int nbSessions;    ///< live sessions; -1 until the table has been cleared
-extern int lastSession;   ///< slot given out last, -1 before the first
+extern int nbSessions;                     ///< live sessions; -1 until the table has been cleared
+extern int lastSession;                    ///< slot given out last, -1 before the first
 extern int currentSessId; ///< slot whose context is in the globals, -1 when none is
 
 /** Clears the table; 0. */

@@ -13,8 +13,8 @@ SystemMemory systemMemory{std::malloc, std::calloc, std::realloc, std::free};
 namespace
 {
 
-// A block is a prefix that keeps the user area aligned for any type, its last four bytes holding the
-// size word, and the user area behind it.
+// A block is a prefix that keeps the user area aligned for any type, its last four bytes holding
+// the size word, and the user area behind it.
 constexpr std::size_t prefixBytes = alignof(std::max_align_t);
 constexpr std::size_t maxUserBytes = std::numeric_limits<Long>::max() - prefixBytes;
 constexpr std::uint32_t freedMark = 0xFFFFFFFF;
@@ -37,7 +37,8 @@ void setSizeWord(void *user, std::uint32_t word)
 
 void count(std::uint32_t added, std::uint32_t removed)
 {
-    allocatedMemory = static_cast<Long>(static_cast<std::uint32_t>(allocatedMemory) + added - removed);
+    allocatedMemory =
+        static_cast<Long>(static_cast<std::uint32_t>(allocatedMemory) + added - removed);
 }
 
 /** Turns a fresh system block into a counted one. */
@@ -54,12 +55,12 @@ void *counted(void *block, std::size_t sz)
 /**
  * The blocks released last, oldest first, not yet handed back to the system. The C library writes
  * its own links over a block it takes back, or unmaps it, and the freed mark would be gone when a
- * second release looks for it. The newest block always stays; the others as long as they are few and
- * small together.
+ * second release looks for it. The newest block always stays; the others as long as they are few
+ * and small together.
  */
 class Quarantine
 {
-  public:
+public:
     void hold(void *user, std::size_t bytes)
     {
         if (held == ring.size())
@@ -71,7 +72,7 @@ class Quarantine
             evictOldest();
     }
 
-  private:
+private:
     struct Entry {
         void *user;
         std::size_t bytes;

@@ -7,8 +7,8 @@
  * and can be read. Pushing is amortised constant time, a sorted insertion is linear. A vector whose
  * `cont` is null is not initialised: every operation but Init refuses it.
  *
- * Operations return 0, or -1 after pushing a message on the error stack; they leave the vector as it
- * was when they fail.
+ * Operations return 0, or -1 after pushing a message on the error stack; they leave the vector as
+ * it was when they fail.
  */
 #ifndef TARNEX_COMMON_COMMON_H
 #define TARNEX_COMMON_COMMON_H
@@ -17,14 +17,14 @@
 
 #include <cstddef>
 
-/** Bytes in use in all counted blocks (user areas only), modulo 2^32; only the allocator writes it. */
+/** Bytes in use in all counted blocks (user areas only), modulo 2^32. */
 extern Long allocatedMemory;
 
 /**
  * Obtains a counted block of `sz` bytes, aligned for any type.
  *
- * @return the user area, or null when there is no memory or the size does not fit the 31 bits of the
- *         block's size word; no message is pushed
+ * @return the user area, or null when there is no memory or the size does not fit the 31 bits of
+ * the block's size word; no message is pushed
  */
 [[nodiscard]] void *mymalloc(std::size_t sz);
 
@@ -87,7 +87,7 @@ int longVecDestroy(LongVec *vec);
 [[nodiscard]] int longVecPopBack(LongVec *vec, Long *val);
 /** Reads slot `index`, which must lie within the capacity. */
 [[nodiscard]] int longVecGet(const LongVec *vec, Long index, Long *val);
-/** Writes slot `index`, growing to the larger of `index` + 1 and twice the capacity, zero-filled. */
+/** Writes slot `index`, growing, zero-filled, to the larger of `index` + 1 and twice `size`. */
 [[nodiscard]] int longVecSet(LongVec *vec, Long index, Long val);
 
 /** Inserts `val` before position `index` (0 to `top`). */

@@ -2,8 +2,8 @@
  * Ownership of records by scope, and spans over the library's vectors.
  *
  * A record that is not handed over yet sits in an Owned (heap record) or a Guard (record on the
- * stack) whose deleter is the record's own Destroy or End: every return releases it, and `release()`
- * marks the point from which somebody else owns it.
+ * stack) whose deleter is the record's own Destroy or End: every return releases it, and
+ * handOver() marks the point from which somebody else owns it.
  */
 #ifndef TARNEX_COMMON_RECORDS_H
 #define TARNEX_COMMON_RECORDS_H
@@ -24,13 +24,20 @@ struct Releaser {
     }
 };
 
-/** Heap record, owned until release(). */
+/** Heap record, owned until handed over. */
 template <class T, auto releaseRecord>
 using Owned = std::unique_ptr<T, Releaser<releaseRecord>>;
 
 /** Stack record whose contents are released at the end of the scope. */
 template <class T, auto endRecord>
 using Guard = std::unique_ptr<T, Releaser<endRecord>>;
+
+/** Gives records up to whoever owns them from here on: the point of no return. */
+template <class... Owners>
+void handOver(Owners &...owners)
+{
+    (static_cast<void>(owners.release()), ...);
+}
 
 /** The slots in use of a vector. */
 template <class Vec>

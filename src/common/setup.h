@@ -2,9 +2,9 @@
  * Configuration of a session, and the globals that hold the current session's context (unit
  * "common/setup").
  *
- * The core reads and writes these globals directly and never sees a session number; the Java binding
- * copies a session's context in before a call and out after it. There is no locking: calls come one
- * at a time.
+ * The core reads and writes these globals directly and never sees a session number; the Java
+ * binding copies a session's context in before a call and out after it. There is no locking: calls
+ * come one at a time.
  */
 #ifndef TARNEX_COMMON_SETUP_H
 #define TARNEX_COMMON_SETUP_H
@@ -15,14 +15,14 @@ struct DataBase_;
 
 /** Weights of the primary path score; a weight of 0 switches its criterion off. */
 struct PrimaryComputationConfig_ {
-    double Fortz;             ///< Fortz-Thorup piecewise-linear link cost
-    double loadBal[MAXOA];    ///< balance of utilization over the network
-    double load[MAXOA];       ///< load
-    double sqLoad[MAXOA];     ///< squared load
-    double relLoad[MAXOA];    ///< utilization
-    double sqRelLoad[MAXOA];  ///< squared utilization
-    double delay[MAXOA];      ///< queueing delay
-    double rerouting[MAXOA];  ///< preemption penalty
+    double Fortz;            ///< Fortz-Thorup piecewise-linear link cost
+    double loadBal[MAXOA];   ///< balance of utilization over the network
+    double load[MAXOA];      ///< load
+    double sqLoad[MAXOA];    ///< squared load
+    double relLoad[MAXOA];   ///< utilization
+    double sqRelLoad[MAXOA]; ///< squared utilization
+    double delay[MAXOA];     ///< queueing delay
+    double rerouting[MAXOA]; ///< preemption penalty
 };
 using PrimaryComputationConfig = PrimaryComputationConfig_;
 

@@ -8,10 +8,10 @@
 #include <cstddef>
 
 struct SystemMemory {
-    void *(*acquire)(std::size_t bytes);                     ///< as malloc
+    void *(*acquire)(std::size_t bytes);                          ///< as malloc
     void *(*acquireZeroed)(std::size_t count, std::size_t bytes); ///< as calloc
-    void *(*resize)(void *block, std::size_t bytes);         ///< as realloc
-    void (*release)(void *block);                            ///< as free
+    void *(*resize)(void *block, std::size_t bytes);              ///< as realloc
+    void (*release)(void *block);                                 ///< as free
 };
 
 extern SystemMemory systemMemory;

@@ -11,7 +11,7 @@ using Long = std::int32_t;
 
 /** Number of class types (ordered aggregates) that every per-class array has room for. */
 inline constexpr int MAXOA = 8;
-/** Number of preemption levels that every per-level array has room for; level 0 is the most important. */
+/** Number of preemption levels that every per-level array has room for; 0 is the most important. */
 inline constexpr int MAXPL = 8;
 
 /** Kind of an LSP. */

@@ -1,8 +1,8 @@
 /**
  * The operations that every growable vector of the library shares, for records with the fields
- * `size`, `top` and `cont` over trivially copyable elements. Each takes the unit under whose name it
- * reports. The public functions of the units (longVecPushBack, bkConnectVecSet, ...) are calls of
- * these.
+ * `size`, `top` and `cont` over trivially copyable elements. Each takes the unit under whose name
+ * it reports. The public functions of the units (longVecPushBack, bkConnectVecSet, ...) are calls
+ * of these.
  */
 #ifndef TARNEX_COMMON_VECTOR_H
 #define TARNEX_COMMON_VECTOR_H

@@ -18,7 +18,7 @@ int makeRequest(LSPRequest &req)
     Guard<LongList, longVecEnd> forbidLinks{&req.forbidLinks};
     if (longVecInit(&req.path, -1) != 0)
         return here.fail("Unable to create label switched path request in %s at line %d");
-    forbidLinks.release();
+    handOver(forbidLinks);
     req.rerouteInfo.id = -1;
     return 0;
 }
@@ -37,7 +37,10 @@ int initRange(LSPRequest *requests, Long from, Long to)
     return 0;
 }
 
-std::size_t bytesFor(Long requests) { return static_cast<std::size_t>(requests) * sizeof(LSPRequest); }
+std::size_t bytesFor(Long requests)
+{
+    return static_cast<std::size_t>(requests) * sizeof(LSPRequest);
+}
 
 } // namespace
 

@@ -20,14 +20,14 @@ using LSPrerouteInfo = LSPrerouteInfo_;
 
 /** A request for one LSP. */
 struct LSPRequest_ {
-    Long id;                    ///< id of the LSP that the request is for
-    Long primID;                ///< for a backup: id of the protected primary; 0 in a primary request
+    Long id;     ///< id of the LSP that the request is for
+    Long primID; ///< for a backup: id of the protected primary; 0 in a primary request
     LSPrerouteInfo rerouteInfo; ///< see above
     int precedence;             ///< preemption level, 0 the most important
     double bw[MAXOA];           ///< requested bandwidth per class type
     LongList forbidLinks;       ///< link colours that the path must not use
-    LongList path;              ///< node ids, ingress first; an entry below 0 is a stretch not known yet
-    DBLSPType type;             ///< kind of LSP requested
+    LongList path;  ///< node ids, ingress first; an entry below 0 is a stretch not known yet
+    DBLSPType type; ///< kind of LSP requested
 };
 using LSPRequest = LSPRequest_;
 

@@ -23,7 +23,7 @@ bool isBackup(const DBLabelSwitchedPath &lsp)
 /** The links already handled in one walk, by link id. */
 class ProcessedLinks
 {
-  public:
+public:
     ProcessedLinks() = default;
     ~ProcessedLinks()
     {
@@ -38,20 +38,24 @@ class ProcessedLinks
         return longVecInit(&isProcessed, db.linkSrcVec.size);
     }
     [[nodiscard]] int mark(Long link) { return longVecSet(&isProcessed, link, 1); }
-    bool contains(Long link) const { return link < isProcessed.size && isProcessed.cont[link] != 0; }
+    bool contains(Long link) const
+    {
+        return link < isProcessed.size && isProcessed.cont[link] != 0;
+    }
     void clear() { std::ranges::fill(slots(isProcessed), 0); }
 
-  private:
+private:
     LongVec isProcessed{};
 };
 
 /** The walk over an LSP's links that asks the predicate and collects what to preempt. */
 class AdmissionWalk
 {
-  public:
+public:
     AdmissionWalk(DataBase &database, const DBLabelSwitchedPath &newcomer, LongList *preempted)
         : db(database), lsp(newcomer), preemptList(preempted)
-    {}
+    {
+    }
 
     /** Walks until a link refuses; 0, or -1 after a message. */
     int run(ProcessedLinks &processed)
@@ -68,7 +72,7 @@ class AdmissionWalk
 
     bool isAllowed() const { return allowLSP; }
 
-  private:
+private:
     int walk(Path path, ProcessedLinks &processed, bool skipProcessed)
     {
         for (std::size_t i = 0; i + 1 < path.size() && allowLSP; ++i) {
@@ -150,8 +154,8 @@ int updateList(DBLSPList &list, DBLabelSwitchedPath *lsp, operation op)
 }
 
 /**
- * Applies `op` to every link that the stored `lsp` concerns: listed on the links of its path, not on
- * those of the protected path. All links are attempted; -1 when one failed or is gone.
+ * Applies `op` to every link that the stored `lsp` concerns: listed on the links of its path, not
+ * on those of the protected path. All links are attempted; -1 when one failed or is gone.
  */
 int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, ProcessedLinks &processed)
 {

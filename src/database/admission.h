@@ -3,8 +3,8 @@
  * LSP records and so change the reservations of the stored links.
  *
  * The links that an LSP concerns are the hops of its path and, for a backup, those of the protected
- * primary's path, each taken once. Every concerned link is put to the admission predicate before any
- * is changed, so a refused LSP leaves the database as it was. Preemption itself is the caller's
+ * primary's path, each taken once. Every concerned link is put to the admission predicate before
+ * any is changed, so a refused LSP leaves the database as it was. Preemption itself is the caller's
  * business: the ids of the LSPs that would have to give way are only listed. An LSP of h hops costs
  * about 2h evaluations of a link's reservation.
  */
@@ -35,8 +35,8 @@
 /**
  * Removes stored LSP `id`: takes it off its links, updates every concerned link and releases it.
  *
- * @return 0; -1 when there is no such LSP or, after "LSP removal uncomplete", when a link was missing
- *         or could not be updated (the LSP is gone all the same)
+ * @return 0; -1 when there is no such LSP or, after "LSP removal uncomplete", when a link was
+ * missing or could not be updated (the LSP is gone all the same)
  */
 [[nodiscard]] int DBremoveLSP(DataBase *dataBase, Long id);
 

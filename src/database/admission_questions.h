@@ -18,9 +18,9 @@ bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *l
                     const DBLabelSwitchedPath *lsp, double *gain);
 
 /**
- * Chooses the LSPs of a link to preempt: whole levels from the least important one, in the level that
- * finishes the need the largest LSPs that fit and then the smallest that covers the rest. Nothing at
- * or above the importance of `precedence` is taken.
+ * Chooses the LSPs of a link to preempt: whole levels from the least important one, in the level
+ * that finishes the need the largest LSPs that fit and then the smallest that covers the rest.
+ * Nothing at or above the importance of `precedence` is taken.
  *
  * @param state the link's present state, without the newcomer
  * @param lspList the link's LSPs, in their order

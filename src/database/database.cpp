@@ -27,10 +27,7 @@ int makeTables(DataBase &db)
     Guard<LongVec, longVecEnd> sources{&db.linkSrcVec};
     if (longVecInit(&db.linkDstVec, 1) != 0)
         return here.fail("Unable to initialize the link id-dst translater in %s at line %d");
-    nodes.release();
-    lsps.release();
-    links.release();
-    sources.release();
+    handOver(nodes, lsps, links, sources);
     return 0;
 }
 
@@ -109,7 +106,7 @@ int DBaddNode(DataBase *dataBase, Long id)
     if (DBnodeVecSet(&dataBase->nodeVec, node.get(), id) != 0)
         return here.fail(
             "Unable to insert a new node in the general node container in %s at line %d");
-    node.release();
+    handOver(node);
     dataBase->nbNodes += 1;
     return 0;
 }
@@ -156,7 +153,7 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState
     if (DBlinkTabSet(&dataBase->linkTab, link.get(), src, dst) != 0)
         return here.fail(
             "Unable to insert a new node in the general node container in %s at line %d");
-    link.release();
+    handOver(link);
 
     // The table owns the link: no way back from here, every step runs and one failure sticks.
     int result = 0;

@@ -3,9 +3,9 @@
  *
  * Node, link and LSP ids are chosen by the caller, are 0 or more and index the tables directly, so
  * every lookup is one array access and a table is as long as the largest id. There is at most one
- * link per ordered pair of nodes. The database owns its records; getters hand out the stored object,
- * which the caller must not release. The link table is square: its memory grows with the largest
- * node id times the number of nodes that have out-links.
+ * link per ordered pair of nodes. The database owns its records; getters hand out the stored
+ * object, which the caller must not release. The link table is square: its memory grows with the
+ * largest node id times the number of nodes that have out-links.
  *
  * Operations return 0, the value asked for, or a pointer; -1 or null after pushing a message.
  */
@@ -41,8 +41,9 @@ int DBdestroy(DataBase *dataBase);
  */
 [[nodiscard]] int DBremoveNode(DataBase *dataBase, Long id);
 /**
- * Adds a link with a copy of `initLinkState`. Both end nodes must exist, the id must be free and the
- * ordered pair not linked yet. After -1 with "Link addition uncomplete" the link is there and counted.
+ * Adds a link with a copy of `initLinkState`. Both end nodes must exist, the id must be free and
+ * the ordered pair not linked yet. After -1 with "Link addition uncomplete" the link is there and
+ * counted.
  */
 [[nodiscard]] int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst,
                             const DBLinkState *initLinkState);

@@ -1,10 +1,10 @@
 /**
  * The database's node and link records and their containers (unit "database/database_util").
  *
- * Containers are tables indexed by id; a slot that is not in use is null. They grow to the larger of
- * id + 1 and twice their size and never shrink. Growing clears the new slots without touching their
- * memory, so that large, almost empty tables stay cheap. The node table and the link table own their
- * records; the LSP table owns its records too, but hands one back unreleased on removal.
+ * Containers are tables indexed by id; a slot that is not in use is null. They grow to the larger
+ * of id + 1 and twice their size and never shrink. Growing clears the new slots without touching
+ * their memory, so that large, almost empty tables stay cheap. The node table and the link table
+ * own their records; the LSP table owns its records too, but hands one back unreleased on removal.
  *
  * A size argument of -1 means one slot. Operations return 0, or -1 after pushing a message.
  */
@@ -48,9 +48,9 @@ using DBLSPVec = DBLSPVec_;
 
 /** Link records by end nodes: `cont[src][dst]`. */
 struct DBLinkTab_ {
-    Long size;          ///< side of the square table
-    DBLink ***cont;     ///< counted block of `size` rows of `size` slots each, owned
-    DBLink **emptyRow;  ///< the one row that every source without an out-link shares, all null
+    Long size;         ///< side of the square table
+    DBLink ***cont;    ///< counted block of `size` rows of `size` slots each, owned
+    DBLink **emptyRow; ///< the one row that every source without an out-link shares, all null
 };
 using DBLinkTab = DBLinkTab_;
 

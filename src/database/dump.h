@@ -1,6 +1,6 @@
 /**
- * Readable dump of a database on standard output, for diagnosis; nothing is changed. The C stream is
- * not flushed.
+ * Readable dump of a database on standard output, for diagnosis; nothing is changed. The C stream
+ * is not flushed.
  */
 #ifndef TARNEX_DATABASE_DUMP_H
 #define TARNEX_DATABASE_DUMP_H

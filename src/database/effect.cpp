@@ -50,11 +50,12 @@ double partnerAmount(const LSPView &lsp, const DBLabelSwitchedPath &partner, int
 /** Builds one effect; the helpers return 0, or -1 after a message. */
 class EffectBuilder
 {
-  public:
+public:
     EffectBuilder(const DataBase &database, Long source, Long destination, const LSPView &view,
                   Effect &result)
         : db(database), src(source), dst(destination), lsp(view), effect(result)
-    {}
+    {
+    }
 
     int build(operation op)
     {
@@ -78,7 +79,7 @@ class EffectBuilder
         return primary();
     }
 
-  private:
+private:
     void findPartner()
     {
         partner = DBgetLSP(&db, lsp.noContentionId);
@@ -102,7 +103,8 @@ class EffectBuilder
         if (partner && checkLinks(inUse(partner->path)) != 0)
             return -1;
         for (std::size_t i = 0; i + 1 < lsp.path.size(); ++i) {
-            const bool shared = rerouting && hasHop(inUse(partner->path), lsp.path[i], lsp.path[i + 1]);
+            const bool shared =
+                rerouting && hasHop(inUse(partner->path), lsp.path[i], lsp.path[i + 1]);
             if (change(lsp.path[i], lsp.path[i + 1], FailureTable::freed, shared, 1) != 0)
                 return -1;
         }
@@ -122,7 +124,8 @@ class EffectBuilder
             return -1;
         const std::ptrdiff_t e = positionOf(lsp.primPath, lsp.path.back(), b);
         const bool bypassed = primHop >= b && primHop < e;
-        return primHop >= 0 && !bypassed ? change(head, tail, FailureTable::freed, rerouting, -1) : 0;
+        return primHop >= 0 && !bypassed ? change(head, tail, FailureTable::freed, rerouting, -1)
+                                         : 0;
     }
 
     int globalBackup(bool onPath, std::ptrdiff_t primHop)
@@ -204,7 +207,8 @@ bool SlotChanges::append(SlotChange change)
     if (count == capacity) {
         const bool isInline = items == inlineItems.data();
         const std::size_t bytes = 2 * capacity * sizeof(SlotChange);
-        auto *larger = static_cast<SlotChange *>(isInline ? mymalloc(bytes) : myrealloc(items, bytes));
+        auto *larger =
+            static_cast<SlotChange *>(isInline ? mymalloc(bytes) : myrealloc(items, bytes));
         if (!larger)
             return false;
         if (isInline)
@@ -218,8 +222,8 @@ bool SlotChanges::append(SlotChange change)
 
 LSPView viewOf(const DBLabelSwitchedPath &lsp)
 {
-    return {inUse(lsp.path), inUse(lsp.primPath), lsp.bw,
-            lsp.precedence,  lsp.type,            lsp.noContentionId};
+    return {inUse(lsp.path), inUse(lsp.primPath), lsp.bw, lsp.precedence,
+            lsp.type,        lsp.noContentionId};
 }
 
 int effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operation op,

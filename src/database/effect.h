@@ -2,8 +2,8 @@
  * What setting up or removing an LSP changes on one link.
  *
  * The effect is a list, in the order in which the changes apply: which slots of the link's failure
- * tables change, and by which amount per class type. Working it out touches no state. Applying it to
- * a state, and asking what it would give without applying it, both start from the same list.
+ * tables change, and by which amount per class type. Working it out touches no state. Applying it
+ * to a state, and asking what it would give without applying it, both start from the same list.
  */
 #ifndef TARNEX_DATABASE_EFFECT_H
 #define TARNEX_DATABASE_EFFECT_H
@@ -35,26 +35,26 @@ enum class FailureTable : unsigned char { backup, freed };
 
 /** One change of one slot, in every class type. */
 struct SlotChange {
-    Long slot;           ///< id of the failing link
-    FailureTable table;  ///< `bbw` or `fbw`
-    bool partnerAmount;  ///< whether the partner amounts apply rather than the LSP's own
-    signed char sign;    ///< +1 or -1, before the amount, which carries the operation's sign
+    Long slot;          ///< id of the failing link
+    FailureTable table; ///< `bbw` or `fbw`
+    bool partnerAmount; ///< whether the partner amounts apply rather than the LSP's own
+    signed char sign;   ///< +1 or -1, before the amount, which carries the operation's sign
 };
 
 /** The slot changes of one effect; a short list needs no heap block. */
 class SlotChanges
 {
-  public:
+public:
     SlotChanges() = default;
     ~SlotChanges();
     SlotChanges(const SlotChanges &) = delete;
     SlotChanges &operator=(const SlotChanges &) = delete;
 
-    /** Appends a change; false when there is no memory, or could not be for a table of that size. */
+    /** Appends a change; false without memory, or when no table could ever be that long. */
     [[nodiscard]] bool append(SlotChange change);
     std::span<const SlotChange> all() const { return {items, count}; }
 
-  private:
+private:
     std::array<SlotChange, 16> inlineItems;
     SlotChange *items = inlineItems.data();
     std::size_t capacity = inlineItems.size();
@@ -82,9 +82,9 @@ struct Effect {
  *
  * A link concerns an LSP when it is a hop of its path or, for a backup, of the protected path. A
  * primary adds its bandwidth to the link's primary reservation and, for the failure of each of its
- * own links, to what that failure frees. A local backup adds to the need of the one link it protects
- * and, on the primary's links that it does not bypass, takes back what that failure frees; a global
- * backup does the same for every link of the primary from its first node on.
+ * own links, to what that failure frees. A local backup adds to the need of the one link it
+ * protects and, on the primary's links that it does not bypass, takes back what that failure frees;
+ * a global backup does the same for every link of the primary from its first node on.
  *
  * @param effect a fresh effect; after a failure it holds the changes that come before it
  * @return 0, also when the link does not concern the LSP; -1 after a message when a link of the LSP

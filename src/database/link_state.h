@@ -6,8 +6,8 @@
  * vector grows when such a slot must change; their `top` is not used.
  *
  * For the failure of link k, slot k of `bbw` is the backup bandwidth that this link must then carry
- * and slot k of `fbw` the primary bandwidth that leaves it; the failure of a node is that of all the
- * links into it at once. `rbw` follows from `pbw`, `bbw` and `fbw` (computeRBW).
+ * and slot k of `fbw` the primary bandwidth that leaves it; the failure of a node is that of all
+ * the links into it at once. `rbw` follows from `pbw`, `bbw` and `fbw` (computeRBW).
  *
  * A state owns its vectors. Making one costs 4 x MAXOA x MAXPL allocations: keep one for a whole
  * computation rather than making one per link.
@@ -19,13 +19,13 @@
 
 /** Capacity and reservations of one link. */
 struct DBLinkState_ {
-    Long color;                       ///< tested against a request's forbidden colours
-    double cap[MAXOA];                ///< capacity per class type
-    double rbw[MAXOA][MAXPL];         ///< reserved by primary and backup LSPs together
-    double pbw[MAXOA][MAXPL];         ///< reserved by primary LSPs
-    DoubleVec bbw[MAXOA][MAXPL];      ///< backup bandwidth activated, by failed link
+    Long color;                        ///< tested against a request's forbidden colours
+    double cap[MAXOA];                 ///< capacity per class type
+    double rbw[MAXOA][MAXPL];          ///< reserved by primary and backup LSPs together
+    double pbw[MAXOA][MAXPL];          ///< reserved by primary LSPs
+    DoubleVec bbw[MAXOA][MAXPL];       ///< backup bandwidth activated, by failed link
     DoubleVec remoteBbw[MAXOA][MAXPL]; ///< same shape as bbw; no operation reads it
-    DoubleVec fbw[MAXOA][MAXPL];      ///< primary bandwidth freed, by failed link
+    DoubleVec fbw[MAXOA][MAXPL];       ///< primary bandwidth freed, by failed link
     DoubleVec remoteFbw[MAXOA][MAXPL]; ///< same shape as fbw; no operation reads it
 };
 using DBLinkState = DBLinkState_;

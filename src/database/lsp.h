@@ -36,7 +36,7 @@ using DBLSPList = DBLSPList_;
 
 /** New record: every field 0, `noContentionId` -1, four empty lists; null on failure. */
 [[nodiscard]] DBLabelSwitchedPath *DBlspNew();
-/** Makes the four lists empty, `bw` 0 and `noContentionId` -1; the other fields keep their values. */
+/** Makes the four lists empty, `bw` 0 and `noContentionId` -1; the rest keeps its values. */
 [[nodiscard]] int DBlspInit(DBLabelSwitchedPath *lsp);
 /** Copies every field into the initialised `dst`; `dst` may be partly copied on failure. */
 [[nodiscard]] int DBlspCopy(DBLabelSwitchedPath *dst, const DBLabelSwitchedPath *src);

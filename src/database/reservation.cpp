@@ -41,7 +41,7 @@ struct OverlaidTables {
         return changed(present.freed(oa, p, k), FailureTable::freed, oa, p, k);
     }
 
-  private:
+private:
     double changed(double value, FailureTable table, int oa, int p, Long k) const
     {
         if (p != effect.level)
@@ -85,7 +85,8 @@ void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k,
     const bool exists = k < db.linkSrcVec.top && db.linkSrcVec.cont[k] > 0;
     if (!exists)
         return;
-    raiseByRow(tables, oa, std::array{k}, [](Long link) { return link; }, largest);
+    raiseByRow(
+        tables, oa, std::array{k}, [](Long link) { return link; }, largest);
 
     const Long n = slotOf(db.linkDstVec, k) - 1;
     const DBNode *node = nodeAt(db.nodeVec, n);
@@ -100,7 +101,8 @@ constexpr Long blockSlots = 64;
 std::span<const double> blockOf(const DoubleVec &table, Long first)
 {
     const Long last = std::min(first + blockSlots, table.size);
-    return {table.cont + std::min(first, last), static_cast<std::size_t>(std::max(last - first, 0))};
+    return {table.cont + std::min(first, last),
+            static_cast<std::size_t>(std::max(last - first, 0))};
 }
 
 // Written as plain reductions so that the compiler compares several slots at once.
@@ -149,8 +151,8 @@ Long longestTable(const StateTables &tables, int oa)
 }
 
 /**
- * Raises `largest` by every row that can exceed 0 with the present tables; `tables` gives the values,
- * which may be others. All other rows are 0 as long as the values differ in no other slot.
+ * Raises `largest` by every row that can exceed 0 with the present tables; `tables` gives the
+ * values, which may be others. All other rows are 0 as long as the values differ in no other slot.
  */
 template <class Tables>
 void raiseByNeedySlots(const DataBase &db, const StateTables &present, const Tables &tables, int oa,
@@ -231,7 +233,7 @@ int apply(const Effect &effect, DBLinkState &ls)
     return forEachChange(ls, effect, add);
 }
 
-/** Finds the primary of a backup; null for a primary. -1 after a message when it cannot be evaluated. */
+/** Finds the primary that a backup protects, null for a primary; 0, or -1 after a message. */
 int findPrimary(const DataBase &db, DBLSPType type, Long primID,
                 const DBLabelSwitchedPath *&primary)
 {
@@ -330,8 +332,8 @@ int DBevalLSOnSetup(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS, 
     return evalLS(dataBase, src, dst, newLS, oldLS, req, SETUP);
 }
 
-int DBevalLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
-                     DBLinkState *oldLS, const LSPRequest *req)
+int DBevalLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS, DBLinkState *oldLS,
+                     const LSPRequest *req)
 {
     return evalLS(dataBase, src, dst, newLS, oldLS, req, REMOVE);
 }

@@ -2,11 +2,11 @@
  * What a link reserves, and how that changes when an LSP is set up or removed (unit
  * "database/database").
  *
- * The total reservation `rbw` of a link follows from its tables: at the levels 0 to p together it is
- * the primary reservation plus the largest need over all single failures, so backups that protect
- * against different failures share bandwidth. A failure is that of one link, or of one node, which
- * stands for all the links into it. Only a failure with a backup need above 0, or freed bandwidth
- * below 0, in one of its slots can need anything: these alone are visited.
+ * The total reservation `rbw` of a link follows from its tables: at the levels 0 to p together it
+ * is the primary reservation plus the largest need over all single failures, so backups that
+ * protect against different failures share bandwidth. A failure is that of one link, or of one
+ * node, which stands for all the links into it. Only a failure with a backup need above 0, or freed
+ * bandwidth below 0, in one of its slots can need anything: these alone are visited.
  *
  * Three ways to ask: updateLS changes a state in place, evalLS makes a changed copy, and
  * reservationAfter answers with `rbw` alone, without copying or allocating.
@@ -30,8 +30,8 @@
 /**
  * Applies `lsp` with `op` to `ls`, the state of the link from `src` to `dst`, and recomputes `rbw`.
  *
- * @return 0, also when the link does not concern the LSP (nothing changes then); -1 on failure: after
- *         a link id that cannot be determined the changes before it stay and `rbw` is not recomputed
+ * @return 0, also when the link does not concern the LSP (nothing changes then); -1 on failure:
+ * after a link id that cannot be determined the changes before it stay and `rbw` is not recomputed
  */
 [[nodiscard]] int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
                            const DBLabelSwitchedPath *lsp, operation op);
@@ -63,8 +63,8 @@ struct Candidate {
 };
 
 /**
- * Answers what the link from `src` to `dst` in state `ls` would reserve after `candidate` was set up
- * on it: bit for bit what evalLS would leave in `rbw`, with the same messages.
+ * Answers what the link from `src` to `dst` in state `ls` would reserve after `candidate` was set
+ * up on it: bit for bit what evalLS would leave in `rbw`, with the same messages.
  *
  * @param rbw the answer, written when the result is 0
  * @return 0, or -1 when the candidate cannot be evaluated

@@ -14,19 +14,19 @@
 #include "database/admission_questions.h"
 
 /**
- * Tells whether the link from `src` to `dst`, now in state `ls`, may carry `req`. A path that is not
- * complete (an entry below 0) is read as the one hop `src`, `dst`.
+ * Tells whether the link from `src` to `dst`, now in state `ls`, may carry `req`. A path that is
+ * not complete (an entry below 0) is read as the one hop `src`, `dst`.
  *
- * @param gain MAXOA bandwidths that preemption must free; zeroed in advance by the caller, because a
- *             capacity test that is off, or refuses, does not write all of it
+ * @param gain MAXOA bandwidths that preemption must free; zeroed in advance by the caller, because
+ * a capacity test that is off, or refuses, does not write all of it
  */
 bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
                         const LSPRequest *req, double *gain);
 
 /**
  * Capacity test on an evaluated state, in which the request is already reserved: what the request
- * cannot preempt must fit the capacity (everything, when rerouting is not allowed). Fills `gain` with
- * what the reservations exceed the capacity by.
+ * cannot preempt must fit the capacity (everything, when rerouting is not allowed). Fills `gain`
+ * with what the reservations exceed the capacity by.
  */
 bool capacityClause(const DBLinkState *ls, const LSPRequest *req, double *gain);
 

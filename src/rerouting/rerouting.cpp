@@ -54,7 +54,7 @@ struct Choice {
         return 0;
     }
 
-  private:
+private:
     int take(const DBLabelSwitchedPath &lsp)
     {
         need -= lsp.bw[oa];
@@ -74,10 +74,11 @@ int chooseReroutedLSPs(int precedence, const DBLinkState *state, const DBLSPList
         while (choice.isOpen()) {
             const int p = choice.lsps[choice.next]->precedence;
             if (p <= precedence)
-                return here.fail("Not enough preemptable bandwidth for LSP selection in %s at line %d");
+                return here.fail(
+                    "Not enough preemptable bandwidth for LSP selection in %s at line %d");
             const double reserved = state->rbw[oa][p];
-            const int taken = choice.need >= reserved ? choice.takeLevel(p, reserved)
-                                                      : choice.takePartOfLevel(p);
+            const int taken =
+                choice.need >= reserved ? choice.takeLevel(p, reserved) : choice.takePartOfLevel(p);
             if (taken != 0)
                 return -1;
         }

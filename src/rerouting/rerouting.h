@@ -12,8 +12,9 @@
 #include "database/admission_questions.h"
 
 /**
- * Penalty of freeing `gain[oa]` on a link in state `ls`, per unit of the request's bandwidth in class
- * type `oa`: the coefficient of each level (ReroutingConfig) times the bandwidth taken from it.
+ * Penalty of freeing `gain[oa]` on a link in state `ls`, per unit of the request's bandwidth in
+ * class type `oa`: the coefficient of each level (ReroutingConfig) times the bandwidth taken from
+ * it.
  *
  * @param gain MAXOA bandwidths, as written by the predicate for this link
  * @return the penalty; positive infinity, after a message, when the levels below the request's do

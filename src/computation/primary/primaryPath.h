@@ -1,6 +1,7 @@
 /**
  * Primary path computation (unit "computation/primary/primaryPath"): working topology, search and
- * write-back. The database is read, never changed; whether the LSP is set up is the caller's affair.
+ * write-back. The database is read, never changed; whether the LSP is set up is the caller's
+ * affair.
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_PRIMARYPATH_H
 #define TARNEX_COMPUTATION_PRIMARY_PRIMARYPATH_H
@@ -8,11 +9,11 @@
 #include "computation/primary/topology.h"
 
 /**
- * Computes the path of lowest score for `req`, whose path names the source first and the destination
- * last, and writes it into `req->path` as node ids. The path's score is added to COST.
+ * Computes the path of lowest score for `req`, whose path names the source first and the
+ * destination last, and writes it into `req->path` as node ids. The path's score is added to COST.
  *
- * @return 0, or -1 after a message, for instance when the destination cannot be reached; the content
- *         of `req->path` is then undefined
+ * @return 0, or -1 after a message, for instance when the destination cannot be reached; the
+ * content of `req->path` is then undefined
  */
 [[nodiscard]] int computePrimaryPath(DataBase *dataBase, LSPRequest *req);
 

@@ -81,8 +81,8 @@ bool addIncrements(const PrimaryComputationConfig &weights, int oa, const Terms 
     if (weights.sqRelLoad[oa] != 0.0)
         score += weights.sqRelLoad[oa] * squaredLoadGrowth(t) / (t.capacity * t.capacity);
     if (weights.delay[oa] != 0.0)
-        score += weights.delay[oa] *
-                 (1.0 / (t.capacity - t.load - t.bw) - 1.0 / (t.capacity - t.load));
+        score +=
+            weights.delay[oa] * (1.0 / (t.capacity - t.load - t.bw) - 1.0 / (t.capacity - t.load));
     return true;
 }
 

@@ -18,17 +18,15 @@ constexpr double improvementMargin = 1e-10;
 /** How far the search has come with a node. */
 enum Stage : int { notReached = 0, reached = 1, expanded = 2 };
 
-bool isLoadBalanced(int oa)
-{
-    return tarnexConfig.primaryComputationConfig.loadBal[oa] != 0.0;
-}
+bool isLoadBalanced(int oa) { return tarnexConfig.primaryComputationConfig.loadBal[oa] != 0.0; }
 
 class Search
 {
-  public:
+public:
     Search(BKTopology *topology, const LSPRequest *request, Long source)
         : topo(topology), req(request), src(source), size(topology->nodeInd.top)
-    {}
+    {
+    }
     ~Search()
     {
         if (activeNodes.cont)
@@ -58,7 +56,7 @@ class Search
         return 0;
     }
 
-  private:
+private:
     int makeWorkingLists()
     {
         if (longVecInit(&activeNodes, size) != 0)

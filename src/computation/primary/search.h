@@ -4,10 +4,10 @@
  *
  * Every pass re-examines every node reached so far against all its admitted in-links, using the
  * labels committed by the pass before, and widens the reached region by one hop; the search stops
- * after a pass that changed nothing. A candidate replaces a choice only when it lowers the committed
- * cost by more than 1e-10, and of several that do in one pass the last in-neighbour wins. A node
- * never chooses a predecessor that is reached through itself, so the choices form a tree rooted at
- * the source.
+ * after a pass that changed nothing. A candidate replaces a choice only when it lowers the
+ * committed cost by more than 1e-10, and of several that do in one pass the last in-neighbour wins.
+ * A node never chooses a predecessor that is reached through itself, so the choices form a tree
+ * rooted at the source.
  *
  * In all operations `src`, `dst` and `nd` are ids of placed nodes.
  */

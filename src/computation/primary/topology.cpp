@@ -29,10 +29,11 @@ BKConnectVec &connections(BKNode &node, Side side)
  */
 class TopologyBuilder
 {
-  public:
+public:
     TopologyBuilder(DataBase *dataBase, const LSPRequest *request, BKTopology *topology)
         : db(dataBase), req(request), topo(topology)
-    {}
+    {
+    }
     ~TopologyBuilder()
     {
         if (toDoNodes.cont)
@@ -65,7 +66,7 @@ class TopologyBuilder
         return 0;
     }
 
-  private:
+private:
     int makeWorkingStorage()
     {
         nbIds = DBgetMaxNodeID(db) + 1;
@@ -236,10 +237,7 @@ int printTopo(const BKTopology *topo)
     return 0;
 }
 
-int getRequestSrc(const LSPRequest *req)
-{
-    return isWellFormed(req) ? req->path.cont[0] : -1;
-}
+int getRequestSrc(const LSPRequest *req) { return isWellFormed(req) ? req->path.cont[0] : -1; }
 
 int getRequestDst(const LSPRequest *req)
 {

@@ -3,12 +3,12 @@
  *
  * A private graph of what a request can see: one node record per database node reachable from the
  * request's source along links, whether admitted or not, and in each node the admitted links that
- * enter and leave it, with the preemption gain that the predicate reported. Every link is put to the
- * predicate at most once per construction. Node records own their connection lists; the link states
- * belong to the database and must not change while the topology is in use.
+ * enter and leave it, with the preemption gain that the predicate reported. Every link is put to
+ * the predicate at most once per construction. Node records own their connection lists; the link
+ * states belong to the database and must not change while the topology is in use.
  *
- * Vectors double when full; `size` counts allocated slots and `top` those in use. A size argument of
- * -1 means one slot. Operations return 0, or -1 (or null) after pushing a message.
+ * Vectors double when full; `size` counts allocated slots and `top` those in use. A size argument
+ * of -1 means one slot. Operations return 0, or -1 (or null) after pushing a message.
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_TOPOLOGY_H
 #define TARNEX_COMPUTATION_PRIMARY_TOPOLOGY_H
@@ -40,11 +40,11 @@ using BKConnectVec = BKConnectVec_;
 
 /** Search state of a node, see search.h. */
 struct BKNodeInfo_ {
-    Long newNeighbInd;     ///< predecessor chosen in the current pass, as an index into `inNeighb`
-    double newCost;        ///< score through that predecessor
-    double cost;           ///< score of the committed path
-    double newSum[MAXOA];  ///< load-balance sums through that predecessor
-    double sum[MAXOA];     ///< load-balance sums of the committed path
+    Long newNeighbInd;    ///< predecessor chosen in the current pass, as an index into `inNeighb`
+    double newCost;       ///< score through that predecessor
+    double cost;          ///< score of the committed path
+    double newSum[MAXOA]; ///< load-balance sums through that predecessor
+    double sum[MAXOA];    ///< load-balance sums of the committed path
 };
 using BKNodeInfo = BKNodeInfo_;
 
@@ -91,8 +91,8 @@ int bkConnectVecDestroy(BKConnectVec *vec);
 
 /**
  * @name Vectors of nodes.
- * Copying a node copies `nodeId`, `neighbInd` and both lists into the lists of the destination, which
- * keeps its `info`.
+ * Copying a node copies `nodeId`, `neighbInd` and both lists into the lists of the destination,
+ * which keeps its `info`.
  */
 ///@{
 [[nodiscard]] BKNodeVec *bkNodeVecNew(Long size);
@@ -108,9 +108,9 @@ int bkNodeVecDestroy(BKNodeVec *vec);
 BKNode *bkNodeVecGet(const BKNodeVec *vec, Long index);
 ///@}
 
-/** Makes an empty topology whose node index has `size` slots; `nbNodes`, `nbLinks` are untouched. */
+/** Makes an empty topology, its node index of `size` slots; the two counts are untouched. */
 [[nodiscard]] int initTopo(BKTopology *topo, Long size);
-/** Fills an initialised, empty topology with what `req` can see; nodes placed before a failure stay. */
+/** Fills an empty topology with what `req` can see; nodes placed before a failure stay. */
 [[nodiscard]] int fillTopo(DataBase *dataBase, const LSPRequest *req, BKTopology *topo);
 /** Releases the node vector and the node index. */
 int endTopo(BKTopology *topo);

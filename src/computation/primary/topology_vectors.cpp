@@ -88,8 +88,7 @@ int bkConnectVecCopy(BKConnectVec *dst, const BKConnectVec *src)
 
 int bkConnectVecPushBack(BKConnectVec *vec, const BKConnect *val)
 {
-    return val ? vec::pushBack(here, vec, *val)
-               : here.fail("Bad argument (NULL) in %s at line %d");
+    return val ? vec::pushBack(here, vec, *val) : here.fail("Bad argument (NULL) in %s at line %d");
 }
 
 int bkConnectVecPopBack(BKConnectVec *vec, BKConnect *val) { return vec::popBack(here, vec, val); }

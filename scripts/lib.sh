@@ -1,0 +1,30 @@
+# Shared by the scripts of this folder; sourced, not run.
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+# install_missing PACKAGE...: installs the Debian packages that are not there yet.
+install_missing() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+            missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    echo "Installing: ${missing[*]}"
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || {
+            echo "Please install, as root: apt-get install ${missing[*]}" >&2
+            exit 1
+        }
+        as_root=(sudo)
+    fi
+    "${as_root[@]}" apt-get update -q
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+build_packages=(g++ cmake ninja-build)
+if ! command -v javac >/dev/null; then
+    build_packages+=(default-jdk-headless)
+fi
