@@ -34,7 +34,7 @@ void store(GravityLevel level, const char *text)
         return;
     ErrorElem &entry = errorManager.list[errorManager.top++];
     entry.gravity = level;
-    std::strncpy(entry.message, text, messageBytes);
+    std::strncpy(entry.message, text, messageBytes - 1);
     entry.message[messageBytes - 1] = '\0';
 }
 
