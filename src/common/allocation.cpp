@@ -56,7 +56,7 @@ void *counted(void *block, std::size_t sz)
  * The blocks released last, oldest first, not yet handed back to the system. The C library writes
  * its own links over a block it takes back, or unmaps it, and the freed mark would be gone when a
  * second release looks for it. The newest block always stays; the others as long as they are few
- * and small together.
+ * and not too large together.
  */
 class Quarantine
 {
@@ -77,7 +77,7 @@ private:
         void *user;
         std::size_t bytes;
     };
-    static constexpr std::size_t maxHeldBytes = std::size_t{64} * 1024;
+    static constexpr std::size_t maxHeldBytes = std::size_t{16} * 1024 * 1024;
 
     void evictOldest()
     {
@@ -87,7 +87,7 @@ private:
         --held;
     }
 
-    std::array<Entry, 64> ring{};
+    std::array<Entry, 256> ring{};
     std::size_t first = 0;
     std::size_t held = 0;
     std::size_t heldBytes = 0;
@@ -122,10 +122,13 @@ void *myrealloc(void *ptr, std::size_t sz)
 
 void *mygrow(void *ptr, std::size_t sz)
 {
+    const std::uint32_t oldSize = sizeWord(ptr);
+    if (sz <= oldSize)
+        return ptr;
     void *grown = mycalloc(1, sz);
     if (!grown)
         return nullptr;
-    std::memcpy(grown, ptr, sizeWord(ptr));
+    std::memcpy(grown, ptr, oldSize);
     myfree(ptr);
     return grown;
 }

@@ -39,7 +39,8 @@ extern Long allocatedMemory;
 [[nodiscard]] void *myrealloc(void *ptr, std::size_t sz);
 
 /**
- * Grows a live counted block to `sz` bytes with the added bytes zero and untouched.
+ * Grows a live counted block to at least `sz` bytes with the added bytes zero and untouched; a
+ * block that is long enough stays as it is.
  *
  * @return the block, possibly moved, or null with the old block still valid
  */
@@ -47,8 +48,8 @@ extern Long allocatedMemory;
 
 /**
  * Releases a counted block. A block that was released before is reported on standard error and left
- * alone: the most recently released blocks are held back from the system so that their mark stays
- * readable.
+ * alone: the 256 blocks released last, up to 16 MiB together, are held back from the system so that
+ * their mark stays readable.
  */
 void myfree(void *ptr);
 
