@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -62,8 +63,8 @@ public:
         const bool onPath = hopPosition(lsp.path, src, dst) >= 0;
         if (onPath && lsp.noContentionId >= 0)
             findPartner();
-        const bool isBackup = lsp.type == localBackupLSP || lsp.type == globalBackupLSP;
-        const std::ptrdiff_t primHop = isBackup ? hopPosition(lsp.primPath, src, dst) : -1;
+        const std::ptrdiff_t primHop =
+            isBackup(lsp.type) ? hopPosition(lsp.primPath, src, dst) : -1;
         if (!onPath && primHop < 0)
             return 0;
         effect.concerned = true;
@@ -216,8 +217,22 @@ bool SlotChanges::append(SlotChange change)
         items = larger;
         capacity *= 2;
     }
+    change.order = static_cast<Long>(count);
     items[count++] = change;
     return true;
+}
+
+void SlotChanges::sortBySlot()
+{
+    std::ranges::sort(items, items + count, {}, [](const SlotChange &change) {
+        return std::pair{change.slot, change.order};
+    });
+}
+
+std::span<const SlotChange> SlotChanges::of(Long slot) const
+{
+    const auto found = std::ranges::equal_range(all(), slot, {}, &SlotChange::slot);
+    return {found.begin(), found.end()};
 }
 
 LSPView viewOf(const DBLabelSwitchedPath &lsp)

@@ -39,9 +39,10 @@ struct SlotChange {
     FailureTable table; ///< `bbw` or `fbw`
     bool partnerAmount; ///< whether the partner amounts apply rather than the LSP's own
     signed char sign;   ///< +1 or -1, before the amount, which carries the operation's sign
+    Long order = 0;     ///< position among the changes, filled in by the list
 };
 
-/** The slot changes of one effect; a short list needs no heap block. */
+/** The slot changes of one effect; a list of up to 64 needs no heap block. */
 class SlotChanges
 {
 public:
@@ -52,10 +53,16 @@ public:
 
     /** Appends a change; false without memory, or when no table could ever be that long. */
     [[nodiscard]] bool append(SlotChange change);
+    /** All changes, in the order in which they apply until sortBySlot is called. */
     std::span<const SlotChange> all() const { return {items, count}; }
 
+    /** Brings the changes of each slot together, in the order in which they apply. */
+    void sortBySlot();
+    /** The changes of one slot, in the order in which they apply; after sortBySlot. */
+    std::span<const SlotChange> of(Long slot) const;
+
 private:
-    std::array<SlotChange, 16> inlineItems;
+    std::array<SlotChange, 64> inlineItems;
     SlotChange *items = inlineItems.data();
     std::size_t capacity = inlineItems.size();
     std::size_t count = 0;
@@ -69,6 +76,9 @@ struct Effect {
     double own[MAXOA] = {};     ///< the LSP's bandwidths, signed
     double partner[MAXOA] = {}; ///< the partner amounts, signed
     SlotChanges slots;
+
+    /** Whether any value of class type `oa` changes. */
+    bool changes(int oa) const { return own[oa] != 0.0 || partner[oa] != 0.0; }
 
     /** Amount that `change` adds to its slot in class type `oa`. */
     double amount(const SlotChange &change, int oa) const

@@ -27,7 +27,7 @@ struct StateTables {
     double freed(int oa, int p, Long k) const { return slotOf(fbw[oa][p], k); }
 };
 
-/** The failure tables of one state with an effect laid over them. */
+/** The failure tables of one state with an effect, sorted by slot, laid over them. */
 struct OverlaidTables {
     StateTables present;
     const Effect &effect;
@@ -46,8 +46,8 @@ private:
     {
         if (p != effect.level)
             return value;
-        for (const SlotChange &change : effect.slots.all()) {
-            if (change.slot == k && change.table == table)
+        for (const SlotChange &change : effect.slots.of(k)) {
+            if (change.table == table)
                 value += effect.amount(change, oa);
         }
         return value;
@@ -179,15 +179,34 @@ void spreadOverLevels(const double (&pbw)[MAXPL], const Needs &largest, double (
     }
 }
 
+/** Raises `largest` by the rows that an effect may lift above 0, of slots that are not needy yet.
+ */
+void raiseByChanges(const DataBase &db, const OverlaidTables &tables, int oa, Needs &largest)
+{
+    Long last = -1;
+    for (const SlotChange &change : tables.effect.slots.all()) {
+        const double amount = tables.effect.amount(change, oa);
+        const bool adds = change.table == FailureTable::backup ? amount > 0.0 : amount < 0.0;
+        if (!adds || change.slot == last || slotIsNeedy(tables.present, oa, change.slot))
+            continue;
+        raiseByFailuresOf(db, tables, oa, change.slot, largest);
+        last = change.slot;
+    }
+}
+
+/** What class type `oa` of the link reserves with a sorted effect laid over its tables. */
 void reserveWithEffect(const DataBase &db, const DBLinkState &ls, const Effect &effect, int oa,
                        double (&rbw)[MAXPL])
 {
     const StateTables present{ls.bbw, ls.fbw};
-    const OverlaidTables overlaid{present, effect};
     Needs largest{};
-    raiseByNeedySlots(db, present, overlaid, oa, largest);
-    for (const SlotChange &change : effect.slots.all())
-        raiseByFailuresOf(db, overlaid, oa, change.slot, largest);
+    if (effect.changes(oa)) {
+        const OverlaidTables overlaid{present, effect};
+        raiseByNeedySlots(db, present, overlaid, oa, largest);
+        raiseByChanges(db, overlaid, oa, largest);
+    } else {
+        raiseByNeedySlots(db, present, present, oa, largest);
+    }
 
     double pbw[MAXPL];
     std::ranges::copy(ls.pbw[oa], pbw);
@@ -338,10 +357,10 @@ int DBevalLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
     return evalLS(dataBase, src, dst, newLS, oldLS, req, REMOVE);
 }
 
-int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DBLinkState &ls,
+int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
                           Candidate candidate, double rbw[MAXOA][MAXPL])
 {
-    if (!dataBase || !rbw)
+    if (!dataBase || !ls || !rbw)
         return here.fail("Bad argument (NULL) in %s at line %d");
     const DBLabelSwitchedPath *primary = nullptr;
     if (findPrimary(*dataBase, candidate.lsp.type, candidate.primID, primary) != 0)
@@ -354,10 +373,11 @@ int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DB
     if (effectOf(*dataBase, src, dst, candidate.lsp, SETUP, effect) != 0)
         return -1;
     if (!effect.concerned) {
-        std::memcpy(rbw, ls.rbw, sizeof ls.rbw);
+        std::memcpy(rbw, ls->rbw, sizeof ls->rbw);
         return 0;
     }
+    effect.slots.sortBySlot();
     for (int oa = 0; oa < MAXOA; ++oa)
-        reserveWithEffect(*dataBase, ls, effect, oa, rbw[oa]);
+        reserveWithEffect(*dataBase, *ls, effect, oa, rbw[oa]);
     return 0;
 }

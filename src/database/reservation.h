@@ -9,7 +9,7 @@
  * bandwidth below 0, in one of its slots can need anything: these alone are visited.
  *
  * Three ways to ask: updateLS changes a state in place, evalLS makes a changed copy, and
- * reservationAfter answers with `rbw` alone, without copying or allocating.
+ * reservationAfterSetup answers with `rbw` alone, without copying or allocating.
  */
 #ifndef TARNEX_DATABASE_RESERVATION_H
 #define TARNEX_DATABASE_RESERVATION_H
@@ -70,7 +70,7 @@ struct Candidate {
  * @return 0, or -1 when the candidate cannot be evaluated
  */
 [[nodiscard]] int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst,
-                                        const DBLinkState &ls, Candidate candidate,
+                                        const DBLinkState *ls, Candidate candidate,
                                         double rbw[MAXOA][MAXPL]);
 
 #endif

@@ -39,7 +39,7 @@ bool avoidsColor(const LongList &forbidden, Long color)
 }
 
 /** Runs the tests that are switched on for a candidate on one link. */
-bool admits(const DataBase *db, Long src, Long dst, const DBLinkState &ls,
+bool admits(const DataBase *db, Long src, Long dst, const DBLinkState *ls,
             const Candidate &candidate, const LongList &forbidLinks, double *gain)
 {
     double rbw[MAXOA][MAXPL];
@@ -48,9 +48,16 @@ bool admits(const DataBase *db, Long src, Long dst, const DBLinkState &ls,
         return false;
     }
     const PredicateConfig &config = tarnexConfig.predicateConfig;
-    if (config.capacityClause && !fitsCapacity(rbw, ls.cap, candidate.lsp.precedence, gain))
+    if (config.capacityClause && !fitsCapacity(rbw, ls->cap, candidate.lsp.precedence, gain))
         return false;
-    return !config.colorClause || avoidsColor(forbidLinks, ls.color);
+    return !config.colorClause || avoidsColor(forbidLinks, ls->color);
+}
+
+/** The path of a candidate if it is known in full, else the one hop that is asked about. */
+std::span<const Long> pathOrHop(const LongList &path, const std::array<Long, 2> &hop)
+{
+    const bool isComplete = std::ranges::all_of(inUse(path), [](Long node) { return node >= 0; });
+    return isComplete ? std::span<const Long>{inUse(path)} : hop;
 }
 
 bool refuseNull()
@@ -67,17 +74,15 @@ bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkStat
     if (!ls || !req || !gain)
         return refuseNull();
     const std::array hop{src, dst};
-    const auto path = inUse(req->path);
-    const bool isComplete = std::ranges::all_of(path, [](Long node) { return node >= 0; });
     const LSPrerouteInfo &rerouted = req->rerouteInfo;
-    const Candidate candidate{{.path = isComplete ? std::span<const Long>{path} : hop,
+    const Candidate candidate{{.path = pathOrHop(req->path, hop),
                                .primPath = {},
                                .bw = req->bw,
                                .precedence = req->precedence,
                                .type = req->type,
                                .noContentionId = rerouted.id},
                               req->primID};
-    const bool isAdmitted = admits(dataBase, src, dst, *ls, candidate, req->forbidLinks, gain);
+    const bool isAdmitted = admits(dataBase, src, dst, ls, candidate, req->forbidLinks, gain);
     const bool isRerouted = rerouted.id >= 0 && rerouted.src == src && rerouted.dst == dst;
     return isAdmitted && !isRerouted;
 }
@@ -89,9 +94,8 @@ bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *l
         return refuseNull();
     const std::array hop{src, dst};
     Candidate candidate{viewOf(*lsp), lsp->primID};
-    if (!std::ranges::all_of(candidate.lsp.path, [](Long node) { return node >= 0; }))
-        candidate.lsp.path = hop;
-    return admits(dataBase, src, dst, *ls, candidate, lsp->forbidLinks, gain);
+    candidate.lsp.path = pathOrHop(lsp->path, hop);
+    return admits(dataBase, src, dst, ls, candidate, lsp->forbidLinks, gain);
 }
 
 bool capacityClause(const DBLinkState *ls, const LSPRequest *req, double *gain)
