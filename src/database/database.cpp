@@ -150,6 +150,11 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState
         return here.fail("Trying to add a link between already linked nodes (src = %ld, dst = %ld) "
                          "in %s at line %d",
                          long{src}, long{dst});
+    // A link that only one end knew of could not be removed with the other.
+    if (!vec::makeRoom(from->outNeighb) || !vec::makeRoom(to->inNeighb)) {
+        here.push(CRITICAL, "Critical lack of memory in %s at line %d");
+        return here.fail("Unable to create link in %s at line %d");
+    }
     if (DBlinkTabSet(&dataBase->linkTab, link.get(), src, dst) != 0)
         return here.fail(
             "Unable to insert a new node in the general node container in %s at line %d");

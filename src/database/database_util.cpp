@@ -385,13 +385,12 @@ int DBlinkTabSet(DBLinkTab *tab, DBLink *lnk, Long src, Long dst)
     if (!vec::isLive(tab) || !lnk || src < 0 || dst < 0)
         return here.fail("Bad argument (NULL) in %s at line %d");
     const Long highest = std::max(src, dst);
-    if (highest >= tab->size && !growTab(*tab, vec::grownSize(tab->size, highest))) {
+    const bool fits = highest < tab->size || growTab(*tab, vec::grownSize(tab->size, highest));
+    DBLink **row = fits ? ownRow(*tab, src) : nullptr;
+    if (!row) {
         here.push(CRITICAL, "Critical lack of memory in %s at line %d");
         return here.fail("Unable to resize link table prior to insertion in %s at line %d");
     }
-    DBLink **row = ownRow(*tab, src);
-    if (!row)
-        return here.fail("Critical lack of memory in %s at line %d");
     row[dst] = lnk;
     return 0;
 }

@@ -2,9 +2,10 @@
  * The database's node and link records and their containers (unit "database/database_util").
  *
  * Containers are tables indexed by id; a slot that is not in use is null. They grow to the larger
- * of id + 1 and twice their size and never shrink. Growing clears the new slots without touching
- * their memory, so that large, almost empty tables stay cheap. The node table and the link table
- * own their records; the LSP table owns its records too, but hands one back unreleased on removal.
+ * of id + 1 and twice their size and never shrink. Growing does not touch the memory of new slots
+ * (of the link table: but for one pointer per row), so large, almost empty tables stay cheap. The
+ * node table and the link table own their records; the LSP table owns its records too, but hands
+ * one back unreleased on removal.
  *
  * A size argument of -1 means one slot. Operations return 0, or -1 after pushing a message.
  */
@@ -54,43 +55,61 @@ struct DBLinkTab_ {
 };
 using DBLinkTab = DBLinkTab_;
 
+/** New zeroed node with two empty lists; null on failure. */
 [[nodiscard]] DBNode *DBnodeNew();
+/** Zeroes a node and makes its two lists. */
 [[nodiscard]] int DBnodeInit(DBNode *node);
+/** Releases the two lists. */
 int DBnodeEnd(DBNode *node);
+/** Releases the two lists and the record made by DBnodeNew. */
 int DBnodeDestroy(DBNode *node);
 
+/** New zeroed link with an initialised state and an empty LSP list; null on failure. */
 [[nodiscard]] DBLink *DBlinkNew();
+/** Zeroes a link and makes its state and its LSP list. */
 [[nodiscard]] int DBlinkInit(DBLink *link);
 /** Releases state and list storage; the LSP records are not touched. */
 int DBlinkEnd(DBLink *link);
+/** DBlinkEnd, then frees the record made by DBlinkNew. */
 int DBlinkDestroy(DBLink *link);
 
+/** New node table of `size` free slots; null on failure. */
 [[nodiscard]] DBNodeVec *DBnodeVecNew(Long size);
+/** Makes an existing record a node table of `size` free slots. */
 [[nodiscard]] int DBnodeVecInit(DBNodeVec *vec, Long size);
 /** Releases every node, then the slots. */
 int DBnodeVecEnd(DBNodeVec *vec);
+/** DBnodeVecEnd, then frees the record made by DBnodeVecNew. */
 int DBnodeVecDestroy(DBNodeVec *vec);
 /** Stores `node` at `id`, which must be free; the table owns it from then on. */
 [[nodiscard]] int DBnodeVecSet(DBNodeVec *vec, DBNode *node, Long id);
 /** Releases the node at `id` and clears its slot. */
 [[nodiscard]] int DBnodeVecRemove(DBNodeVec *vec, Long id);
+/** Grows to `size` slots. */
 [[nodiscard]] int DBnodeVecResize(DBNodeVec *vec, Long size);
 
+/** New LSP table of `size` free slots; null on failure. */
 [[nodiscard]] DBLSPVec *DBlspVecNew(Long size);
+/** Makes an existing record an LSP table of `size` free slots. */
 [[nodiscard]] int DBlspVecInit(DBLSPVec *vec, Long size);
 /** Releases every LSP record, then the slots. */
 int DBlspVecEnd(DBLSPVec *vec);
+/** DBlspVecEnd, then frees the record made by DBlspVecNew. */
 int DBlspVecDestroy(DBLSPVec *vec);
 /** Stores `lsp` at `id`, which must be free; the table owns it from then on. */
 [[nodiscard]] int DBlspVecSet(DBLSPVec *vec, DBLabelSwitchedPath *lsp, Long id);
 /** Clears the slot; the record goes back to the caller unreleased. */
 [[nodiscard]] int DBlspVecRemove(DBLSPVec *vec, Long id);
+/** Grows to `size` slots. */
 [[nodiscard]] int DBlspVecResize(DBLSPVec *vec, Long size);
 
+/** New link table of side `size`, all slots free; null on failure. */
 [[nodiscard]] DBLinkTab *DBlinkTabNew(Long size);
+/** Makes an existing record a link table of side `size`, all slots free. */
 [[nodiscard]] int DBlinkTabInit(DBLinkTab *tab, Long size);
 /** Releases every link, then the rows. */
 int DBlinkTabEnd(DBLinkTab *tab);
+/** DBlinkTabEnd, then frees the record made by DBlinkTabNew. */
 int DBlinkTabDestroy(DBLinkTab *tab);
 /** Stores `lnk` at [src][dst]; the table owns it from then on. */
 [[nodiscard]] int DBlinkTabSet(DBLinkTab *tab, DBLink *lnk, Long src, Long dst);
