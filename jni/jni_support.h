@@ -29,6 +29,7 @@ public:
     LocalRef(const LocalRef &) = delete;
     LocalRef &operator=(const LocalRef &) = delete;
 
+    /** The reference, still owned. */
     Ref get() const { return ref; }
     explicit operator bool() const { return ref != nullptr; }
     /** Gives the reference up to the caller. */

@@ -39,6 +39,7 @@ bool readMatrix(JNIEnv *env, const char *name, jobjectArray array, int rows, int
                 double (&matrix)[MAXOA][MAXPL]);
 ///@}
 
+/** The caller's session in the globals, from entry to return. */
 class SessionCall
 {
 public:

@@ -20,4 +20,10 @@ inline constexpr DBLSPType primaryLSP = 0;      ///< a working path from ingress
 inline constexpr DBLSPType localBackupLSP = 1;  ///< a detour around one element of a primary path
 inline constexpr DBLSPType globalBackupLSP = 2; ///< an alternative path to the egress of a primary
 
+/** Whether an LSP of that kind protects another. */
+constexpr bool isBackup(DBLSPType type)
+{
+    return type == localBackupLSP || type == globalBackupLSP;
+}
+
 #endif

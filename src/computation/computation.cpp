@@ -102,6 +102,7 @@ int lspRequestListInit(LSPRequestList *reqList, Long size)
 {
     if (!reqList)
         return here.fail("LSPRequestList == NULL in %s at line %d");
+    *reqList = {};
     const Long count = std::max(size, 1);
     auto *cont = static_cast<LSPRequest *>(mycalloc(1, bytesFor(count)));
     if (!cont)
@@ -137,7 +138,8 @@ int lspRequestListResize(LSPRequestList *reqList, Long size)
         reqList->size = kept;
         return 0;
     }
-    auto *cont = static_cast<LSPRequest *>(myrealloc(reqList->cont, bytesFor(size)));
+    auto *cont = static_cast<LSPRequest *>(reqList->cont ? myrealloc(reqList->cont, bytesFor(size))
+                                                         : mymalloc(bytesFor(size)));
     if (!cont)
         return here.fail("Impossible to allocate memory for LSPRequestList in %s at line %d");
     reqList->cont = cont;

@@ -15,12 +15,7 @@ constexpr Unit here{"database/database"};
 using Path = std::span<const Long>;
 using ListGuard = Guard<LongList, longVecEnd>;
 
-bool isBackup(const DBLabelSwitchedPath &lsp)
-{
-    return lsp.type == localBackupLSP || lsp.type == globalBackupLSP;
-}
-
-/** The links already handled in one walk, by link id. */
+/** The links already handled in the present walk, by link id. */
 class ProcessedLinks
 {
 public:
@@ -37,15 +32,16 @@ public:
     {
         return longVecInit(&isProcessed, db.linkSrcVec.size);
     }
-    [[nodiscard]] int mark(Long link) { return longVecSet(&isProcessed, link, 1); }
+    [[nodiscard]] int mark(Long link) { return longVecSet(&isProcessed, link, walk); }
     bool contains(Long link) const
     {
-        return link < isProcessed.size && isProcessed.cont[link] != 0;
+        return link < isProcessed.size && isProcessed.cont[link] == walk;
     }
-    void clear() { std::ranges::fill(slots(isProcessed), 0); }
+    void startNextWalk() { walk += 1; }
 
 private:
-    LongVec isProcessed{};
+    LongVec isProcessed{}; ///< number of the last walk that handled the link, 0 for none
+    Long walk = 1;
 };
 
 /** The walk over an LSP's links that asks the predicate and collects what to preempt. */
@@ -67,7 +63,7 @@ public:
         const ListGuard guard{&idList};
         if (walk(inUse(lsp.path), processed, false) != 0)
             return -1;
-        return isBackup(lsp) ? walk(inUse(lsp.primPath), processed, true) : 0;
+        return isBackup(lsp.type) ? walk(inUse(lsp.primPath), processed, true) : 0;
     }
 
     bool isAllowed() const { return allowLSP; }
@@ -98,7 +94,9 @@ private:
             return here.fail("Unable choose LSPs for rerouting in %s at line %d");
         if (longListMerge(&idList, preemptList, preemptList) != 0)
             return here.fail("Unable to merge lists of longs in %s at line %d");
-        return processed.mark(link.id);
+        if (processed.mark(link.id) != 0)
+            return here.fail("Unable to initialize vector of longs in %s at line %d");
+        return 0;
     }
 
     DataBase &db;
@@ -172,7 +170,7 @@ int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, ProcessedL
         if (link)
             update(path[i], path[i + 1], *link);
     }
-    if (!isBackup(*lsp))
+    if (!isBackup(lsp->type))
         return result;
 
     const Path primPath = inUse(lsp->primPath);
@@ -211,7 +209,7 @@ int DBaddLSP(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList *preem
     if (!stored)
         return -1;
     pairWithPartner(*dataBase, *stored);
-    processed.clear();
+    processed.startNextWalk();
     if (updateLinks(*dataBase, stored, SETUP, processed) != 0)
         return here.fail("LSP addition uncomplete in %s at line %d");
     return 0;

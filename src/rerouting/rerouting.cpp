@@ -94,7 +94,7 @@ double makeRerouteScore(const LSPRequest *req, const double *gain, const DBLinkS
     double score = 0.0;
     double bwGained = 0.0;
     for (int p = MAXPL - 1; bwGained < gain[oa]; --p) {
-        if (p <= req->precedence) {
+        if (p < 0 || p <= req->precedence) {
             here.push(CRITICAL, "internal error: impossible to realize gain in %s at line %d");
             return std::numeric_limits<double>::infinity();
         }

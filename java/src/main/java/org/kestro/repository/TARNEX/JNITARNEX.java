@@ -160,7 +160,9 @@ public class JNITARNEX {
      * @param pbw not examined
      * @param bbw not examined
      * @param fbw not examined
-     * @throws AddDBException if an id is negative, too large or in use, or a node is missing
+     * @throws AddDBException if an id is negative, too large or in use, a node is missing, or the
+     *         two nodes are linked in that direction already. A link id so large that no table
+     *         can hold it leaves an incomplete link behind, which carries nothing; remove it
      * @throws IllegalArgumentException if cap or rbw is outside the contract
      */
     public native void jniaddLink(int linkId, int color, int src, int dst, float[] cap,
@@ -172,7 +174,8 @@ public class JNITARNEX {
      * link of the path must have room for it beside all that is reserved there.
      *
      * @param lspid id of the LSP, 0 or more, not in use
-     * @param path node ids from ingress to egress
+     * @param path node ids from ingress to egress; with fewer than two, the LSP crosses no link
+     *        and is registered as it is
      * @param PL preemption level, 0 to 7
      * @param OA class type
      * @param bw bandwidth, 0 or more
