@@ -61,11 +61,11 @@ void *counted(void *block, std::size_t sz)
 class Quarantine
 {
 public:
-    void hold(void *user, std::size_t bytes)
+    void hold(void *block, std::size_t bytes)
     {
         if (held == ring.size())
             evictOldest();
-        ring[(first + held) % ring.size()] = {user, bytes};
+        ring[(first + held) % ring.size()] = {block, bytes};
         ++held;
         heldBytes += bytes;
         while (held > 1 && heldBytes > maxHeldBytes)
@@ -74,14 +74,14 @@ public:
 
 private:
     struct Entry {
-        void *user;
+        void *block;
         std::size_t bytes;
     };
     static constexpr std::size_t maxHeldBytes = std::size_t{16} * 1024 * 1024;
 
     void evictOldest()
     {
-        systemMemory.release(blockOf(ring[first].user));
+        systemMemory.release(ring[first].block);
         heldBytes -= ring[first].bytes;
         first = (first + 1) % ring.size();
         --held;
@@ -142,5 +142,5 @@ void myfree(void *ptr)
     }
     count(0, size);
     setSizeWord(ptr, freedMark);
-    quarantine.hold(ptr, size);
+    quarantine.hold(blockOf(ptr), size);
 }

@@ -224,15 +224,22 @@ bool SlotChanges::append(SlotChange change)
 
 void SlotChanges::sortBySlot()
 {
-    std::ranges::sort(items, items + count, {}, [](const SlotChange &change) {
-        return std::pair{change.slot, change.order};
+    std::sort(items, items + count, [](const SlotChange &a, const SlotChange &b) {
+        return std::pair{a.slot, a.order} < std::pair{b.slot, b.order};
     });
 }
 
 std::span<const SlotChange> SlotChanges::of(Long slot) const
 {
-    const auto found = std::ranges::equal_range(all(), slot, {}, &SlotChange::slot);
-    return {found.begin(), found.end()};
+    const SlotChange *end = items + count;
+    const auto isBefore = [](const SlotChange &change, Long wanted) {
+        return change.slot < wanted;
+    };
+    const SlotChange *first = std::lower_bound(items, items + count, slot, isBefore);
+    const SlotChange *last = first;
+    while (last != end && last->slot == slot)
+        ++last;
+    return {first, last};
 }
 
 LSPView viewOf(const DBLabelSwitchedPath &lsp)
