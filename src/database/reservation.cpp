@@ -4,6 +4,7 @@
 #include "error/report.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace
@@ -105,29 +106,22 @@ std::span<const double> blockOf(const DoubleVec &table, Long first)
             static_cast<std::size_t>(std::max(last - first, 0))};
 }
 
-// Written as plain reductions so that the compiler compares several slots at once.
-bool anyAboveZero(std::span<const double> values)
+/** All bits that are set in any of the values: one cheap reduction over many slots at once. */
+std::int64_t bitsOf(std::span<const double> values)
 {
-    bool any = false;
+    std::int64_t bits = 0;
     for (const double value : values)
-        any |= value > 0.0;
-    return any;
+        bits |= std::bit_cast<std::int64_t>(value);
+    return bits;
 }
 
-bool anyBelowZero(std::span<const double> values)
-{
-    bool any = false;
-    for (const double value : values)
-        any |= value < 0.0;
-    return any;
-}
-
-/** Whether any of the slots from `first` on can make a row exceed 0. */
-bool blockIsNeedy(const StateTables &tables, int oa, Long first)
+/** False only when none of the slots from `first` on can make a row exceed 0. */
+bool blockMayBeNeedy(const StateTables &tables, int oa, Long first)
 {
     for (int p = 0; p < MAXPL; ++p) {
-        if (anyAboveZero(blockOf(tables.bbw[oa][p], first)) ||
-            anyBelowZero(blockOf(tables.fbw[oa][p], first)))
+        const bool anyBackup = bitsOf(blockOf(tables.bbw[oa][p], first)) != 0;
+        const bool anyBelowZero = bitsOf(blockOf(tables.fbw[oa][p], first)) < 0;
+        if (anyBackup || anyBelowZero)
             return true;
     }
     return false;
@@ -160,7 +154,7 @@ void raiseByNeedySlots(const DataBase &db, const StateTables &present, const Tab
 {
     const Long end = std::min(longestTable(present, oa), db.linkSrcVec.top);
     for (Long first = 0; first < end; first += blockSlots) {
-        if (!blockIsNeedy(present, oa, first))
+        if (!blockMayBeNeedy(present, oa, first))
             continue;
         for (Long k = first; k < std::min(first + blockSlots, end); ++k) {
             if (slotIsNeedy(present, oa, k))
