@@ -1,0 +1,300 @@
+#include "computation/primary/primaryPath.h"
+#include "computation/primary/score.h"
+#include "computation/primary/search.h"
+#include "property/session.h"
+#include "rerouting/rerouting.h"
+
+#include <limits>
+
+namespace property
+{
+namespace
+{
+
+using W = PrimaryComputationConfig;
+
+/** What a request can see. */
+struct Topology : BKTopology {
+    Topology(DataBase *db, const LSPRequest *request) : BKTopology{}
+    {
+        EXPECT_EQ(initTopo(this, -1), 0);
+        EXPECT_EQ(fillTopo(db, request, this), 0);
+    }
+    ~Topology() { endTopo(this); }
+};
+
+class PrimaryPathProperty : public Session
+{
+protected:
+    void ask(double bw, NodePath path)
+    {
+        request = requestOf({.bw = {bw, bw / 2}, .path = std::move(path)});
+    }
+
+    W &weights = tarnexConfig.primaryComputationConfig;
+    RequestRecord request;
+};
+
+TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const struct {
+        const char *name;
+        double (W::*weight)[MAXOA];
+        double value, capacity, cost, gain, score; // the cost is that of the path so far
+    } rows[] = {
+        {"load", &W::load, 5, 100, 1, 0, 51},
+        {"squared load", &W::sqLoad, 7, 100, 1, 0, 7701},
+        {"utilization", &W::relLoad, 11, 100, 1, 0, 2.1},
+        {"squared utilization", &W::sqRelLoad, 13, 100, 1, 0, 2.43},
+        {"delay", &W::delay, 17, 100, 1, 0, 1.085},
+        {"balance", &W::loadBal, 3, 100, 1, 0, 1.315},
+        {"no balance", &W::loadBal, 3, 0, 1, 0, infinity},
+        {"preemption", &W::rerouting, 2, 100, 61, 5, 122},
+        {"of two levels", &W::rerouting, 2, 100, 61, 25, 427},
+        {"scales no negative score", &W::rerouting, 2, 100, -100, 5, -100},
+    };
+    build(networkOf("1:0-1"));
+    ask(10, {0, -1, 1});
+    request->bw[1] = 0;
+    Topology topo{db, request.get()};
+    topo.nbLinks = 10;
+    BKNodeInfo &start = placedNode(topo, 0).info;
+    start.sum[0] = 0.2;
+    tarnexConfig.reroutingConfig.scoreCoef[0][7] = 1;
+    tarnexConfig.reroutingConfig.scoreCoef[0][5] = 2;
+    const State state{DBlinkStateNew()};
+    state->rbw[0][7] = state->rbw[0][5] = 20;
+    state->pbw[0][1] = state->pbw[0][7] = 25; // the load is that of all levels
+    for (const auto &row : rows) {
+        weights = {};
+        (weights.*row.weight)[0] = row.value;
+        std::ranges::fill(state->cap, row.capacity);
+        start.cost = row.cost;
+        const BKConnect connect{0, state.get(), {{row.gain}}};
+        EXPECT_DOUBLE_EQ(makeScore(&topo, request.get(), 0, 1, &connect), row.score) << row.name;
+    }
+    request->precedence = 5;
+    const double gain = 25;
+    EXPECT_EQ(makeRerouteScore(request.get(), &gain, state.get(), 0), infinity);
+    expectTrail({"internal error: impossible to realize gain"});
+    // Breakpoints are single-precision but for 9/10, and what is no number takes the last slope.
+    weights = {};
+    weights.Fortz = 2;
+    start.cost = 1;
+    const double slopes[][3] = {{33.33333334, 100, 1}, {50, 100, 3},     {66.666668, 100, 3},
+                                {89.999999, 100, 10},  {90, 100, 70},    {100, 100, 500},
+                                {110, 100, 500},       {120, 100, 5000}, {0, 0, 5000}};
+    for (const auto &[load, capacity, slope] : slopes) {
+        state->pbw[0][1] = state->pbw[0][7] = load / 2;
+        std::ranges::fill(state->cap, capacity);
+        const BKConnect connect{0, state.get(), {}};
+        EXPECT_EQ(makeScore(&topo, request.get(), 0, 1, &connect), 1 + 20 * slope) << load;
+    }
+}
+
+TEST_F(PrimaryPathProperty, TopologyFollowsEveryLinkAndListsTheAdmitted)
+{
+    tarnexConfig.predicateConfig = {true, true, true};
+    // Refused are 4-1 by its colour and 4-5 as the link to leave; 6 is outside.
+    build(networkOf("1:4-1 2:4-9 3:9-4 4:1-9 5:6-9 6:4-5 7:5-5"));
+    DBgetLinkState(db, 4, 1)->color = 8;
+    for (const int oa : {0, 1})
+        DBgetLinkState(db, 4, 9)->pbw[oa][7] = 100;
+    ask(1, {4, -1, 9});
+    ASSERT_EQ(longVecPushBack(&request->forbidLinks, 8), 0);
+    request->rerouteInfo = {77, 4, 5};
+    const Topology topo{db, request.get()};
+    std::string text;
+    for (const BKNode &node : inUse(topo.nodeVec)) {
+        text += " from";
+        for (const BKConnect &in : inUse(node.inNeighb))
+            text += " " + std::to_string(in.neighbId);
+        text += " by " + std::to_string(node.nodeId) + " to";
+        for (const BKConnect &out : inUse(node.outNeighb))
+            text += " " + std::to_string(out.neighbId);
+    }
+    // The node met last comes first.
+    EXPECT_EQ(text, " from 9 by 4 to 9 from 1 4 6 by 9 to 4 from 5 by 5 to 5 from by 1 to 9");
+    const BKConnect &preempting = placedNode(topo, 4).outNeighb.cont[0];
+    EXPECT_EQ(std::pair(preempting.info.gain[0], preempting.info.gain[1]), std::pair(1.0, 0.5));
+    // Each link is asked once, the one from a node to itself from both ends.
+    expectTrail(Trail(7 + 1, "?Cannot find the old LSP"));
+}
+
+TEST_F(PrimaryPathProperty, DriverWritesThePathOrSaysWhy)
+{
+    const Trail unreachable{"Destination unreachable", "Unable to update requested path"};
+    const Trail unknown{"Node don't exist (id = 40)", "Unable to get the list of neighbours",
+                        "Unable to build topology"};
+    const Trail malformed{"Bad requested path format", "Unable to get requested source"};
+    const Trail outside{"Inexistent node", "Bellman-Kalaba failure"};
+    const struct {
+        const char *name;
+        NodePath wanted, path;
+        double cost; ///< what COST grows by
+        Trail trail;
+    } rows[] = {
+        {"two hops", {2, -1, 4}, {2, 3, 4}, 12, {}},
+        {"one hop", {5, -1, 6}, {5, 6}, 32, {}},
+        {"refused link", {5, -1, 7}, {}, 0, unreachable},
+        {"just beyond the index", {4, -1, 5}, {}, 0, unreachable},
+        {"where it starts", {4, -1, 4}, {4}, 0, {"Bad requested path format"}},
+        {"unknown source", {40, -1, 4}, {40, -1, 4}, 0, unknown},
+        {"no destination", {2, -1}, {2, -1}, 0, malformed},
+        {"link from outside, larger id", {8, -1, 9}, {8, -1, 9}, 0, outside},
+    };
+    weights.relLoad[0] = 1;
+    tarnexConfig.predicateConfig.capacityClause = true;
+    build(networkOf("1:2-3/2 2:3-4/1 3:5-6/0.25 4:5-7/0.1 5:1-2 6:8-9 7:10-9"));
+    double total = 0.0;
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        ask(0.25, row.wanted);
+        EXPECT_EQ(computePrimaryPath(db, request.get()), row.trail.empty() ? 0 : -1);
+        EXPECT_EQ(idsIn(request->path), row.path);
+        expectTrail(row.trail);
+        EXPECT_EQ(COST, total += row.cost / 32);
+    }
+}
+
+/** The search in its plain form: every pass looks at every in-link of every reached node. */
+void searchPlainly(BKTopology &topo, const LSPRequest &req)
+{
+    NodePath reached{req.path.cont[0]}; // in the order in which they are
+    const auto isReached = [&](Long nd) { return std::ranges::count(reached, nd) > 0; };
+    /** Whether `nd` is on the chain of choices that leads from the source to `end`. */
+    const auto isOnChain = [&](Long nd, Long end) {
+        while (end != nd && end != reached.front()) {
+            const BKNode &node = placedNode(topo, end);
+            end = node.inNeighb.cont[node.info.newNeighbInd].neighbId;
+        }
+        return end == nd;
+    };
+    const auto choose = [&](BKNode &node, const BKConnect &in) {
+        node.info.newNeighbInd = static_cast<Long>(&in - node.inNeighb.cont);
+        node.info.newCost = makeScore(&topo, &req, in.neighbId, node.nodeId, &in);
+        for (int oa = 0; oa < MAXOA; ++oa)
+            node.info.newSum[oa] =
+                req.bw[oa] / in.linkState->cap[oa] + placedNode(topo, in.neighbId).info.sum[oa];
+    };
+    const auto commit = [](BKNode &node) {
+        node.neighbInd = node.info.newNeighbInd;
+        node.info.cost = node.info.newCost;
+        std::ranges::copy(node.info.newSum, node.info.sum);
+    };
+    const auto expand = [&](const BKNode &from) {
+        for (const BKConnect &out : inUse(from.outNeighb)) {
+            if (isReached(out.neighbId))
+                continue;
+            reached.push_back(out.neighbId);
+            BKNode &node = placedNode(topo, out.neighbId);
+            choose(node,
+                   *std::ranges::find(inUse(node.inNeighb), from.nodeId, &BKConnect::neighbId));
+            commit(node);
+        }
+    };
+
+    BKNode &source = topo.nodeVec.cont[0];
+    for (const BKNode &node : inUse(topo.nodeVec)) {
+        for (const BKConnect &in : inUse(node.inNeighb)) {
+            for (int oa = 0; oa < MAXOA; ++oa)
+                source.info.sum[oa] += primaryLoad(*in.linkState, oa) / in.linkState->cap[oa];
+        }
+    }
+    expand(source);
+    for (bool changed = true; changed;) {
+        const NodePath inPass{reached.begin() + 1, reached.end()};
+        changed = false;
+        for (const Long nd : inPass) {
+            BKNode &node = placedNode(topo, nd);
+            for (const BKConnect &in : inUse(node.inNeighb)) {
+                if (!isReached(in.neighbId) || isOnChain(nd, in.neighbId))
+                    continue;
+                if (makeScore(&topo, &req, in.neighbId, nd, &in) - node.info.cost < -1e-10) {
+                    choose(node, in);
+                    changed = true;
+                }
+            }
+            expand(node);
+        }
+        for (const Long nd : inPass)
+            commit(placedNode(topo, nd));
+        changed = changed || reached.size() > inPass.size() + 1;
+    }
+}
+
+class SearchProperty : public PrimaryPathProperty, public ::testing::WithParamInterface<unsigned>
+{
+protected:
+    /** The engine's labels are the plain ones, and no allowed in-link improves a final label. */
+    void searchAndCompare()
+    {
+        const Long source = request->path.cont[0];
+        request->precedence = randomInt(rng, MAXPL);
+        const LSPRequest *req = request.get();
+        Topology expected{db, req};
+        searchPlainly(expected, *req);
+        Topology topo{db, req};
+        ASSERT_EQ(bellmanKalaba(&topo, req), 0);
+        for (const BKNode &node : inUse(topo.nodeVec)) {
+            const Long nd = node.nodeId;
+            ASSERT_EQ(node.neighbInd, placedNode(expected, nd).neighbInd) << nd;
+            ASSERT_EQ(node.info.cost, placedNode(expected, nd).info.cost) << nd;
+            for (const BKConnect &in : inUse(node.inNeighb)) {
+                const Long nb = in.neighbId;
+                if ((placedNode(topo, nb).neighbInd < 0 && nb != source) || !noLoop(&topo, nb, nd))
+                    continue;
+                EXPECT_GE(makeScore(&topo, req, nb, nd, &in), node.info.cost - 1e-10);
+                ++compared;
+            }
+        }
+    }
+
+    Rng rng{GetParam()};
+    NetworkPlan plan = randomNetwork(rng, 25, 4, GetParam() % 2 == 0 ? 1 : 5);
+    int compared = 0;
+};
+
+TEST_P(SearchProperty, EqualsThePlainPassesUnderEveryWeight)
+{
+    for (PlannedLink &link : plan.links)
+        link.capacity = 10.1 + 5.0 * randomInt(rng, 3);
+    for (const Long node : {plan.nodes[1], plan.nodes[2]})
+        plan.links.push_back({1000 + node, node, node}); // to itself
+    build(plan);
+    PlannedLsp lsp;
+    for (; lsp.id < 40; ++lsp.id) {
+        lsp.precedence = randomInt(rng, MAXPL);
+        lsp.bw = {static_cast<double>(1 + lsp.id % 4) / 3.0, 0.2};
+        lsp.path = hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng);
+        ASSERT_EQ(add(lsp), 0);
+    }
+    double(W::*const weightTables[])[MAXOA] = {&W::load,  &W::sqLoad,  &W::relLoad,  &W::sqRelLoad,
+                                               &W::delay, &W::loadBal, &W::rerouting};
+    for (auto &coefficients : tarnexConfig.reroutingConfig.scoreCoef)
+        std::ranges::fill(coefficients, 0.3);
+    for (int which = 0; which < 10; ++which) { // none, each alone, and with Fortz; all
+        SCOPED_TRACE("weights " + std::to_string(which));
+        weights = {};
+        weights.Fortz = which == 1 || which > 7 ? 1.0 / 3.0 : 0.0;
+        for (int i = 0; i < 7; ++i) {
+            if (which == i + 2 || which == 9)
+                std::fill_n(weights.*weightTables[i], 2, 0.7 - 0.1 * i);
+        }
+        for (const double bw : {1.0 / 3.0, 1.0, 4.0}) {
+            for (const bool preempts : {false, true}) {
+                // A delay is no longer one on links with more LSPs than capacity.
+                tarnexConfig.predicateConfig = {preempts && weights.delay[0] == 0.0, true, false};
+                ask(bw, {anyOf(rng, plan.nodes), -1, 0});
+                searchAndCompare();
+            }
+        }
+    }
+    EXPECT_GT(compared, 500);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, SearchProperty, ::testing::Range(0U, 6U));
+
+} // namespace
+} // namespace property

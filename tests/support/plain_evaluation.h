@@ -1,0 +1,184 @@
+/**
+ * The reservation rules in their plain form, as a reference for the engine's: every failure of
+ * every link and node, every class type and level. The tables of a PlainNetwork must equal the
+ * engine's bit for bit, because the additions happen in the same order.
+ */
+#ifndef TARNEX_TESTS_SUPPORT_PLAIN_EVALUATION_H
+#define TARNEX_TESTS_SUPPORT_PLAIN_EVALUATION_H
+
+#include "support/random_network.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <set>
+
+namespace property
+{
+
+/** A table of one link; slots beyond its end count as 0. */
+struct PlainTable : std::vector<double> {
+    PlainTable() : vector(1) {}
+};
+
+struct PlainState {
+    double rbw[MAXOA][MAXPL]{}, pbw[MAXOA][MAXPL]{};
+    PlainTable bbw[MAXOA][MAXPL], fbw[MAXOA][MAXPL];
+};
+
+/** Position of consecutive `nodes` from `from` on; -1 when they are not there. */
+inline std::ptrdiff_t find(const NodePath &path, const NodePath &nodes, std::ptrdiff_t from = 0)
+{
+    const auto found = std::search(path.begin() + from, path.end(), nodes.begin(), nodes.end());
+    return found == path.end() ? -1 : found - path.begin();
+}
+
+struct PlainNetwork {
+    struct Link : PlannedLink {
+        PlainState state{};
+    };
+    std::map<Hop, Link> links;
+    std::map<Long, PlannedLsp> lsps;
+
+    void add(const PlannedLink &link) { links[{link.src, link.dst}] = {link}; }
+
+    void add(const PlannedLsp &lsp)
+    {
+        lsps[lsp.id] = lsp;
+        pair(lsp.noContentionId, lsp.id);
+        pair(lsp.id, lsps.contains(lsp.noContentionId) ? lsp.noContentionId : -1);
+        for (auto &[hop, link] : links)
+            update(link.state, hop, lsp, 1.0);
+    }
+
+    void removeLsp(Long id)
+    {
+        const PlannedLsp lsp = lsps.at(id);
+        for (auto &[hop, link] : links)
+            update(link.state, hop, lsp, -1.0);
+        lsps.erase(id);
+        pair(lsp.noContentionId, -1);
+    }
+
+    /** Sets `lsp` up (`mult` 1) or removes it (-1); false when a link it needs is gone. */
+    bool update(PlainState &state, Hop link, const PlannedLsp &lsp, double mult) const
+    {
+        const bool isPrimary = lsp.type == primaryLSP;
+        const bool isLocal = lsp.type == localBackupLSP;
+        const NodePath &failing = isPrimary ? lsp.path : lsp.primPath;
+        const NodePath ends{link.first, link.second};
+        const bool onPath = find(lsp.path, ends) >= 0;
+        const auto onPrim = isPrimary ? -1 : find(failing, ends);
+        if (!onPath && onPrim < 0)
+            return true;
+
+        const auto found = lsps.find(onPath ? lsp.noContentionId : -1);
+        const PlannedLsp *partner = found == lsps.end() ? nullptr : &found->second;
+        const bool rerouting = partner && find(partner->path, ends) >= 0;
+        std::set<Hop> partnerHops;
+        for (std::size_t i = 1; partner && i < partner->path.size(); ++i)
+            partnerHops.emplace(partner->path[i - 1], partner->path[i]);
+
+        const auto isGone = [&](Hop hop) { return !links.contains(hop); };
+        const auto amount = [&](std::size_t oa, bool shared) {
+            const bool competes = !shared || partner->precedence != lsp.precedence;
+            return competes ? lsp.bw[oa] : std::max(0.0, lsp.bw[oa] - partner->bw[oa]);
+        };
+        /** Changes the slots of the hops from `from` to `to` - 1; false at one that is no link. */
+        const auto change = [&](auto table, std::ptrdiff_t from, std::ptrdiff_t to, double sign) {
+            for (auto node = failing.begin() + from; node < failing.begin() + to; ++node) {
+                const Hop hop{node[0], node[1]};
+                if (isGone(hop))
+                    return false;
+                const auto k = static_cast<std::size_t>(links.at(hop).id);
+                const bool shared = rerouting && (!isPrimary || partnerHops.contains(hop));
+                for (std::size_t oa = 0; oa < MAXOA; ++oa) {
+                    PlainTable &slots = (state.*table)[oa][lsp.precedence];
+                    if (amount(oa, shared) == 0.0)
+                        continue;
+                    slots.resize(std::max(slots.size(), k + 1));
+                    slots[k] += sign * mult * amount(oa, shared);
+                }
+            }
+            return true;
+        };
+
+        const auto last = static_cast<std::ptrdiff_t>(failing.size()) - 1;
+        if (isPrimary) {
+            for (std::size_t oa = 0; oa < MAXOA; ++oa)
+                state.pbw[oa][lsp.precedence] += mult * amount(oa, rerouting);
+            if (std::ranges::any_of(partnerHops, isGone) || !change(&PlainState::fbw, 0, last, 1))
+                return false;
+        } else {
+            const auto b = find(failing, {lsp.path.front()});
+            const auto end = isLocal ? b + 1 : last;
+            if (b < 0 || end > last)
+                return false;
+            const auto first = failing.begin() + b;
+            if (isLocal && isGone({first[0], first[1]}))
+                return false;
+            if (onPath && !change(&PlainState::bbw, b, end, 1))
+                return false;
+            const bool bypassed =
+                isLocal && onPrim >= b && onPrim < find(failing, {lsp.path.back()}, b);
+            const auto freed = isLocal ? std::pair{b, end} : std::pair{std::ptrdiff_t{0}, b};
+            if (onPrim >= 0 && !bypassed &&
+                !change(&PlainState::fbw, freed.first, freed.second, -1))
+                return false;
+        }
+        reserve(state);
+        return true;
+    }
+
+    /** Recomputes the reservation of one state. */
+    void reserve(PlainState &state) const
+    {
+        std::map<std::pair<bool, Long>, NodePath> failures; // of a link, or of a node's in-links
+        for (const auto &[ends, link] : links) {
+            failures[{false, link.id}] = {link.id};
+            failures[{true, ends.second}].push_back(link.id);
+        }
+        const auto at = [](const PlainTable &table, Long k) {
+            return k < static_cast<Long>(table.size()) ? table[static_cast<std::size_t>(k)] : 0.0;
+        };
+        for (int oa = 0; oa < MAXOA; ++oa) {
+            double largest[MAXPL]{};
+            for (const auto &failing : failures) {
+                double needed = 0.0, freed = 0.0;
+                for (int p = 0; p < MAXPL; ++p) {
+                    for (const Long k : failing.second) {
+                        needed += at(state.bbw[oa][p], k);
+                        freed += at(state.fbw[oa][p], k);
+                    }
+                    largest[p] = std::max(largest[p], needed - freed);
+                }
+            }
+            for (int p = 0; p < MAXPL; ++p)
+                state.rbw[oa][p] = state.pbw[oa][p] + largest[p] - (p > 0 ? largest[p - 1] : 0.0);
+        }
+    }
+
+private:
+    void pair(Long id, Long partner)
+    {
+        if (lsps.contains(id))
+            lsps.at(id).noContentionId = partner;
+    }
+};
+
+/** Whether two states agree bit for bit, sizes of the tables included. */
+inline bool areSame(const DBLinkState &engine, const PlainState &plain)
+{
+    bool same = std::memcmp(engine.rbw, plain.rbw, sizeof plain.rbw) == 0 &&
+                std::memcmp(engine.pbw, plain.pbw, sizeof plain.pbw) == 0;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        for (int p = 0; p < MAXPL; ++p)
+            same = same && std::ranges::equal(slots(engine.bbw[oa][p]), plain.bbw[oa][p]) &&
+                   std::ranges::equal(slots(engine.fbw[oa][p]), plain.fbw[oa][p]);
+    }
+    return same;
+}
+
+} // namespace property
+
+#endif
