@@ -42,7 +42,7 @@ import org.kestro.repository.model.exception.RoutingException;
  *     names the argument, and changes nothing. Such calls are: null arrays or rows; arrays or rows
  *     with fewer elements than the class types and levels in use; a number of class types or
  *     levels outside 1 to 8; a preemption level outside 0 to 7; a bandwidth that is negative or
- *     not finite; a capacity that is not a number.
+ *     not finite; a capacity that is not a number; fewer ids for backups than backups.
  * <li>A call on an object without a live session does nothing and returns null where a result is
  *     due.
  * </ul>
@@ -276,19 +276,72 @@ public class JNITARNEX {
             throws NoRouteToHostException, RoutingException, AddDBException;
 
     /**
-     * Computes backup LSPs for a primary LSP and adds them if asked to. Not available yet: the
-     * library does not export it and a call throws {@link UnsatisfiedLinkError}.
+     * Computes the backups that protect an LSP in place, and adds them if asked to.
      *
-     * @param primarylspId id of the primary LSP to protect
-     * @param backuplspIds ids for the backups, in the order of the result
-     * @param backupType 1 for global backups, any other value for local ones (one per link of the
-     *        primary)
+     * <ul>
+     * <li><b>Local backups</b>: one for each hop of the LSP's path. Element k of the result
+     *     protects hop k, the link from path[k] to path[k + 1]: it leaves the LSP at path[k] and
+     *     avoids node path[k + 1], rejoining the LSP at a later node. Where no such way has the
+     *     room, and always for the last hop, it avoids only the link and rejoins at path[k + 1].
+     * <li><b>A global backup</b>: one way from ingress to egress, which is the only element of the
+     *     result. It avoids all intermediate nodes of the LSP or, where no such way has the room,
+     *     only all its links.
+     * </ul>
+     *
+     * <p>A backup asks for the bandwidth of the LSP that it protects, in the same class types. A
+     * link carries it if the capacity holds the backup and all that is reserved there, at every
+     * level; that is tested whatever the flags and the clauses of the session say, and colours are
+     * not. Among the ways with room the search takes the one that adds least to the reservations,
+     * plus a small charge for each link.
+     *
+     * <p><b>Sharing.</b> A link reserves for backups what the worst single failure asks of it, not
+     * their sum: backups share the bandwidth unless one failure puts them to use together. A
+     * failure is that of one link, or of one node, which takes all links into it along. The backups
+     * of one call share among themselves and with those in place.
+     *
+     * <table>
+     * <caption>What the two flags give</caption>
+     * <tr><th>ADDLSP</th><th>PREEMPT</th><th>effect</th></tr>
+     * <tr><td>false</td><td>false</td><td>none: only the paths are returned</td></tr>
+     * <tr><td>false</td><td>true</td><td>none: the LSPs in the way of each backup are worked out,
+     *     but neither removed nor reported</td></tr>
+     * <tr><td>true</td><td>false</td><td>the backups are added where they fit</td></tr>
+     * <tr><td>true</td><td>true</td><td>the backups are added; what is reserved at less important
+     *     levels does not count against them, but stays, so that links may be overbooked</td></tr>
+     * </table>
+     *
+     * <p>Backups preempt nothing by themselves: no call removes an LSP or touches {@link #lsps}.
+     * They are added in the order of the result, at level 0 whatever the level of the LSP, and do
+     * not go when the LSP does: remove them by their ids.
+     *
+     * <p><b>After a failure.</b> A search that fails for one hop fails the call, and nothing is
+     * added. When a backup cannot be added, those before it stay, under the first of the ids, and
+     * those after it are not tried; the trail of causes and, on standard error, the figures of the
+     * links of its path say why.
+     *
+     * <p><b>Lines of its own.</b> The library prints, through its buffered standard output, when a
+     * global backup has to make do with avoiding links ("Switching from node to link protection for
+     * lsp number: " and the id) and when it finds none at all ("Oups ... no path found ..."). To
+     * standard error it prints "No end to end link disjoint protection path found" or "No local
+     * link disjoint protection path found" when a search fails, "Can't obtain preemptList" when
+     * the LSPs in the way cannot be worked out, and two texts in French, in Latin-1: a warning when
+     * the number of local backups is not that of the hops, and the figures of a backup that cannot
+     * be added (bandwidth, then capacity, primary and whole reservation at level 0 of each link,
+     * all in class type 0).
+     *
+     * @param primarylspId id of the LSP to protect
+     * @param backuplspIds ids for the backups, in the order of the result: one per hop for local
+     *        backups, one for a global backup; further ids are not used
+     * @param backupType 1 for a global backup, any other value for local backups
      * @param ADDLSP whether to add the backups to the network
-     * @param PREEMPT whether less important LSPs may be preempted
-     * @return the node ids of each backup's path; null without a live session
-     * @throws NoRouteToHostException if a backup cannot be found
-     * @throws AddDBException if a backup cannot be added
-     * @throws UnsatisfiedLinkError always, for the time being
+     * @param PREEMPT whether admission may count on less important LSPs giving way
+     * @return the node ids of each backup's path; without elements for local backups of an LSP that
+     *         crosses no link; null without a live session
+     * @throws NoRouteToHostException if there is no such LSP, a backup cannot be found, or a global
+     *         one is asked for an LSP that crosses no link
+     * @throws AddDBException if a backup cannot be added, for instance because its id is in use
+     * @throws IllegalArgumentException if backuplspIds is null or has fewer elements than there are
+     *         backups; nothing is added then
      */
     public native int[][] jnicomputeBackupPath(int primarylspId, int[] backuplspIds,
                                                int backupType, boolean ADDLSP, boolean PREEMPT)
