@@ -9,22 +9,25 @@ import java.util.List;
 import org.kestro.repository.model.exception.AddDBException;
 
 /**
- * Places the demands of one or more files on a network and reports where each LSP went, which
- * were refused or preempted, and how full the links are afterwards.
+ * Places the demands of one or more files on a network, protects the LSPs with backups, and reports
+ * where each LSP and backup went, which were refused or preempted, and how full the links are.
  *
  * <p>The demands are placed in file order. A demand may preempt LSPs of less important levels;
- * what is preempted is gone for good.
+ * what is preempted is gone for good. When all demands are placed, the LSPs that are in place get
+ * their backups, the most important LSPs first; backups preempt nothing.
  */
 public final class PlaceDemands {
     private static final String USAGE = """
             usage: java -cp tarnex.jar:examples.jar org.kestro.examples.PlaceDemands \\
-                        NETWORK DEMANDS...
+                        [--dump] NETWORK DEMANDS...
 
+              --dump    also print what the engine knows about the network in the end
               NETWORK   file with the nodes and links
               DEMANDS   file(s) with the demands, placed in the order given
 
             The report goes to standard output, the engine's messages about refused demands to
-            standard error.""";
+            standard error. The engine prints lines of its own to standard output when it finds no
+            backup; into a file or a pipe they come last.""";
 
     private PlaceDemands() {
     }
@@ -33,18 +36,19 @@ public final class PlaceDemands {
      * Runs the example. The exit code is 0 when all demands were tried, 1 when an input file
      * cannot be used, 2 when the arguments are wrong.
      *
-     * @param arguments the network file, then the demand files
+     * @param arguments the network file, then the demand files; before them "--dump" or nothing
      */
     public static void main(String[] arguments) {
-        if (arguments.length < 2) {
+        boolean dump = arguments.length > 0 && arguments[0].equals("--dump");
+        List<Path> files = Arrays.stream(arguments).skip(dump ? 1 : 0).map(Path::of).toList();
+        if (files.size() < 2) {
             System.err.println(USAGE);
             System.exit(2);
         }
-        List<Path> files = Arrays.stream(arguments).map(Path::of).toList();
         try {
             Network network = Network.read(files.get(0));
             List<Demand> demands = Demand.readAll(files.subList(1, files.size()), network);
-            placeAll(network, demands);
+            placeAll(network, demands, dump);
         } catch (InputException e) {
             fail(e.getMessage());
         } catch (IOException e) {
@@ -56,19 +60,29 @@ public final class PlaceDemands {
         }
     }
 
-    private static void placeAll(Network network, List<Demand> demands) throws AddDBException {
+    private static void placeAll(Network network, List<Demand> demands, boolean dump)
+            throws AddDBException {
         Report report = new Report(System.out, network);
         report.line("%d nodes, %d links, %d demands; bandwidths in Mbit/s%n",
                     network.nodes().size(), network.links().size(), demands.size());
         List<Placement.Outcome> outcomes = new ArrayList<>();
-        try (Placement placement = new Placement(network)) {
+        int lastId = demands.stream().mapToInt(Demand::id).max().orElse(0);
+        try (Placement placement = new Placement(network, lastId + 1)) {
             for (Demand demand : demands) {
                 Placement.Outcome outcome = placement.place(demand);
                 report.outcome(outcome);
                 outcomes.add(outcome);
             }
-            report.links(placement.inPlace());
-            report.summary(outcomes, placement.inPlace());
+            List<Placement.Protection> protections = placement.protectAll();
+            report.protections(protections);
+            List<Backup> backups = protections.stream().flatMap(p -> p.backups().stream()).toList();
+            BackupBandwidth bandwidth = new BackupBandwidth(network, placement.inPlace(), backups);
+            report.links(placement.inPlace(), bandwidth);
+            report.sharing(bandwidth);
+            report.summary(outcomes, protections);
+            if (dump) {
+                placement.dump();
+            }
         }
     }
 

@@ -3,9 +3,11 @@ package org.kestro.examples;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Collection;
+import java.util.Comparator;
 import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
+import java.util.stream.IntStream;
 
 import org.kestro.repository.TARNEX.JNITARNEX;
 import org.kestro.repository.model.exception.AddDBException;
@@ -13,12 +15,16 @@ import org.kestro.repository.model.exception.NoRouteToHostException;
 import org.kestro.repository.model.exception.RoutingException;
 
 /**
- * Places demands on a network, one at a time, and keeps account of the LSPs that are in place.
+ * Places demands on a network, one at a time, keeps account of the LSPs that are in place, and
+ * protects them with backups when all demands are placed.
  *
  * <p>Closing the placement ends the engine's session, which prints the trail of every refusal to
  * standard error.
  */
 final class Placement implements AutoCloseable {
+
+    /** How many levels get local backups, the most important ones; the others get a global one. */
+    static final int LEVELS_WITH_LOCAL_BACKUPS = 1;
 
     /**
      * An LSP in place.
@@ -41,17 +47,30 @@ final class Placement implements AutoCloseable {
     record Refused(Demand demand, String reason) implements Outcome {
     }
 
+    /**
+     * What became of the protection of an LSP.
+     *
+     * @param lsp the LSP
+     * @param backups all its backups, or none
+     * @param reason why there are none
+     */
+    record Protection(Lsp lsp, List<Backup> backups, String reason) {
+    }
+
     private final Network network;
     private final JNITARNEX engine = new JNITARNEX();
     private final Map<Integer, Lsp> inPlace = new TreeMap<>();
+    private int nextBackupId;
 
     /**
      * Starts an engine session and hands it the network.
      *
+     * @param firstBackupId id of the first backup; greater than the id of any demand
      * @throws AddDBException if the engine refuses a node or link, for instance for a huge id
      */
-    Placement(Network network) throws AddDBException {
+    Placement(Network network, int firstBackupId) throws AddDBException {
         this.network = network;
+        nextBackupId = firstBackupId;
         startSession();
         try {
             buildNetwork();
@@ -98,7 +117,7 @@ final class Placement implements AutoCloseable {
             for (int lost : engine.lsps) {
                 preempted.add(inPlace.remove(lost));
             }
-            Lsp lsp = new Lsp(demand, Arrays.stream(path).mapToObj(network::nodeName).toList());
+            Lsp lsp = new Lsp(demand, names(path));
             inPlace.put(demand.id(), lsp);
             return new Placed(lsp, preempted);
         } catch (NoRouteToHostException e) {
@@ -110,7 +129,56 @@ final class Placement implements AutoCloseable {
         }
     }
 
-    /** The LSPs now in place, by ascending id. */
+    /**
+     * Protects all LSPs in place, the most important ones first. What no longer fits is left out:
+     * backups push nothing aside.
+     */
+    List<Protection> protectAll() {
+        return inPlace.values().stream()
+                .sorted(Comparator.comparingInt(lsp -> lsp.demand().level())) // then by id
+                .map(this::protect).toList();
+    }
+
+    private Protection protect(Lsp lsp) {
+        boolean local = lsp.demand().level() < LEVELS_WITH_LOCAL_BACKUPS;
+        int count = local ? lsp.path().size() - 1 : 1; // one for each link, or one for all
+        int[] ids = IntStream.range(0, count).map(i -> nextBackupId + i).toArray();
+        try {
+            int[][] paths = engine.jnicomputeBackupPath(lsp.demand().id(), ids, local ? 0 : 1,
+                                                        true, false);
+            nextBackupId += count;
+            List<Backup> backups = new ArrayList<>();
+            for (int i = 0; i < paths.length; i++) {
+                backups.add(new Backup(ids[i], lsp, local ? i : Backup.WHOLE_PATH,
+                                       names(paths[i])));
+            }
+            return new Protection(lsp, backups, "");
+        } catch (NoRouteToHostException e) {
+            return new Protection(lsp, List.of(), local ? "no detour around one of its links has "
+                                  + "the room" : "no second path without its links has the room");
+        } catch (AddDBException e) {
+            removeFirst(ids);
+            return new Protection(lsp, List.of(), "a backup was found, but cannot be set up");
+        }
+    }
+
+    /** Removes the LSPs with these ids up to the first that does not exist. */
+    private void removeFirst(int[] ids) {
+        try {
+            for (int id : ids) {
+                engine.jniremoveLSP(id);
+            }
+        } catch (AddDBException e) {
+            // the backup that could not be set up, and none was added after it
+        }
+    }
+
+    /** Prints what the engine knows about the network, on the native standard output. */
+    void dump() {
+        engine.jniprintTarnexDB();
+    }
+
+    /** The LSPs now in place, by ascending id; backups are not among them. */
     Collection<Lsp> inPlace() {
         return inPlace.values();
     }
@@ -118,6 +186,10 @@ final class Placement implements AutoCloseable {
     @Override
     public void close() {
         engine.jnikillTarnex();
+    }
+
+    private List<String> names(int[] path) {
+        return Arrays.stream(path).mapToObj(network::nodeName).toList();
     }
 
     private int id(String node) {

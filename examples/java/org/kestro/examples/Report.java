@@ -10,7 +10,7 @@ import java.util.stream.Collectors;
 
 import org.kestro.examples.Placement.Lsp;
 
-/** Prints what became of the demands. All bandwidths are in Mbit/s. */
+/** Prints what became of the demands and of their protection. All bandwidths are in Mbit/s. */
 final class Report {
     private final PrintStream out;
     private final Network network;
@@ -45,59 +45,104 @@ final class Report {
                 + network.levels().get(demand.level());
     }
 
-    /** One table per class: what each link can carry, and what it carries at each level. */
-    void links(Collection<Lsp> inPlace) {
+    /** One line per LSP and backup: what it protects and where it goes, or why there is none. */
+    void protections(List<Placement.Protection> protections) {
+        line("%nProtection");
+        List<String> levels = network.levels();
+        for (int level = 0; level < levels.size(); level++) {
+            line("  %-10s %s", levels.get(level), level < Placement.LEVELS_WITH_LOCAL_BACKUPS
+                 ? "a local backup for each link of the path" : "a global backup for the path");
+        }
+        protections.forEach(this::protection);
+    }
+
+    private void protection(Placement.Protection protection) {
+        String lsp = describe(protection.lsp().demand());
+        if (protection.backups().isEmpty()) {
+            line("%s  UNPROTECTED: %s", lsp, protection.reason());
+            return;
+        }
+        line("%s  %s", lsp, String.join(" > ", protection.lsp().path()));
+        for (Backup backup : protection.backups()) {
+            line("          %d for %s: %s", backup.id(), element(backup),
+                 String.join(" > ", backup.path()));
+        }
+    }
+
+    /** What a backup protects. */
+    private static String element(Backup backup) {
+        List<List<String>> links = backup.protectedLinks();
+        List<String> first = links.get(0);
+        if (links.size() == 1) {
+            return "link " + String.join(" > ", first)
+                    + (backup.avoidsNodes() ? " and node " + first.get(1) : "");
+        }
+        return backup.avoidsNodes() ? "all links and nodes between" : "all links";
+    }
+
+    /** How much bandwidth the backups reserve, and would reserve without sharing. */
+    void sharing(BackupBandwidth bandwidth) {
+        double shared = 0;
+        for (Network.Link link : network.links()) {
+            for (int oa = 0; oa < network.classes().size(); oa++) {
+                shared += bandwidth.reserved(link.ends(), oa);
+            }
+        }
+        double unshared = bandwidth.unshared();
+        line("%nBackups reserve %.0f Mbit/s on all links together; without sharing it would be "
+             + "%.0f (%.0f%% saved)", shared, unshared,
+             unshared > 0 ? 100 * (1 - shared / unshared) : 0);
+    }
+
+    /** One table per class: what each link can carry, what it carries at each level and keeps. */
+    void links(Collection<Lsp> inPlace, BackupBandwidth backups) {
         for (int oa = 0; oa < network.classes().size(); oa++) {
             line("%nLinks, class %s (Mbit/s)", network.classes().get(oa));
             String levels = network.levels().stream().map(name -> format("%9s", name))
                                    .collect(Collectors.joining());
-            line("  %4s  %-13s %-13s %9s%s %9s %6s", "id", "from", "to", "capacity", levels,
-                 "reserved", "used");
+            line("  %4s  %-13s %-13s %9s%s %9s %9s %6s", "id", "from", "to", "capacity", levels,
+                 "backups", "reserved", "used");
             Map<List<String>, double[]> reserved = reservations(inPlace, oa);
             for (Network.Link link : network.links()) {
-                linkRow(link, link.capacity()[oa], reserved.get(ends(link)));
+                linkRow(link, link.capacity()[oa], reserved.get(link.ends()),
+                        backups.reserved(link.ends(), oa));
             }
         }
     }
 
-    private void linkRow(Network.Link link, double capacity, double[] reserved) {
+    private void linkRow(Network.Link link, double capacity, double[] reserved, double backups) {
         StringBuilder levels = new StringBuilder();
-        double total = 0;
+        double total = backups;
         for (double atLevel : reserved) {
             levels.append(format("%9.0f", atLevel));
             total += atLevel;
         }
         double utilisation = capacity > 0 ? 100 * total / capacity : 0;
-        line("  %4d  %-13s %-13s %9.0f%s %9.0f %5.1f%%", link.id(), link.from(), link.to(),
-             capacity, levels, total, utilisation);
+        line("  %4d  %-13s %-13s %9.0f%s %9.0f %9.0f %5.1f%%", link.id(), link.from(), link.to(),
+             capacity, levels, backups, total, utilisation);
     }
 
-    /** Bandwidth reserved in one class, per link (named by its two ends) and level. */
+    /** Bandwidth of the LSPs in one class, per link (named by its two ends) and level. */
     private Map<List<String>, double[]> reservations(Collection<Lsp> inPlace, int classType) {
         Map<List<String>, double[]> reserved = new HashMap<>();
         for (Network.Link link : network.links()) {
-            reserved.put(ends(link), new double[network.levels().size()]);
+            reserved.put(link.ends(), new double[network.levels().size()]);
         }
         for (Lsp lsp : inPlace) {
             Demand demand = lsp.demand();
             if (demand.classType() == classType) {
-                for (int hop = 0; hop + 1 < lsp.path().size(); hop++) {
-                    reserved.get(lsp.path().subList(hop, hop + 2))[demand.level()]
-                            += demand.bandwidth();
+                for (List<String> hop : Network.hops(lsp.path())) {
+                    reserved.get(hop)[demand.level()] += demand.bandwidth();
                 }
             }
         }
         return reserved;
     }
 
-    private static List<String> ends(Network.Link link) {
-        return List.of(link.from(), link.to());
-    }
-
-    /** How many demands of each level got through, and how much bandwidth they have. */
-    void summary(List<Placement.Outcome> outcomes, Collection<Lsp> inPlace) {
-        line("%nSummary%n  %-10s %8s %8s %10s %9s %16s", "level", "demands", "refused",
-             "preempted", "in place", "Mbit/s in place");
+    /** How many demands of each level got through and are protected, and their bandwidth. */
+    void summary(List<Placement.Outcome> outcomes, List<Placement.Protection> protections) {
+        line("%nSummary%n  %-10s %8s %8s %10s %9s %10s %16s", "level", "demands", "refused",
+             "preempted", "in place", "protected", "Mbit/s in place");
         for (int level = 0; level < network.levels().size(); level++) {
             int demands = 0;
             int refused = 0;
@@ -109,15 +154,17 @@ final class Report {
                 }
             }
             int carried = 0;
+            int safe = 0;
             double bandwidth = 0;
-            for (Lsp lsp : inPlace) {
-                if (lsp.demand().level() == level) {
+            for (Placement.Protection protection : protections) {
+                if (protection.lsp().demand().level() == level) {
                     carried++;
-                    bandwidth += lsp.demand().bandwidth();
+                    safe += protection.backups().isEmpty() ? 0 : 1;
+                    bandwidth += protection.lsp().demand().bandwidth();
                 }
             }
-            line("  %-10s %8d %8d %10d %9d %16.0f", network.levels().get(level), demands, refused,
-                 demands - refused - carried, carried, bandwidth);
+            line("  %-10s %8d %8d %10d %9d %10d %16.0f", network.levels().get(level), demands,
+                 refused, demands - refused - carried, carried, safe, bandwidth);
         }
     }
 
