@@ -117,6 +117,44 @@ class EngineTest {
     }
 
     @ParameterizedTest
+    @CsvSource(delimiter = '|', value = {
+        // links (of capacity 9) | LSPs (of bandwidth 4) | kind | room left on 5-3 | last result
+        "0-1 1-3 0-4 4-1 4-5 1-5 5-3     | 013   | 0  | 4 | [[0, 4, 5, 3], [1, 5, 3]]", // not 0-4-1
+        "0-1 1-3 0-2 2-3 0-4 1-4 4-5 5-3 | 013   | 0  | 4 | [[0, 4, 5, 3], [1, 4, 5, 3]]", // shares
+        "0-1 1-2 2-3 0-4 4-2 1-0 2-5 5-3 | 0123  | -1 | 4 | [[0, 4, 2], [1, 0, 4, 2], [2, 5, 3]]",
+        "0-1 1-2 2-3 0-4 4-2 1-5 2-5:3 5-3 | 0123 | 2 | 8 | NoRouteToHostException", // no room
+        "0-1 1-2 2-3 1-3 0-4 4-5 5-3     | 0123  | 1  | 4 | [[0, 4, 5, 3]]", // not 0-1-3
+        "0-1 1-2 2-3 0-4 4-2 2-5 5-3     | 0123  | 1  | 4 | [[0, 4, 2, 5, 3]]", // again via 2
+        "2-3 2-5 5-3                     | 23 23 | 0  | 0 | [[2, 5, 3]]", // one link may fail
+        "0-4 1-4 0-5 1-5 5-3 3-4         | 04 14 | 0  | 0 | [[1, 5, 3, 4]]", // or one node
+        "0-2 1-4 0-5 1-5 5-3 3-2 3-4     | 02 14 | 0  | 4 | [[1, 5, 3, 4]]", // but never both
+    })
+    void backupsAvoidNodesOrLinksAndShareWhatNoFailureNeedsTwice(
+            String links, String primaries, int type, float room, String last) throws Exception {
+        engine = build(start(1, 3), links.replaceAll("(-[0-9])(?!:)", "$1:9"));
+        engine.jniaddLSP(9, new int[] {5, 3}, 2, 0, 1);
+        engine.lsps = new int[] {-5};
+        int id = 0;
+        for (String path : primaries.split(" ")) {
+            engine.jniaddLSP(id++, path.chars().map(c -> c - '0').toArray(), 1, 0, 4);
+        }
+        String[] paths = {last, last};
+        for (int call = 0; call < 2 * id; call++) { // for each LSP one that leaves no trace first
+            int lsp = call / 2;
+            int add = call % 2;
+            int[] ids = {3 * lsp + 10, 3 * lsp + 11, 3 * lsp + 12};
+            String outcome = outcome(e -> paths[add] = Arrays.deepToString(
+                    e.jnicomputeBackupPath(lsp, ids, type, add == 1, add == 0)));
+            assertEquals((last.startsWith("No") ? last : "routed") + " [-5]", outcome);
+        }
+        assertEquals(last + last, paths[0] + paths[1]);
+        assertTrue(holds(9));
+        engine.jniaddLSP(9, new int[] {5, 3}, 2, 0, room + 1);
+        assertEquals("AddDBException [-5]",
+                     outcome(e -> e.jniaddLSP(8, new int[] {5, 3}, 0, 0, 0.5f)));
+    }
+
+    @ParameterizedTest
     @CsvSource({
         // which weight is set -> which of four LSPs take the direct link of capacity 30 (D) and
         // which the detour (d) over capacities 50 and 200
@@ -152,6 +190,7 @@ class EngineTest {
         stray.jniremoveNode(1);
         stray.jniprintTarnexDB();
         assertNull(compute(stray, 2, 2, 1, 0, 0, 1, true, true));
+        assertNull(stray.jnicomputeBackupPath(1, null, 1, true, true));
         assertArrayEquals(new int[] {2, 1}, compute(engine, 2, 2, 1, 0, 0, 1, true, true));
     }
 }

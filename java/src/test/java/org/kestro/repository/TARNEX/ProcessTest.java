@@ -18,6 +18,7 @@ import java.util.stream.Collectors;
 import java.util.stream.IntStream;
 import java.util.stream.Stream;
 
+import javax.tools.ToolProvider;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
 
@@ -81,8 +82,13 @@ class ProcessTest {
     @Test
     void killPrintsTheTrailOfFailuresNewestFirst() throws Exception {
         run(codeOf(JNITARNEX.class), "trail");
-        assertEquals("AddDBException null\n".repeat(9) + "NoRouteToHostException null\n", out);
+        assertEquals("AddDBException null\n".repeat(9)
+                     + "NoRouteToHostException null\n".repeat(3), out);
         assertEquals("""
+                Impossible to compute global backup paths in jni_interface
+                Cannot protect a path without link in computation/backup/backup
+                Impossible to compute local backup paths in jni_interface
+                Cannot find lsp ID 3 in computation/backup/backup
                 Impossible to compute Path in jni_interface
                 Unable to update requested path in computation/primary/primaryPath
                 Destination unreachable in computation/primary/primaryPath
@@ -120,9 +126,36 @@ class ProcessTest {
     void missingExceptionClassesAreReportedByLibraryAndJvm() throws Exception {
         run(jarWithout("org/kestro/repository/model/exception"), "trail");
         String end = "NoClassDefFoundError org/kestro/repository/model/exception/";
-        assertEquals(10, out.split(end, -1).length - 1, out);
-        assertEquals("Unable to find the exception class, giving up\n".repeat(10),
+        assertEquals(12, out.split(end, -1).length - 1, out);
+        assertEquals("Unable to find the exception class, giving up\n".repeat(12),
                      err.substring(0, err.indexOf("[CRITICAL]")));
+    }
+
+    @Test
+    void backupsThatCannotBeFoundOrAddedAreExplained() throws Exception {
+        run(codeOf(JNITARNEX.class), "backups");
+        assertEquals("AddDBException null\ndone\nAddDBException null\n"
+                     + "NoRouteToHostException null\n".repeat(2) + "done\nSwitching from node to "
+                     + "link protection for lsp number: 7\nOups ... no path found ...\n", out);
+        assertEquals("""
+                Backup global non ajout@ pour primaire 5, valeur de la bande passante: 2.500000:\s
+                Valeur de la capacit@ du lien 1 - 4: 9.000000, Valeur de la bande passante \
+                r@serv@e P0: 0.000000, PetB0: 1.000000
+                Valeur de la capacit@ du lien 4 - 2: 10.000000, Valeur de la bande passante \
+                r@serv@e P0: 7.500000, PetB0: 10.000000
+                \s
+                No local link disjoint protection path found
+                No end to end link disjoint protection path found
+                Pas assez de lsps de backups locaux pour la taille du lsp!
+                """.replace('@', '\u00e9'), err); // a byte of Latin-1 is a character here
+    }
+
+    @Test
+    void removalInAnyOrderBringsEveryLinkBack() throws Exception {
+        run(codeOf(JNITARNEX.class), "orders");
+        String dump = out.substring(0, out.length() / 49);
+        assertTrue(dump.endsWith("\trbw[7] = 0.000000\n\n\n"), out);
+        assertEquals(dump.repeat(1 + 2 * 24), out);
     }
 
     @Test
@@ -138,14 +171,33 @@ class ProcessTest {
                                + "/native/linux-\\w+/libtarnex.so.*"), out);
     }
 
-    /** Runs a scenario under -Xcheck:jni and keeps what it printed. */
+    @Test
+    void theExampleKnowsWhatBackupsReserve() throws Exception {
+        Path folder = codeOf(JNITARNEX.class).resolve("../../examples").normalize();
+        assertEquals(0, ToolProvider.getSystemJavaCompiler().run(
+                null, null, null, "-d", temp.toString(), "-sourcepath", folder + "/java",
+                folder + "/java/org/kestro/examples/PlaceDemands.java"));
+        java(codeOf(JNITARNEX.class), temp, List.of(
+                "org.kestro.examples.PlaceDemands", "--dump", folder + "/abilene/abilene.network",
+                folder + "/abilene/abilene.demands"));
+        double kept = Pattern.compile("([pr])bw\\[.\\] = (.+)").matcher(out).results().mapToDouble(
+                m -> (m.group(1).equals("r") ? 1 : -1) * Double.parseDouble(m.group(2))).sum();
+        assertTrue(kept > 0 && out.contains("reserve " + Math.round(kept) + " Mbit/s"), out);
+    }
+
     private void run(Path engine, String scenario, String... options) throws Exception {
+        java(engine, codeOf(Scenarios.class), List.of(Scenarios.class.getName(), scenario),
+             options);
+    }
+
+    /** Runs a class under -Xcheck:jni and keeps what it printed. */
+    private void java(Path jar, Path classes, List<String> main, String... flags) throws Exception {
         List<String> command = new ArrayList<>(List.of(
                 System.getProperty("java.home") + "/bin/java", "-Xcheck:jni",
-                "-Djava.library.path=" + System.getProperty("java.library.path")));
-        command.addAll(List.of(options));
-        command.addAll(List.of("-cp", engine + File.pathSeparator + codeOf(Scenarios.class),
-                               Scenarios.class.getName(), scenario));
+                "-Djava.library.path=" + System.getProperty("java.library.path"),
+                "-cp", jar + File.pathSeparator + classes));
+        command.addAll(List.of(flags));
+        command.addAll(main);
         Path stdout = temp.resolve("stdout");
         Path stderr = temp.resolve("stderr");
         int exit = new ProcessBuilder(command).redirectOutput(stdout.toFile())

@@ -3,6 +3,7 @@ package org.kestro.repository.TARNEX;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
+import java.util.stream.IntStream;
 
 /** What the tests do to engines, here or, through {@link #main}, in a JVM of its own. */
 final class Scenarios {
@@ -62,6 +63,8 @@ final class Scenarios {
             case "dump" -> dump();
             case "misuse" -> misuse();
             case "trail" -> trail();
+            case "backups" -> backups();
+            case "orders" -> orders();
             default -> throw new IllegalArgumentException(arguments[0]);
         }
     }
@@ -115,6 +118,8 @@ final class Scenarios {
         for (float[] cap : new float[][] {null, {}, {1}, {1, Float.NaN}}) {
             misuse(engine, "cap", e -> link(e, 9, 2, 0, cap));
         }
+        misuse(engine, "backuplspIds", e -> e.jnicomputeBackupPath(4, null, 1, true, true));
+        misuse(engine, "backuplspIds .* 1 .* 0", e -> protect(e, 4, 0));
         misuse(engine, "path", e -> e.jniaddLSP(9, null, 0, 0, 1));
         misuse(engine, "path", e -> e.jniaddBackupLSP(9, 4, null, 0, 0, 1, true));
         for (int level : new int[] {-1, 8}) {
@@ -159,7 +164,49 @@ final class Scenarios {
         attempt(engine, e -> e.jniremoveLink(1, 2));
         attempt(engine, e -> compute(e, 4, 0, 1, 0, 0, 1, true, true));
         attempt(engine, e -> compute(e, 9, 0, 5, 0, 0, 1, true, true));
+        attempt(engine, e -> protect(e, 3, 0, 9));
+        engine.jniaddLSP(6, new int[] {1}, 0, 0, 1);
+        attempt(engine, e -> protect(e, 6, 1, 9));
         engine.jnikillTarnex();
         engine.jnikillTarnex();
+    }
+
+    private static void protect(JNITARNEX engine, int lsp, int type, int... ids) throws Exception {
+        engine.jnicomputeBackupPath(lsp, ids, type, true, false);
+    }
+
+    /** Protects LSPs in vain: an id is in use, there is no other way, there is no link. */
+    private static void backups() throws Exception {
+        JNITARNEX engine = build(start(1, 3), "0-1:10 1-2:10 0-3:10 3-4:10.5 4-2:10 1-4:9");
+        engine.jniaddLSP(7, new int[] {4, 2}, 0, 0, 7.5f);
+        engine.jniaddLSP(5, new int[] {0, 1, 2}, 1, 0, 2.5f);
+        attempt(engine, e -> protect(e, 5, 0, 20, 20));
+        attempt(engine, e -> e.jniremoveLSP(20));
+        attempt(engine, e -> e.jniremoveLSP(20));
+        attempt(engine, e -> protect(e, 7, 0, 20));
+        attempt(engine, e -> protect(e, 7, 1, 20));
+        engine.jniaddLSP(6, new int[0], 0, 0, 1);
+        attempt(engine, e -> protect(e, 6, 0));
+    }
+
+    /** Prints a network, adds an LSP and backups, prints it after removing those in each order. */
+    private static void orders() throws Exception {
+        JNITARNEX engine = build(start(1, 3), "0-1:9 1-2:9 2-3:9 0-4:9 4-2:9 4-3:9 1-4:9 2-4:9");
+        engine.jniaddLSP(8, new int[] {0, 1, 2, 4, 3}, 1, 0, 0.5f);
+        engine.jniaddLSP(9, new int[] {1, 4, 2, 3}, 1, 0, 0.5f);
+        protect(engine, 8, 0, 11, 12, 13, 14);
+        engine.jniprintTarnexDB();
+        for (int code = 0; code < 2 * 256; code++) {
+            int type = code / 256;
+            int[] ids = {code >> 6 & 3, code >> 4 & 3, code >> 2 & 3, code & 3};
+            if (IntStream.of(ids).distinct().count() == 4) {
+                engine.jniaddLSP(0, new int[] {0, 1, 2, 3}, 0, 0, 2.5f);
+                protect(engine, 0, type, 1, 2, 3);
+                for (int id : IntStream.of(ids).filter(i -> i <= 3 - 2 * type).toArray()) {
+                    engine.jniremoveLSP(id);
+                }
+                engine.jniprintTarnexDB();
+            }
+        }
     }
 }
