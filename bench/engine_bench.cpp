@@ -1,12 +1,14 @@
 /**
  * What a caller waits for: a primary request, the same with admission, an admission and a removal,
- * on generated networks that carry some thousand LSPs, a fifth of them with a local backup. Every
- * benchmark checks that the work it measures was done.
+ * the local backups of a primary and its global backup, on generated networks that carry some
+ * thousand LSPs, a fifth of them with a local backup. Every benchmark checks that the work it
+ * measures was done.
  *
  * The load is steady: what a benchmark adds beyond the LSPs in place it removes again, and where it
  * keeps the newest it removes the oldest that has no backup.
  */
 #include "common/setup.h"
+#include "computation/backup/backup.h"
 #include "computation/primary/primaryPath.h"
 #include "database/admission.h"
 #include "error/error.h"
@@ -108,6 +110,15 @@ public:
         remove(unprotected.front());
         unprotected.pop_front();
     }
+
+    /** Computes the backups of a primary; whether all were found. */
+    bool protect(Long primary, BackupType type, LSPRequestList &backups)
+    {
+        return computeBackup(db, &backups, primary, type) == 0;
+    }
+
+    /** A primary without backups in place. */
+    Long anyPrimary() { return unprotected[std::size_t(randomInt(rng, int(unprotected.size())))]; }
 
     static void require(bool done, const char *otherwise)
     {
@@ -223,16 +234,47 @@ void removal(benchmark::State &state, Size size, int levels)
         [&](auto &lsp) { engine.remove(lsp->id); }, [](auto &) {});
 }
 
+/** The backups of primaries that can be protected; the counter tells how many one request gives. */
+void protection(benchmark::State &state, Size size, int levels, BackupType type)
+{
+    Engine &engine = engineFor(size, levels);
+    LSPRequestList backups{};
+    Engine::require(lspRequestListInit(&backups, -1) == 0, "no memory for requests");
+    const Guard<LSPRequestList, lspRequestListEnd> guard{&backups};
+    double computed = 0.0;
+    const auto anyProtectable = [&] {
+        Long primary = engine.anyPrimary();
+        while (lspRequestListResize(&backups, 0) != 0 || !engine.protect(primary, type, backups))
+            primary = engine.anyPrimary();
+        Engine::require(lspRequestListResize(&backups, 0) == 0, "no memory for requests");
+        return primary;
+    };
+    timeEach(
+        state, anyProtectable,
+        [&](Long primary) { Engine::require(engine.protect(primary, type, backups), "no backup"); },
+        [&](Long) { computed += backups.size; });
+    state.counters["backups"] = benchmark::Counter{computed, benchmark::Counter::kAvgIterations};
+}
+
+void localBackups(benchmark::State &state, Size size, int levels)
+{
+    protection(state, size, levels, LOCAL_BACKUP);
+}
+
+void globalBackup(benchmark::State &state, Size size, int levels)
+{
+    protection(state, size, levels, GLOBAL_BACKUP);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);
     const std::pair<const char *, void (*)(benchmark::State &, Size, int)> benchmarks[] = {
-        {"request", primaryRequest},
-        {"request+admission", requestAndAdmission},
-        {"admission", admission},
-        {"removal", removal}};
+        {"request", primaryRequest},     {"request+admission", requestAndAdmission},
+        {"admission", admission},        {"removal", removal},
+        {"local backups", localBackups}, {"global backup", globalBackup}};
     for (const Size size :
          {Size{50, 2000, 150.0}, Size{200, 4000, 120.0}, Size{1000, 5000, 80.0}}) {
         for (const int levels : {1, 8}) {
