@@ -8,7 +8,7 @@
 #ifndef TARNEX_COMMON_RECORDS_H
 #define TARNEX_COMMON_RECORDS_H
 
-#include "common/types.h"
+#include "common/common.h"
 
 #include <cstddef>
 #include <memory>
@@ -31,6 +31,16 @@ using Owned = std::unique_ptr<T, Releaser<releaseRecord>>;
 /** Stack record whose contents are released at the end of the scope. */
 template <class T, auto endRecord>
 using Guard = std::unique_ptr<T, Releaser<endRecord>>;
+
+/** Ends a heap record and frees it, as every Destroy does; -1 when its End refuses it. */
+template <auto endRecord, class T>
+int destroyRecord(T *record)
+{
+    if (endRecord(record) != 0)
+        return -1;
+    myfree(record);
+    return 0;
+}
 
 /** Gives records up to whoever owns them from here on: the point of no return. */
 template <class... Owners>

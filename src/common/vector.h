@@ -16,18 +16,25 @@
 #include <limits>
 #include <type_traits>
 
+/**
+ * Without a comment of its own, an operation does what the LongVec operation of that name does
+ * (common/common.h), for any element, and reports under `unit`.
+ */
 namespace vec
 {
 
+/** What a vector holds. */
 template <class Vec>
 using Element = std::remove_pointer_t<decltype(Vec::cont)>;
 
+/** Whether a vector is there and initialised. */
 template <class Vec>
 bool isLive(const Vec *vec)
 {
     return vec && vec->cont;
 }
 
+/** Size in bytes of so many slots. */
 template <class Vec>
 std::size_t bytesFor(std::int64_t slots)
 {
@@ -57,20 +64,25 @@ template <class Vec>
     return true;
 }
 
-/** Grows to `newSize` slots, the new ones zero; false, and nothing changed, without memory. */
+/** Puts a larger block in place of the contents; false, and nothing changed, when there is none. */
 template <class Vec>
-[[nodiscard]] bool grow(Vec &vec, std::int64_t newSize)
+[[nodiscard]] bool adopt(Vec &vec, void *cont, std::int64_t newSize)
 {
-    if (newSize > std::numeric_limits<Long>::max())
-        return false;
-    if (newSize <= vec.size)
-        return true;
-    void *cont = mygrow(vec.cont, bytesFor<Vec>(newSize));
     if (!cont)
         return false;
     vec.cont = static_cast<Element<Vec> *>(cont);
     vec.size = static_cast<Long>(newSize);
     return true;
+}
+
+/** Grows to `newSize` slots, the new ones zero; false, and nothing changed, without memory. */
+template <class Vec>
+[[nodiscard]] bool grow(Vec &vec, std::int64_t newSize)
+{
+    if (newSize <= vec.size)
+        return true;
+    return newSize <= std::numeric_limits<Long>::max() &&
+           adopt(vec, mygrow(vec.cont, bytesFor<Vec>(newSize)), newSize);
 }
 
 /** Makes room for one more element by doubling; the added slots are not cleared. */
@@ -80,16 +92,11 @@ template <class Vec>
     if (vec.top < vec.size)
         return true;
     const std::int64_t newSize = std::max(std::int64_t{1}, std::int64_t{vec.size} * 2);
-    if (newSize > std::numeric_limits<Long>::max())
-        return false;
-    void *cont = myrealloc(vec.cont, bytesFor<Vec>(newSize));
-    if (!cont)
-        return false;
-    vec.cont = static_cast<Element<Vec> *>(cont);
-    vec.size = static_cast<Long>(newSize);
-    return true;
+    return newSize <= std::numeric_limits<Long>::max() &&
+           adopt(vec, myrealloc(vec.cont, bytesFor<Vec>(newSize)), newSize);
 }
 
+/** Frees the contents; the vector is then not initialised. */
 template <class Vec>
 void release(Vec &vec)
 {
@@ -141,13 +148,9 @@ int copy(const Unit &unit, Vec *dst, const Vec *src)
 {
     if (!isLive(dst) || !isLive(src))
         return unit.fail("Bad argument (NULL) in %s at line %d");
-    if (dst->size < src->size) {
-        void *cont = myrealloc(dst->cont, bytesFor<Vec>(src->size));
-        if (!cont)
-            return unit.fail("Critical lack of memory in %s at line %d");
-        dst->cont = static_cast<Element<Vec> *>(cont);
-        dst->size = src->size;
-    }
+    if (dst->size < src->size &&
+        !adopt(*dst, myrealloc(dst->cont, bytesFor<Vec>(src->size)), src->size))
+        return unit.fail("Critical lack of memory in %s at line %d");
     std::copy_n(src->cont, src->size, dst->cont);
     dst->top = src->top;
     return 0;

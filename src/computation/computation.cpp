@@ -73,13 +73,7 @@ int lspRequestEnd(LSPRequest *req)
     return 0;
 }
 
-int lspRequestDestroy(LSPRequest *req)
-{
-    if (lspRequestEnd(req) != 0)
-        return -1;
-    myfree(req);
-    return 0;
-}
+int lspRequestDestroy(LSPRequest *req) { return destroyRecord<lspRequestEnd>(req); }
 
 int lspRequestCopy(LSPRequest *dst, const LSPRequest *src)
 {

@@ -115,13 +115,7 @@ int DBnodeEnd(DBNode *node)
     return 0;
 }
 
-int DBnodeDestroy(DBNode *node)
-{
-    if (DBnodeEnd(node) != 0)
-        return -1;
-    myfree(node);
-    return 0;
-}
+int DBnodeDestroy(DBNode *node) { return destroyRecord<DBnodeEnd>(node); }
 
 // --- links ---
 
@@ -160,13 +154,7 @@ int DBlinkEnd(DBLink *link)
     return 0;
 }
 
-int DBlinkDestroy(DBLink *link)
-{
-    if (DBlinkEnd(link) != 0)
-        return -1;
-    myfree(link);
-    return 0;
-}
+int DBlinkDestroy(DBLink *link) { return destroyRecord<DBlinkEnd>(link); }
 
 // --- node table ---
 
@@ -176,13 +164,7 @@ int DBnodeVecInit(DBNodeVec *vec, Long size) { return tableInit(vec, size); }
 
 int DBnodeVecEnd(DBNodeVec *vec) { return tableEnd(vec, DBnodeDestroy); }
 
-int DBnodeVecDestroy(DBNodeVec *vec)
-{
-    if (DBnodeVecEnd(vec) != 0)
-        return -1;
-    myfree(vec);
-    return 0;
-}
+int DBnodeVecDestroy(DBNodeVec *vec) { return destroyRecord<DBnodeVecEnd>(vec); }
 
 int DBnodeVecSet(DBNodeVec *vec, DBNode *node, Long id)
 {
@@ -221,13 +203,7 @@ int DBlspVecInit(DBLSPVec *vec, Long size) { return tableInit(vec, size); }
 
 int DBlspVecEnd(DBLSPVec *vec) { return tableEnd(vec, DBlspDestroy); }
 
-int DBlspVecDestroy(DBLSPVec *vec)
-{
-    if (DBlspVecEnd(vec) != 0)
-        return -1;
-    myfree(vec);
-    return 0;
-}
+int DBlspVecDestroy(DBLSPVec *vec) { return destroyRecord<DBlspVecEnd>(vec); }
 
 int DBlspVecSet(DBLSPVec *vec, DBLabelSwitchedPath *lsp, Long id)
 {
@@ -372,13 +348,7 @@ int DBlinkTabEnd(DBLinkTab *tab)
     return 0;
 }
 
-int DBlinkTabDestroy(DBLinkTab *tab)
-{
-    if (DBlinkTabEnd(tab) != 0)
-        return -1;
-    myfree(tab);
-    return 0;
-}
+int DBlinkTabDestroy(DBLinkTab *tab) { return destroyRecord<DBlinkTabEnd>(tab); }
 
 int DBlinkTabSet(DBLinkTab *tab, DBLink *lnk, Long src, Long dst)
 {

@@ -1,5 +1,6 @@
 #include "database/link_state.h"
 
+#include "common/records.h"
 #include "error/report.h"
 
 #include <array>
@@ -91,10 +92,4 @@ int DBlinkStateEnd(DBLinkState *ls)
     return 0;
 }
 
-int DBlinkStateDestroy(DBLinkState *ls)
-{
-    if (DBlinkStateEnd(ls) != 0)
-        return -1;
-    myfree(ls);
-    return 0;
-}
+int DBlinkStateDestroy(DBLinkState *ls) { return destroyRecord<DBlinkStateEnd>(ls); }

@@ -113,13 +113,7 @@ int DBlspEnd(DBLabelSwitchedPath *lsp)
     return 0;
 }
 
-int DBlspDestroy(DBLabelSwitchedPath *lsp)
-{
-    if (DBlspEnd(lsp) != 0)
-        return -1;
-    myfree(lsp);
-    return 0;
-}
+int DBlspDestroy(DBLabelSwitchedPath *lsp) { return destroyRecord<DBlspEnd>(lsp); }
 
 DBLSPList *DBlspListNew(Long size) { return vec::create<DBLSPList>(here, size); }
 

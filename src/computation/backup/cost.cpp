@@ -23,18 +23,26 @@ double sumOf(const double (&levels)[MAXPL]) { return std::accumulate(levels, lev
  * The path of a backup that reaches `src` over the chain of `dn` and goes on to `dst`, reduced to
  * what an evaluation of the link reads: where it starts, the hop itself, and where it ends.
  */
-struct ReducedPath {
-    std::array<Long, 3> nodes;
-    bool startsAtHop;
+class ReducedPath
+{
+public:
+    ReducedPath(const CPDijkNode *dn, Long src, Long dst) : nodes{startOf(dn), src, dst} {}
 
-    ReducedPath(const CPDijkNode *dn, Long src, Long dst) : nodes{src, src, dst}, startsAtHop(true)
+    std::span<const Long> path() const
+    {
+        const bool startsAtHop = nodes[0] == nodes[1];
+        return std::span{nodes}.subspan(startsAtHop ? 1 : 0);
+    }
+
+private:
+    static Long startOf(const CPDijkNode *dn)
     {
         while (dn->from)
             dn = dn->from;
-        nodes[0] = dn->node->id;
-        startsAtHop = nodes[0] == src;
+        return dn->node->id;
     }
-    std::span<const Long> path() const { return std::span{nodes}.subspan(startsAtHop ? 1 : 0); }
+
+    std::array<Long, 3> nodes;
 };
 
 /** One more than the number of entries from `dst` to the end of the protected path of `lsp`. */

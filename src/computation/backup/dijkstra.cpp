@@ -1,5 +1,6 @@
 #include "computation/backup/dijkstra.h"
 
+#include "common/records.h"
 #include "error/report.h"
 
 namespace
@@ -113,10 +114,4 @@ int CPendPQ(CPPrioQueue *pq)
     return 0;
 }
 
-int CPdestroyPQ(CPPrioQueue *pq)
-{
-    if (CPendPQ(pq) != 0)
-        return -1;
-    myfree(pq);
-    return 0;
-}
+int CPdestroyPQ(CPPrioQueue *pq) { return destroyRecord<CPendPQ>(pq); }

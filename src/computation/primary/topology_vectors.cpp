@@ -136,13 +136,7 @@ int bkNodeVecEnd(BKNodeVec *vec)
     return 0;
 }
 
-int bkNodeVecDestroy(BKNodeVec *vec)
-{
-    if (bkNodeVecEnd(vec) != 0)
-        return -1;
-    myfree(vec);
-    return 0;
-}
+int bkNodeVecDestroy(BKNodeVec *vec) { return destroyRecord<bkNodeVecEnd>(vec); }
 
 int bkNodeVecResize(BKNodeVec *vec, Long newsize)
 {
