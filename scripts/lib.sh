@@ -24,6 +24,28 @@ install_missing() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
+# configure PRESET OPTION...: configures a build folder, afresh if the checkout was moved.
+configure() {
+    local preset=$1 folder=build cache fresh=()
+    shift
+    [ "$preset" = release ] || folder=build-$preset
+    cache=$folder/CMakeCache.txt
+    if [ -f "$cache" ] && ! [ "$(sed -n 's/^CMAKE_HOME_DIRECTORY:[^=]*=//p' "$cache")" -ef . ]; then
+        fresh=(--fresh)
+    fi
+    cmake "${fresh[@]}" --preset "$preset" "$@" --log-level=WARNING >/dev/null
+}
+
+# quietly LOG COMMAND...: runs a command and shows what it printed only if it fails.
+quietly() {
+    local log=$1
+    shift
+    "$@" >"$log" 2>&1 || {
+        cat "$log" >&2
+        exit 1
+    }
+}
+
 build_packages=(g++ cmake ninja-build)
 if ! command -v javac >/dev/null; then
     build_packages+=(default-jdk-headless)

@@ -9,7 +9,7 @@ presets=("$@")
 install_missing "${build_packages[@]}" libgtest-dev junit5
 for preset in "${presets[@]}"; do
     echo "== $preset =="
-    cmake --preset "$preset" -DTARNEX_TESTS=ON --log-level=WARNING >/dev/null
+    configure "$preset" -DTARNEX_TESTS=ON
     cmake --build --preset "$preset" -- --quiet
     ctest --preset "$preset"
 done
