@@ -1,6 +1,5 @@
 package org.kestro.examples;
 
-import java.io.IOException;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.HashSet;
@@ -21,7 +20,7 @@ record Demand(int id, String ingress, String egress, int classType, int level, f
 
     /** Reads the demands of several files, in order. */
     static List<Demand> readAll(List<Path> files, Network network)
-            throws IOException, InputException {
+            throws InputException {
         List<Demand> demands = new ArrayList<>();
         Set<Integer> ids = new HashSet<>();
         for (Path file : files) {

@@ -1,6 +1,5 @@
 package org.kestro.examples;
 
-import java.io.IOException;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.HashSet;
@@ -38,7 +37,7 @@ record Network(List<String> classes, List<String> levels, Map<String, Integer> n
     }
 
     /** Reads a network file; the statements are explained at the head of the example file. */
-    static Network read(Path file) throws IOException, InputException {
+    static Network read(Path file) throws InputException {
         Network network = new Network(new ArrayList<>(), new ArrayList<>(),
                                       new LinkedHashMap<>(), new ArrayList<>());
         for (Statement statement : Statement.readAll(file)) {

@@ -1,6 +1,5 @@
 package org.kestro.examples;
 
-import java.io.IOException;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.Arrays;
@@ -29,6 +28,9 @@ public final class PlaceDemands {
             standard error. The engine prints lines of its own to standard output when it finds no
             backup; into a file or a pipe they come last.""";
 
+    private static final String TRAIL_HEADING =
+            "Engine's trail of what was refused (expected; newest first):";
+
     private PlaceDemands() {
     }
 
@@ -51,10 +53,9 @@ public final class PlaceDemands {
             placeAll(network, demands, dump);
         } catch (InputException e) {
             fail(e.getMessage());
-        } catch (IOException e) {
-            fail("cannot read the input: " + e);
         } catch (AddDBException e) {
-            fail("the engine refused the network");
+            fail("the engine refused " + e.getMessage()
+                 + "; ids index tables, keep them small");
         } catch (UnsatisfiedLinkError e) {
             fail(e.getMessage());
         }
@@ -82,6 +83,10 @@ public final class PlaceDemands {
             report.summary(outcomes, protections);
             if (dump) {
                 placement.dump();
+            }
+            if (outcomes.stream().anyMatch(o -> o instanceof Placement.Refused)
+                    || protections.stream().anyMatch(p -> p.backups().isEmpty())) {
+                System.err.println(TRAIL_HEADING); // the engine's session ends with its trail
             }
         }
     }

@@ -66,7 +66,8 @@ final class Placement implements AutoCloseable {
      * Starts an engine session and hands it the network.
      *
      * @param firstBackupId id of the first backup; greater than the id of any demand
-     * @throws AddDBException if the engine refuses a node or link, for instance for a huge id
+     * @throws AddDBException naming the node or link that the engine refuses, for instance for a
+     *         huge id
      */
     Placement(Network network, int firstBackupId) throws AddDBException {
         this.network = network;
@@ -96,13 +97,22 @@ final class Placement implements AutoCloseable {
     }
 
     private void buildNetwork() throws AddDBException {
-        for (int id : network.nodes().values()) {
-            engine.jniaddNode(id);
+        for (Map.Entry<String, Integer> node : network.nodes().entrySet()) {
+            try {
+                engine.jniaddNode(node.getValue());
+            } catch (AddDBException e) {
+                throw new AddDBException("node " + node.getValue() + " (" + node.getKey() + ")");
+            }
         }
         float[][] nothing = new float[classes()][levels()];
         for (Network.Link link : network.links()) {
-            engine.jniaddLink(link.id(), 0, id(link.from()), id(link.to()), link.capacity(),
-                              nothing, nothing, nothing, nothing);
+            try {
+                engine.jniaddLink(link.id(), 0, id(link.from()), id(link.to()), link.capacity(),
+                                  nothing, nothing, nothing, nothing);
+            } catch (AddDBException e) {
+                throw new AddDBException("link " + link.id() + " (" + link.from() + " > "
+                                         + link.to() + ")");
+            }
         }
     }
 
@@ -121,7 +131,8 @@ final class Placement implements AutoCloseable {
             inPlace.put(demand.id(), lsp);
             return new Placed(lsp, preempted);
         } catch (NoRouteToHostException e) {
-            return new Refused(demand, "no path has the room, whatever it preempts");
+            return new Refused(demand, "no path, or none with room even after preempting less "
+                               + "important LSPs");
         } catch (RoutingException e) {
             return new Refused(demand, "the LSPs to preempt cannot be determined");
         } catch (AddDBException e) {
@@ -186,6 +197,9 @@ final class Placement implements AutoCloseable {
     @Override
     public void close() {
         engine.jnikillTarnex();
+        // The number may now be given to another engine object. A killed object must not act on
+        // a stranger's session.
+        engine.sessId = -1;
     }
 
     private List<String> names(int[] path) {

@@ -1,6 +1,8 @@
 package org.kestro.examples;
 
 import java.io.PrintStream;
+import java.text.DecimalFormat;
+import java.text.DecimalFormatSymbols;
 import java.util.Collection;
 import java.util.HashMap;
 import java.util.List;
@@ -27,8 +29,8 @@ final class Report {
                  String.join(" > ", placed.lsp().path()));
             for (Lsp lost : placed.preempted()) {
                 Demand demand = lost.demand();
-                line("          preempts %d (%s, %.0f) from %s to %s", demand.id(), kind(demand),
-                     demand.bandwidth(), demand.ingress(), demand.egress());
+                line("          preempts %d (%s, %s) from %s to %s", demand.id(), kind(demand),
+                     mbits(demand.bandwidth()), demand.ingress(), demand.egress());
             }
         } else if (outcome instanceof Placement.Refused refused) {
             line("%s  REFUSED from %s to %s: %s", describe(refused.demand()),
@@ -37,7 +39,7 @@ final class Report {
     }
 
     private String describe(Demand demand) {
-        return format("%6d  %-20s %7.0f", demand.id(), kind(demand), demand.bandwidth());
+        return format("%6d  %-20s %7s", demand.id(), kind(demand), mbits(demand.bandwidth()));
     }
 
     private String kind(Demand demand) {
@@ -89,8 +91,8 @@ final class Report {
             }
         }
         double unshared = bandwidth.unshared();
-        line("%nBackups reserve %.0f Mbit/s on all links together; without sharing it would be "
-             + "%.0f (%.0f%% saved)", shared, unshared,
+        line("%nBackups reserve %s Mbit/s on all links together; without sharing it would be "
+             + "%s (%.0f%% saved)", mbits(shared), mbits(unshared),
              unshared > 0 ? 100 * (1 - shared / unshared) : 0);
     }
 
@@ -114,12 +116,12 @@ final class Report {
         StringBuilder levels = new StringBuilder();
         double total = backups;
         for (double atLevel : reserved) {
-            levels.append(format("%9.0f", atLevel));
+            levels.append(format("%9s", mbits(atLevel)));
             total += atLevel;
         }
         double utilisation = capacity > 0 ? 100 * total / capacity : 0;
-        line("  %4d  %-13s %-13s %9.0f%s %9.0f %9.0f %5.1f%%", link.id(), link.from(), link.to(),
-             capacity, levels, backups, total, utilisation);
+        line("  %4d  %-13s %-13s %9s%s %9s %9s %5.1f%%", link.id(), link.from(), link.to(),
+             mbits(capacity), levels, mbits(backups), mbits(total), utilisation);
     }
 
     /** Bandwidth of the LSPs in one class, per link (named by its two ends) and level. */
@@ -163,8 +165,8 @@ final class Report {
                     bandwidth += protection.lsp().demand().bandwidth();
                 }
             }
-            line("  %-10s %8d %8d %10d %9d %10d %16.0f", network.levels().get(level), demands,
-                 refused, demands - refused - carried, carried, safe, bandwidth);
+            line("  %-10s %8d %8d %10d %9d %10d %16s", network.levels().get(level), demands,
+                 refused, demands - refused - carried, carried, safe, mbits(bandwidth));
         }
     }
 
@@ -175,6 +177,12 @@ final class Report {
 
     void line(String format, Object... arguments) {
         out.println(format(format, arguments));
+    }
+
+    /** A bandwidth, with at most two decimals and none when it is whole. */
+    private static String mbits(double bandwidth) {
+        return new DecimalFormat("0.##", DecimalFormatSymbols.getInstance(Locale.ROOT))
+                .format(bandwidth);
     }
 
     private static String format(String format, Object... arguments) {

@@ -1,7 +1,10 @@
 package org.kestro.examples;
 
 import java.io.IOException;
+import java.nio.charset.CharacterCodingException;
+import java.nio.file.AccessDeniedException;
 import java.nio.file.Files;
+import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
@@ -17,8 +20,8 @@ import java.util.List;
 record Statement(Path file, int line, List<String> words) {
 
     /** Reads all statements of a UTF-8 file, in order. */
-    static List<Statement> readAll(Path file) throws IOException {
-        List<String> lines = Files.readAllLines(file);
+    static List<Statement> readAll(Path file) throws InputException {
+        List<String> lines = readLines(file);
         List<Statement> statements = new ArrayList<>();
         for (int i = 0; i < lines.size(); i++) {
             String text = lines.get(i).replaceFirst("#.*", "").strip();
@@ -27,6 +30,23 @@ record Statement(Path file, int line, List<String> words) {
             }
         }
         return statements;
+    }
+
+    private static List<String> readLines(Path file) throws InputException {
+        if (Files.isDirectory(file)) {
+            throw new InputException(file, "is a directory");
+        }
+        try {
+            return Files.readAllLines(file);
+        } catch (NoSuchFileException e) {
+            throw new InputException(file, "no such file");
+        } catch (AccessDeniedException e) {
+            throw new InputException(file, "permission denied");
+        } catch (CharacterCodingException e) {
+            throw new InputException(file, "is not UTF-8 text");
+        } catch (IOException e) {
+            throw new InputException(file, e.toString());
+        }
     }
 
     String keyword() {
