@@ -16,15 +16,18 @@ import org.kestro.repository.model.exception.RoutingException;
  *
  * <ul>
  * <li><b>Ids</b> of nodes, links and LSPs are chosen by the caller, are 0 or more and index tables
- *     directly: keep them small and dense. The memory for links grows with the square of the
- *     largest node id. There is at most one link per ordered pair of nodes.
+ *     directly: keep them small and dense. The memory for links grows with the largest node id
+ *     times the number of nodes with outgoing links. There is at most one link per ordered pair of
+ *     nodes.
  * <li><b>Bandwidths</b> and capacities share one unit of the caller's choice, such as Mbit/s. The
  *     engine stores and prints the figures as they come.
  * <li>A <b>class type</b> (OA, an ordered aggregate) is a DiffServ class with a capacity of its
  *     own on every link. Class types are numbered from 0; a call that names a class type outside
  *     0 to nbOA - 1 asks for no bandwidth in any class type.
  * <li>A <b>preemption level</b> (PL) tells how important an LSP is: 0 is the most important, 7 the
- *     least. An LSP may push aside LSPs at numerically greater levels only.
+ *     least. An LSP may push aside LSPs at numerically greater levels only. All eight levels are
+ *     accepted and reserve alike whatever the number nbPL of levels in use: that limits only the
+ *     shapes of arrays and the levels that have a price.
  * <li>A <b>path</b> is a list of node ids from the first node to the last.
  * </ul>
  *
@@ -43,8 +46,11 @@ import org.kestro.repository.model.exception.RoutingException;
  *     with fewer elements than the class types and levels in use; a number of class types or
  *     levels outside 1 to 8; a preemption level outside 0 to 7; a bandwidth that is negative or
  *     not finite; a capacity that is not a number; fewer ids for backups than backups.
- * <li>A call on an object without a live session does nothing and returns null where a result is
- *     due.
+ * <li>A call on an object that never had a session does nothing and returns null where a result
+ *     is due; {@link #jnikillTarnex} says so on standard error.
+ * <li>After a kill the number of the session may be given to another object. A killed object must
+ *     then not be used, not even killed again: its calls would act on that session. Set
+ *     {@code sessId = -1} after the kill; the object is then like one that never had a session.
  * </ul>
  *
  * <h2>Threads</h2>
@@ -61,9 +67,10 @@ public class JNITARNEX {
     /**
      * The number of this object's session, 0 to 127; -1 before the first initialisation.
      *
-     * <p>Written by {@link #jniinitTarnex} when it succeeds and read by every other call. Killing
-     * the session leaves the number in place. Callers read it, to see whether an initialisation
-     * succeeded, and leave it alone.
+     * <p>Written by {@link #jniinitTarnex} when it succeeds and read by every other call. Callers
+     * read it, to see whether an initialisation succeeded, and write it on one occasion only:
+     * killing the session leaves the number in place, and it may be given to another object. Set
+     * {@code sessId = -1} after the kill, so that this object cannot act on that session.
      */
     public int sessId = -1;
 
@@ -90,7 +97,8 @@ public class JNITARNEX {
      * <p>The seven weights say what makes a path dear: its score is the sum over its links of the
      * weighted growth of each criterion when the LSP is added. They are pure numbers and apply to
      * class type 0, except {@code fortz}, which applies to every class type. A weight of 0
-     * switches its criterion off.
+     * switches its criterion off. Weights are not checked: NaN or negative ones make the paths
+     * meaningless.
      *
      * @param nbOA number of class types in use, 1 to 8
      * @param nbPL number of preemption levels in use, 1 to 8
@@ -120,14 +128,20 @@ public class JNITARNEX {
      * Ends the session: releases its network and prints its error messages to standard error,
      * newest first.
      *
-     * <p>{@link #sessId} is not reset. Without a live session a line on standard error says so.
+     * <p>{@link #sessId} is not reset: set it to -1. After a kill the number may be given to
+     * another object. A killed object must then not be used, not even killed again: its calls
+     * would act on that session.
+     *
+     * <p>A second kill, while the number is still free, and a kill without a session only write
+     * "ERROR, call to killTarnex before initTarnex" on standard error.
      */
     public native void jnikillTarnex();
 
     /**
      * Prints the network to standard output: each node with its neighbours, then each link with
      * the ids of its LSPs and, per class type, its capacity, the bandwidth reserved by primary
-     * LSPs and the whole reservation, both summed over the levels.
+     * LSPs and the whole reservation, both summed over the levels. All eight class types are
+     * printed, whatever number is in use.
      *
      * <p>The output is that of the native library's buffered standard output, which is not
      * synchronised with {@link System#out}.
@@ -149,6 +163,9 @@ public class JNITARNEX {
      * they may hold anything, also null. The new link has colour 0 and no LSPs. The reservation
      * given in {@code rbw} holds until the first LSP is set up across the link; from then on the
      * reservation is that of the LSPs alone.
+     *
+     * <p>A link from a node to itself is accepted. So is a negative capacity in any class type:
+     * where links are tested for room, such a link carries nothing at all.
      *
      * @param linkId id of the link, 0 or more, not in use
      * @param color not examined
@@ -173,11 +190,14 @@ public class JNITARNEX {
      * Adds a primary LSP whose path was computed elsewhere. Nothing is preempted for it: every
      * link of the path must have room for it beside all that is reserved there.
      *
+     * <p>Mind the order: level before class type here, the other way round in
+     * {@link #jnicomputePath}.
+     *
      * @param lspid id of the LSP, 0 or more, not in use
      * @param path node ids from ingress to egress; with fewer than two, the LSP crosses no link
      *        and is registered as it is
      * @param PL preemption level, 0 to 7
-     * @param OA class type
+     * @param OA class type; one outside 0 to nbOA - 1 reserves nothing and is not an error
      * @param bw bandwidth, 0 or more
      * @throws AddDBException if a link of the path is missing or has no room, or the id is
      *         negative, too large or in use
@@ -190,12 +210,15 @@ public class JNITARNEX {
      * Adds a backup LSP whose path was computed elsewhere. Nothing is preempted for it. Backups
      * that protect against different failures share the bandwidth they reserve.
      *
+     * <p>Mind the order: level before class type here, the other way round in
+     * {@link #jnicomputePath}.
+     *
      * @param lspid id of the backup, 0 or more, not in use
      * @param plspid id of the primary LSP that it protects
      * @param path node ids: a local backup leaves the primary's path at its first node and rejoins
      *        it at its last, a global backup leads from a node of that path to its egress
      * @param PL preemption level, 0 to 7
-     * @param OA class type
+     * @param OA class type; one outside 0 to nbOA - 1 reserves nothing and is not an error
      * @param bw bandwidth, 0 or more
      * @param type true for a local backup, false for a global one
      * @throws AddDBException if the primary does not exist, a link of the path is missing or has
@@ -247,6 +270,15 @@ public class JNITARNEX {
      *     their ids go into {@link #lsps}</td></tr>
      * </table>
      *
+     * <p>Mind the order: class type before level here, the other way round in {@link #jniaddLSP}
+     * and {@link #jniaddBackupLSP}.
+     *
+     * <p><b>What is preempted.</b> On each link the levels give way from the least important one
+     * towards the new LSP's, and LSPs of other class types may go along. A level that is needed as
+     * a whole goes with all its LSPs on the link, of every class type. Of a level that is needed
+     * in part, the LSPs of lower-numbered class types go first, all of them, and then the LSPs of
+     * the class type that make the room.
+     *
      * <p>{@code rrid}, {@code rrsrc}, {@code rrdst} and {@code colorArray} are accepted and not
      * examined; null will do for the array.
      *
@@ -256,7 +288,7 @@ public class JNITARNEX {
      * @param rrid not examined
      * @param rrsrc not examined
      * @param rrdst not examined
-     * @param OA class type
+     * @param OA class type; one outside 0 to nbOA - 1 reserves nothing and is not an error
      * @param PL preemption level, 0 to 7
      * @param reservation bandwidth, 0 or more
      * @param colorArray not examined
@@ -266,8 +298,9 @@ public class JNITARNEX {
      * @throws NoRouteToHostException if no admissible path leads from src to dst
      * @throws RoutingException if only preemption was asked for and the LSPs to preempt cannot be
      *         determined
-     * @throws AddDBException if the LSP cannot be added, for instance because its id is in use, or
-     *         a preempted LSP cannot be removed
+     * @throws AddDBException if the LSP cannot be added or a preempted LSP cannot be removed. When
+     *         the id is in use or admission refuses the LSP, the network and {@link #lsps} are
+     *         unchanged
      * @throws IllegalArgumentException if PL or reservation is outside the contract
      */
     public native int[] jnicomputePath(int id, int src, int dst, int rrid, int rrsrc, int rrdst,
