@@ -73,13 +73,15 @@ void describeRefusal(const DBLabelSwitchedPath &backup)
 /** Adds one backup or draws up its preemption list; 0, or -1 when the call has to end. */
 int admit(const BackupArguments &arguments, const DBLabelSwitchedPath &backup)
 {
+    if (!arguments.addLSP && !arguments.preempt)
+        return 0;
     LongVec rerouting{};
     if (longVecInit(&rerouting, -1) != 0)
         return -1;
     const Guard<LongVec, longVecEnd> guard{&rerouting};
     if (arguments.addLSP)
         return DBaddLSP(centralDB, &backup, &rerouting) < 0 ? -1 : 0;
-    if (arguments.preempt && getpreemptList(centralDB, &backup, &rerouting) < 0) {
+    if (getpreemptList(centralDB, &backup, &rerouting) < 0) {
         here.push(CRITICAL, "Impossible to obtain preemptList in %s at line %d");
         std::fputs("Can't obtain preemptList \n", stderr);
     }
@@ -90,15 +92,14 @@ int admit(const BackupArguments &arguments, const DBLabelSwitchedPath &backup)
 int fillRecord(const LSPRequest &req, Long id, const BackupArguments &arguments,
                DBLabelSwitchedPath &lsp)
 {
-    if (longVecCopy(&lsp.path, &req.path) != 0)
-        return -1;
     lsp.id = id;
-    std::ranges::copy(req.bw, lsp.bw);
+    std::copy_n(req.bw, NBOA, lsp.bw);
     lsp.precedence = 0;
     lsp.type = arguments.isGlobal() ? globalBackupLSP : localBackupLSP;
     lsp.primID = arguments.primarylspId;
     lsp.noContentionId = -1;
-    return 0;
+    lsp.path.top = 0;
+    return longVecCopy(&lsp.path, &req.path);
 }
 
 /** Stores the paths in the result and does with each backup what was asked; false: call failed. */
@@ -142,7 +143,7 @@ jobjectArray answer(SessionCall &call, const BackupArguments &arguments, const L
     const Owned<DBLabelSwitchedPath, DBlspDestroy> lsp{DBlspNew()};
     const Owned<LongList, longVecDestroy> ids{longVecNew(-1)};
     if (!lsp || longVecCopy(&lsp->primPath, &primary->path) != 0 || !ids ||
-        readPath(call.env, arguments.backuplspIds, *ids) != 0) {
+        readInts(call.env, arguments.backuplspIds, req.size, *ids) != 0) {
         here.push(CRITICAL, "Impossible to add BACKUP LSP in %s at line %d");
         call.fail(addDBException);
         return nullptr;

@@ -61,7 +61,8 @@ bool checkLSP(JNIEnv *env, const LSPArguments &lsp)
 OwnedLSP makeRecord(JNIEnv *env, const LSPArguments &arguments, DBLSPType type)
 {
     OwnedLSP lsp{DBlspNew()};
-    if (!lsp || readPath(env, arguments.path, lsp->path) != 0)
+    const jsize length = env->GetArrayLength(arguments.path);
+    if (!lsp || readInts(env, arguments.path, length, lsp->path) != 0)
         return nullptr;
     lsp->id = arguments.lspid;
     lsp->precedence = arguments.PL;

@@ -30,15 +30,14 @@ bool readFloats(JNIEnv *env, jfloatArray array, std::span<double> values)
     return true;
 }
 
-int readPath(JNIEnv *env, jintArray array, LongList &path)
+int readInts(JNIEnv *env, jintArray array, jsize count, LongList &list)
 {
-    const jsize length = env->GetArrayLength(array);
-    if (longVecResize(&path, length) != 0)
+    if (longVecResize(&list, count) != 0)
         return -1;
-    env->GetIntArrayRegion(array, 0, length, path.cont);
+    env->GetIntArrayRegion(array, 0, count, list.cont);
     if (env->ExceptionCheck())
         return -1;
-    path.top = length;
+    list.top = count;
     return 0;
 }
 

@@ -59,8 +59,11 @@ bool throwNew(JNIEnv *env, const char *className, const char *message);
 /** Copies the first floats of a long enough array into `values`; false: exception pending. */
 bool readFloats(JNIEnv *env, jfloatArray array, std::span<double> values);
 
-/** Appends all elements of an array to an empty list; 0, or -1 after a message. */
-[[nodiscard]] int readPath(JNIEnv *env, jintArray array, LongList &path);
+/**
+ * Fills an empty list with the first `count` elements of an array that has as many; 0, or -1 after
+ * a message.
+ */
+[[nodiscard]] int readInts(JNIEnv *env, jintArray array, jsize count, LongList &list);
 
 /** New Java array of the given ids; null with the JVM's OutOfMemoryError pending. */
 jintArray newIntArray(JNIEnv *env, std::span<const Long> ids);

@@ -51,8 +51,7 @@ bool checkArray(JNIEnv *env, const char *name, jarray array, jsize minLength)
     const jsize length = env->GetArrayLength(array);
     if (length >= minLength)
         return true;
-    throwIllegalArgument(env, "%s must have at least %d elements, but has %d", name, minLength,
-                         length);
+    throwIllegalArgument(env, "%s needs %d elements or more, but has %d", name, minLength, length);
     return false;
 }
 

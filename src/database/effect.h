@@ -23,8 +23,8 @@ struct LSPView {
     std::span<const Long> primPath; ///< for a backup: path of the protected primary
     const double *bw;               ///< MAXOA bandwidths, per class type
     int precedence;                 ///< preemption level, 0 to MAXPL - 1
-    DBLSPType type;
-    Long noContentionId; ///< -1 when there is no partner
+    DBLSPType type;                 ///< decides which tables change
+    Long noContentionId;            ///< -1 when there is no partner
 };
 
 /** View of a stored or temporary record, valid as long as the record does not change. */

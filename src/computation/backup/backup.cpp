@@ -142,8 +142,10 @@ private:
         evaluateHops(req, REMOVE);
         req.path.top = 0;
         for (const CPDijkNode *node = found; node; node = node->from) {
-            if (longVecPushBack(&req.path, node->node->id) != 0)
+            if (longVecPushBack(&req.path, node->node->id) != 0) {
+                req.path.top = 0;
                 return -1;
+            }
         }
         std::ranges::reverse(inUse(req.path));
         evaluateHops(req, SETUP);

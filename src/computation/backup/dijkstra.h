@@ -31,7 +31,7 @@ struct CPTreeNode_ {
     CPTreeNode_ *leq;    ///< entries with a key less than or equal to this one
     CPTreeNode_ *gt;     ///< entries with a greater key
     double key;          ///< the smallest comes out first
-    CPDijkNode *node;
+    CPDijkNode *node;    ///< the node to settle when the entry comes out
 };
 using CPTreeNode = CPTreeNode_;
 
