@@ -5,6 +5,7 @@ target_compile_options(tarnex_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
     # Results depend on nothing but the inputs: no fused operations, no reordering.
     -ffp-contract=off)
+target_compile_definitions(tarnex_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 if(TARNEX_SANITIZE)
     target_compile_options(tarnex_options INTERFACE
         -fsanitize=${TARNEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -4,6 +4,15 @@
 set -euo pipefail
 source "$(dirname "$0")/lib.sh"
 
+for preset in "$@"; do
+    case "$preset" in
+    release | dev | asan) ;;
+    *)
+        echo "usage: ./scripts/test.sh [release|dev|asan]..." >&2
+        exit 2
+        ;;
+    esac
+done
 presets=("$@")
 [ ${#presets[@]} -gt 0 ] || presets=(release asan)
 install_missing "${build_packages[@]}" libgtest-dev junit5

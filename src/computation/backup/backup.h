@@ -37,7 +37,10 @@ inline constexpr BackupType GLOBAL_BACKUP = 2; ///< one end-to-end backup
 double computeCost(DataBase *dataBase, DBLinkState *const *lsList, Long src, Long dst,
                    const CPDijkNode *dn, const DBLabelSwitchedPath *lsp, BackupType type);
 
-/** Preemption level of a primary's backups: one below its own, the least important one staying. */
+/**
+ * Preemption level at which a primary's backups are searched: one below its own, the least
+ * important one staying. Whoever adds them chooses a level of his own.
+ */
 int backupPrecedence(const DBLabelSwitchedPath &primary);
 
 /**

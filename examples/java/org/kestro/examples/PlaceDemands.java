@@ -74,6 +74,7 @@ public final class PlaceDemands {
                 report.outcome(outcome);
                 outcomes.add(outcome);
             }
+            System.err.println("Engine's own lines while it looks for backups (expected):");
             List<Placement.Protection> protections = placement.protectAll();
             report.protections(protections);
             List<Backup> backups = protections.stream().flatMap(p -> p.backups().stream()).toList();

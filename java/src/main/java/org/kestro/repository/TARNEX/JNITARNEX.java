@@ -339,9 +339,12 @@ public class JNITARNEX {
      * <tr><td>false</td><td>true</td><td>none: the LSPs in the way of each backup are worked out,
      *     but neither removed nor reported</td></tr>
      * <tr><td>true</td><td>false</td><td>the backups are added where they fit</td></tr>
-     * <tr><td>true</td><td>true</td><td>the backups are added; what is reserved at less important
-     *     levels does not count against them, but stays, so that links may be overbooked</td></tr>
+     * <tr><td>true</td><td>true</td><td>the same: adding leaves less important levels out of
+     *     account, but the search has already required room beside everything</td></tr>
      * </table>
+     *
+     * <p>A search that finds nothing leaves only this call's message in the trail; lines on standard
+     * output and standard error tell the rest.
      *
      * <p>Backups preempt nothing by themselves: no call removes an LSP or touches {@link #lsps}.
      * They are added in the order of the result, at level 0 whatever the level of the LSP, and do
@@ -372,7 +375,7 @@ public class JNITARNEX {
      *         crosses no link; null without a live session
      * @throws NoRouteToHostException if there is no such LSP, a backup cannot be found, or a global
      *         one is asked for an LSP that crosses no link
-     * @throws AddDBException if a backup cannot be added, for instance because its id is in use
+     * @throws AddDBException if a backup cannot be added: its id is negative, too large or in use
      * @throws IllegalArgumentException if backuplspIds is null or has fewer elements than there are
      *         backups; nothing is added then
      */
