@@ -32,6 +32,19 @@ using Owned = std::unique_ptr<T, Releaser<releaseRecord>>;
 template <class T, auto endRecord>
 using Guard = std::unique_ptr<T, Releaser<endRecord>>;
 
+/** A vector record as a member or on the stack, ended with its scope if it was initialised. */
+template <class Vec, auto endRecord>
+struct Scoped : Vec {
+    Scoped() { static_cast<Vec &>(*this) = {}; }
+    ~Scoped()
+    {
+        if (this->cont)
+            static_cast<void>(endRecord(this));
+    }
+    Scoped(const Scoped &) = delete;
+    Scoped &operator=(const Scoped &) = delete;
+};
+
 /** Ends a heap record and frees it, as every Destroy does; -1 when its End refuses it. */
 template <auto endRecord, class T>
 int destroyRecord(T *record)

@@ -5,29 +5,17 @@
 #include "database/reservation.h"
 #include "error/report.h"
 
-#include <algorithm>
-
 namespace
 {
 
 constexpr Unit here{"database/database"};
 
 using Path = std::span<const Long>;
-using ListGuard = Guard<LongList, longVecEnd>;
 
 /** The links already handled in the present walk, by link id. */
 class ProcessedLinks
 {
 public:
-    ProcessedLinks() = default;
-    ~ProcessedLinks()
-    {
-        if (isProcessed.cont)
-            longVecEnd(&isProcessed);
-    }
-    ProcessedLinks(const ProcessedLinks &) = delete;
-    ProcessedLinks &operator=(const ProcessedLinks &) = delete;
-
     [[nodiscard]] int init(const DataBase &db)
     {
         return longVecInit(&isProcessed, db.linkSrcVec.size);
@@ -40,7 +28,8 @@ public:
     void startNextWalk() { walk += 1; }
 
 private:
-    LongVec isProcessed{}; ///< number of the last walk that handled the link, 0 for none
+    /** Number of the last walk that handled the link, 0 for none. */
+    Scoped<LongVec, longVecEnd> isProcessed;
     Long walk = 1;
 };
 
@@ -60,7 +49,6 @@ public:
             return here.fail("Unable to initialize vector of longs in %s at line %d");
         if (longVecInit(&idList, -1) != 0)
             return here.fail("Unable to initialize list of longs in %s at line %d");
-        const ListGuard guard{&idList};
         if (walk(inUse(lsp.path), processed, false) != 0)
             return -1;
         return isBackup(lsp.type) ? walk(inUse(lsp.primPath), processed, true) : 0;
@@ -102,7 +90,7 @@ private:
     DataBase &db;
     const DBLabelSwitchedPath &lsp;
     LongList *preemptList;
-    LongList idList{};
+    Scoped<LongList, longVecEnd> idList;
     double rerouteGain[MAXOA] = {}; ///< zeroed once, then left to the predicate
     bool allowLSP = true;
 };

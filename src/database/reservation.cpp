@@ -173,8 +173,7 @@ void spreadOverLevels(const double (&pbw)[MAXPL], const Needs &largest, double (
     }
 }
 
-/** Raises `largest` by the rows that an effect may lift above 0, of slots that are not needy yet.
- */
+/** Raises `largest` by the rows that an effect may lift above 0, of slots not needy yet. */
 void raiseByChanges(const DataBase &db, const OverlaidTables &tables, int oa, Needs &largest)
 {
     Long last = -1;

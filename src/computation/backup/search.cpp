@@ -22,8 +22,6 @@ bool contains(std::span<const Long> ids, Long id)
 BackupSearch::~BackupSearch()
 {
     CPendPQ(&toBeTreated);
-    if (forbiddenLinks.cont)
-        longVecEnd(&forbiddenLinks);
     if (!nodeList)
         return;
     for (Long id = 0; id < nbIds; ++id) {

@@ -5,6 +5,7 @@
 #ifndef TARNEX_COMPUTATION_BACKUP_SEARCH_H
 #define TARNEX_COMPUTATION_BACKUP_SEARCH_H
 
+#include "common/records.h"
 #include "computation/backup/backup.h"
 #include "computation/backup/working_states.h"
 
@@ -56,7 +57,7 @@ private:
     Long nbIds = 0;
     CPDijkNode **nodeList = nullptr; ///< by node id, null without a node; counted blocks
     CPPrioQueue toBeTreated{};       ///< the frontier, keyed by path cost
-    LongList forbiddenLinks{};
+    Scoped<LongList, longVecEnd> forbiddenLinks;
 };
 
 #endif

@@ -29,8 +29,6 @@ public:
     }
     ~Search()
     {
-        if (activeNodes.cont)
-            longVecEnd(&activeNodes);
         if (activeFlags)
             myfree(activeFlags);
     }
@@ -161,7 +159,7 @@ private:
     const LSPRequest *req;
     Long src;
     Long size; ///< one more than the largest placed id
-    LongList activeNodes{};
+    Scoped<LongList, longVecEnd> activeNodes;
     Stage *activeFlags = nullptr;
 };
 

@@ -36,8 +36,6 @@ public:
     }
     ~TopologyBuilder()
     {
-        if (toDoNodes.cont)
-            longVecEnd(&toDoNodes);
         if (activeFlags)
             myfree(activeFlags);
         if (tmpNode.inNeighb.cont)
@@ -158,7 +156,7 @@ private:
     const LSPRequest *req;
     BKTopology *topo;
     Long nbIds = 0;
-    LongList toDoNodes{};
+    Scoped<LongList, longVecEnd> toDoNodes;
     Stage *activeFlags = nullptr;
     BKNode tmpNode{};
 };
