@@ -85,13 +85,14 @@ template <class Vec>
            adopt(vec, mygrow(vec.cont, bytesFor<Vec>(newSize)), newSize);
 }
 
-/** Makes room for one more element by doubling; the added slots are not cleared. */
+/** Makes room for `count` more elements, at least by doubling; added slots are not cleared. */
 template <class Vec>
-[[nodiscard]] bool makeRoom(Vec &vec)
+[[nodiscard]] bool makeRoom(Vec &vec, Long count = 1)
 {
-    if (vec.top < vec.size)
+    const std::int64_t needed = std::int64_t{vec.top} + count;
+    if (needed <= vec.size)
         return true;
-    const std::int64_t newSize = std::max(std::int64_t{1}, std::int64_t{vec.size} * 2);
+    const std::int64_t newSize = std::max(needed, std::int64_t{vec.size} * 2);
     return newSize <= std::numeric_limits<Long>::max() &&
            adopt(vec, myrealloc(vec.cont, bytesFor<Vec>(newSize)), newSize);
 }

@@ -1,6 +1,7 @@
 #include "database/admission.h"
 
 #include "common/records.h"
+#include "common/vector.h"
 #include "database/admission_questions.h"
 #include "database/reservation.h"
 #include "error/report.h"
@@ -12,26 +13,37 @@ constexpr Unit here{"database/database"};
 
 using Path = std::span<const Long>;
 
-/** The links already handled in the present walk, by link id. */
-class ProcessedLinks
+/** How often `src` and `dst` follow each other on a path. */
+Long countHop(Path path, Long src, Long dst)
 {
-public:
-    [[nodiscard]] int init(const DataBase &db)
-    {
-        return longVecInit(&isProcessed, db.linkSrcVec.size);
-    }
-    [[nodiscard]] int mark(Long link) { return longVecSet(&isProcessed, link, walk); }
-    bool contains(Long link) const
-    {
-        return link < isProcessed.size && isProcessed.cont[link] == walk;
-    }
-    void startNextWalk() { walk += 1; }
+    Long count = 0;
+    for (std::size_t i = 1; i < path.size(); ++i)
+        count += path[i - 1] == src && path[i] == dst ? 1 : 0;
+    return count;
+}
 
-private:
-    /** Number of the last walk that handled the link, 0 for none. */
-    Scoped<LongVec, longVecEnd> isProcessed;
-    Long walk = 1;
-};
+/**
+ * Calls `visit(src, dst, isOnPath)` for every hop of an LSP's path and, for a backup, every hop of
+ * the protected path that did not come before; stops at the first result that is not 0 and
+ * returns it.
+ */
+template <class Visit>
+int forEachConcernedHop(const DBLabelSwitchedPath &lsp, Visit visit)
+{
+    int result = 0;
+    const Path path = inUse(lsp.path);
+    for (std::size_t i = 1; i < path.size() && result == 0; ++i)
+        result = visit(path[i - 1], path[i], true);
+    if (!isBackup(lsp.type))
+        return result;
+    const Path primPath = inUse(lsp.primPath);
+    for (std::size_t i = 1; i < primPath.size() && result == 0; ++i) {
+        const auto [src, dst] = std::pair{primPath[i - 1], primPath[i]};
+        if (!hasHop(path, src, dst) && !hasHop(primPath.first(i), src, dst))
+            result = visit(src, dst, false);
+    }
+    return result;
+}
 
 /** The walk over an LSP's links that asks the predicate and collects what to preempt. */
 class AdmissionWalk
@@ -43,34 +55,24 @@ public:
     }
 
     /** Walks until a link refuses; 0, or -1 after a message. */
-    int run(ProcessedLinks &processed)
+    int run()
     {
-        if (processed.init(db) != 0)
-            return here.fail("Unable to initialize vector of longs in %s at line %d");
         if (longVecInit(&idList, -1) != 0)
             return here.fail("Unable to initialize list of longs in %s at line %d");
-        if (walk(inUse(lsp.path), processed, false) != 0)
-            return -1;
-        return isBackup(lsp.type) ? walk(inUse(lsp.primPath), processed, true) : 0;
+        const int result = forEachConcernedHop(lsp, [this](Long src, Long dst, bool) {
+            const int asked = askLink(src, dst);
+            return asked == 0 && !allowLSP ? refused : asked;
+        });
+        return result == refused ? 0 : result;
     }
 
     bool isAllowed() const { return allowLSP; }
 
 private:
-    int walk(Path path, ProcessedLinks &processed, bool skipProcessed)
-    {
-        for (std::size_t i = 0; i + 1 < path.size() && allowLSP; ++i) {
-            const DBLink *link = linkAt(db.linkTab, path[i], path[i + 1]);
-            if (skipProcessed && link && processed.contains(link->id))
-                continue;
-            if (askLink(path[i], path[i + 1], processed) != 0)
-                return -1;
-        }
-        return 0;
-    }
+    static constexpr int refused = 1;
 
     /** A link that refuses is carried through all steps; the walk stops after it. */
-    int askLink(Long src, Long dst, ProcessedLinks &processed)
+    int askLink(Long src, Long dst)
     {
         const DBLSPList *lspList = DBgetLinkLSPs(&db, src, dst);
         if (!lspList)
@@ -82,8 +84,6 @@ private:
             return here.fail("Unable choose LSPs for rerouting in %s at line %d");
         if (longListMerge(&idList, preemptList, preemptList) != 0)
             return here.fail("Unable to merge lists of longs in %s at line %d");
-        if (processed.mark(link.id) != 0)
-            return here.fail("Unable to initialize vector of longs in %s at line %d");
         return 0;
     }
 
@@ -95,17 +95,43 @@ private:
     bool allowLSP = true;
 };
 
-/** Copies `lsp` and stores the copy at its id; null, with nothing changed, after a message. */
-DBLabelSwitchedPath *storeCopy(DataBase &db, const DBLabelSwitchedPath &lsp)
+/**
+ * Makes room on every link that the stored `lsp` concerns for what `op` writes there, so that
+ * updateLinks cannot stop half way for lack of memory; 0, or -1 after a message.
+ */
+int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, Effect &effect)
+{
+    const Path path = inUse(lsp.path);
+    return forEachConcernedHop(lsp, [&](Long src, Long dst, bool isOnPath) {
+        DBLink *link = linkAt(db.linkTab, src, dst);
+        if (!link)
+            return 0;
+        effectOf(db, src, dst, viewOf(lsp), op, effect);
+        if (effect.flaw == EffectFlaw::noMemory)
+            return report(db, effect);
+        if (makeRoomFor(effect, link->state) != 0)
+            return -1;
+        const bool isListed = isOnPath && op == SETUP;
+        return !isListed || vec::makeRoom(link->lspList, countHop(path, src, dst))
+                   ? 0
+                   : here.fail("Critical lack of memory in %s at line %d");
+    });
+}
+
+/** Stores a copy of `lsp` at its id, with room on its links; null, nothing changed, on failure. */
+DBLabelSwitchedPath *storeCopy(DataBase &db, const DBLabelSwitchedPath &lsp, Effect &effect)
 {
     Owned<DBLabelSwitchedPath, DBlspDestroy> copy{DBlspNew()};
     if (!copy)
         return here.null("Unable to create LSP in %s at line %d");
     if (DBlspCopy(copy.get(), &lsp) != 0)
         return here.null("Unable to create a valid LSP copy in %s at line %d");
-    if (DBlspVecSet(&db.lspVec, copy.get(), copy->id) != 0)
-        return here.null("Unable to insert LSP in the general LSP container in %s at line %d");
-    return copy.release();
+    const bool isStored = DBlspVecSet(&db.lspVec, copy.get(), copy->id) == 0;
+    if (isStored && makeRoom(db, *copy, SETUP, effect) == 0)
+        return copy.release();
+    if (isStored)
+        static_cast<void>(DBlspVecRemove(&db.lspVec, copy->id));
+    return here.null("Unable to insert LSP in the general LSP container in %s at line %d");
 }
 
 /** Makes the stored LSP and its no-contention partner point at each other. */
@@ -143,32 +169,20 @@ int updateList(DBLSPList &list, DBLabelSwitchedPath *lsp, operation op)
  * Applies `op` to every link that the stored `lsp` concerns: listed on the links of its path, not
  * on those of the protected path. All links are attempted; -1 when one failed or is gone.
  */
-int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, ProcessedLinks &processed)
+int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, Effect &effect)
 {
     int result = 0;
-    const auto update = [&](Long src, Long dst, DBLink &link) {
-        result |= updateLS(&db, src, dst, &link.state, lsp, op);
-        result |= processed.mark(link.id);
-    };
-
-    const Path path = inUse(lsp->path);
-    for (std::size_t i = 0; i + 1 < path.size(); ++i) {
-        DBLink *link = linkAt(db.linkTab, path[i], path[i + 1]);
-        result |= link ? updateList(link->lspList, lsp, op) : -1;
-        if (link)
-            update(path[i], path[i + 1], *link);
-    }
-    if (!isBackup(lsp->type))
-        return result;
-
-    const Path primPath = inUse(lsp->primPath);
-    for (std::size_t i = 0; i + 1 < primPath.size(); ++i) {
-        DBLink *link = linkAt(db.linkTab, primPath[i], primPath[i + 1]);
-        if (!link)
+    static_cast<void>(forEachConcernedHop(*lsp, [&](Long src, Long dst, bool isOnPath) {
+        DBLink *link = linkAt(db.linkTab, src, dst);
+        if (!link) {
             result = -1;
-        else if (!processed.contains(link->id))
-            update(primPath[i], primPath[i + 1], *link);
-    }
+            return 0;
+        }
+        if (isOnPath)
+            result |= updateList(link->lspList, lsp, op);
+        result |= updateLink(db, src, dst, link->state, viewOf(*lsp), op, effect);
+        return 0;
+    }));
     return result;
 }
 
@@ -178,27 +192,25 @@ int getpreemptList(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList 
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
-    ProcessedLinks processed;
-    return AdmissionWalk{*dataBase, *lsp, preemptList}.run(processed);
+    return AdmissionWalk{*dataBase, *lsp, preemptList}.run();
 }
 
 int DBaddLSP(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList *preemptList)
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
-    ProcessedLinks processed;
     AdmissionWalk walk{*dataBase, *lsp, preemptList};
-    if (walk.run(processed) != 0)
+    if (walk.run() != 0)
         return -1;
     if (!walk.isAllowed())
         return here.fail("LSP refused by the predicate in %s at line %d");
 
-    DBLabelSwitchedPath *stored = storeCopy(*dataBase, *lsp);
+    Effect effect;
+    DBLabelSwitchedPath *stored = storeCopy(*dataBase, *lsp, effect);
     if (!stored)
         return -1;
     pairWithPartner(*dataBase, *stored);
-    processed.startNextWalk();
-    if (updateLinks(*dataBase, stored, SETUP, processed) != 0)
+    if (updateLinks(*dataBase, stored, SETUP, effect) != 0)
         return here.fail("LSP addition uncomplete in %s at line %d");
     return 0;
 }
@@ -210,12 +222,12 @@ int DBremoveLSP(DataBase *dataBase, Long id)
     DBLabelSwitchedPath *lsp = DBgetLSP(dataBase, id);
     if (!lsp)
         return here.fail("Trying to remove inexistent LSP (id = %ld) in %s at line %d", long{id});
-    ProcessedLinks processed;
-    if (processed.init(*dataBase) != 0)
+    Effect effect;
+    if (makeRoom(*dataBase, *lsp, REMOVE, effect) != 0)
         return here.fail("LSP removal uncomplete in %s at line %d");
 
     const Owned<DBLabelSwitchedPath, DBlspDestroy> removed{lsp};
-    int result = updateLinks(*dataBase, lsp, REMOVE, processed);
+    int result = updateLinks(*dataBase, lsp, REMOVE, effect);
     result |= DBlspVecRemove(&dataBase->lspVec, id);
     unpairPartner(*dataBase, *lsp);
     return result == 0 ? 0 : here.fail("LSP removal uncomplete in %s at line %d");

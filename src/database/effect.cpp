@@ -33,13 +33,6 @@ std::ptrdiff_t hopPosition(Path path, Long src, Long dst)
     return isHop ? k : -1;
 }
 
-/** Whether src->dst are consecutive anywhere on the path. */
-bool hasHop(Path path, Long src, Long dst)
-{
-    const std::array hop{src, dst};
-    return std::search(path.begin(), path.end(), hop.begin(), hop.end()) != path.end();
-}
-
 /** The LSP's bandwidth that comes on top of its partner's on a link they share. */
 double partnerAmount(const LSPView &lsp, const DBLabelSwitchedPath &partner, int oa)
 {
@@ -48,7 +41,7 @@ double partnerAmount(const LSPView &lsp, const DBLabelSwitchedPath &partner, int
     return std::max(0.0, lsp.bw[oa] - partner.bw[oa]);
 }
 
-/** Builds one effect; the helpers return 0, or -1 after a message. */
+/** Builds one effect; a helper that meets a flaw notes it and returns false. */
 class EffectBuilder
 {
 public:
@@ -58,35 +51,44 @@ public:
     {
     }
 
-    int build(operation op)
+    void build(operation op)
     {
         const bool onPath = hopPosition(lsp.path, src, dst) >= 0;
         if (onPath && lsp.noContentionId >= 0)
             findPartner();
         const std::ptrdiff_t primHop =
             isBackup(lsp.type) ? hopPosition(lsp.primPath, src, dst) : -1;
-        if (!onPath && primHop < 0)
-            return 0;
-        effect.concerned = true;
-        if (op != SETUP && op != REMOVE)
-            return here.fail("Bad argument (unknown operation) in %s at line %d");
-        if (lsp.precedence < 0 || lsp.precedence >= MAXPL)
-            return here.fail("Bad argument (wrong index) in %s at line %d");
+        effect.concerned = onPath || primHop >= 0;
+        if (!effect.concerned || !checkArguments(op))
+            return;
         setAmounts(op == SETUP ? 1.0 : -1.0);
         if (lsp.type == localBackupLSP)
-            return localBackup(onPath, primHop);
-        if (lsp.type == globalBackupLSP)
-            return globalBackup(onPath, primHop);
-        return primary();
+            localBackup(onPath, primHop);
+        else if (lsp.type == globalBackupLSP)
+            globalBackup(onPath, primHop);
+        else
+            primary();
     }
 
 private:
+    bool stop(EffectFlaw flaw)
+    {
+        effect.flaw = flaw;
+        return false;
+    }
+
     void findPartner()
     {
         partner = DBgetLSP(&db, lsp.noContentionId);
-        if (!partner)
-            here.push(WARNING, "Cannot find the old LSP in %s at line %d");
+        effect.partnerMissing = !partner;
         rerouting = partner && hopPosition(inUse(partner->path), src, dst) >= 0;
+    }
+
+    bool checkArguments(operation op)
+    {
+        if (op != SETUP && op != REMOVE)
+            return stop(EffectFlaw::unknownOperation);
+        return (lsp.precedence >= 0 && lsp.precedence < MAXPL) || stop(EffectFlaw::wrongLevel);
     }
 
     void setAmounts(double mult)
@@ -98,45 +100,43 @@ private:
         }
     }
 
-    int primary()
+    bool primary()
     {
         std::ranges::copy(rerouting ? effect.partner : effect.own, effect.primary);
-        if (partner && checkLinks(inUse(partner->path)) != 0)
-            return -1;
+        if (partner && !checkLinks(inUse(partner->path)))
+            return false;
         for (std::size_t i = 0; i + 1 < lsp.path.size(); ++i) {
             const bool shared =
                 rerouting && hasHop(inUse(partner->path), lsp.path[i], lsp.path[i + 1]);
-            if (change(lsp.path[i], lsp.path[i + 1], FailureTable::freed, shared, 1) != 0)
-                return -1;
+            if (!change(lsp.path[i], lsp.path[i + 1], FailureTable::freed, shared, 1))
+                return false;
         }
-        return 0;
+        return true;
     }
 
-    int localBackup(bool onPath, std::ptrdiff_t primHop)
+    bool localBackup(bool onPath, std::ptrdiff_t primHop)
     {
         const std::ptrdiff_t b = firstProtected();
         if (b < 0 || b == lastPosition(lsp.primPath))
-            return here.fail("Cannot determine the link to protect in %s at line %d");
+            return stop(EffectFlaw::noProtectedLink);
         const Long head = nodeOn(lsp.primPath, b);
         const Long tail = nodeOn(lsp.primPath, b + 1);
-        if (checkLink(head, tail) != 0)
-            return -1;
-        if (onPath && change(head, tail, FailureTable::backup, rerouting, 1) != 0)
-            return -1;
+        if (!checkLink(head, tail) ||
+            (onPath && !change(head, tail, FailureTable::backup, rerouting, 1)))
+            return false;
         const std::ptrdiff_t e = positionOf(lsp.primPath, lsp.path.back(), b);
         const bool bypassed = primHop >= b && primHop < e;
-        return primHop >= 0 && !bypassed ? change(head, tail, FailureTable::freed, rerouting, -1)
-                                         : 0;
+        return primHop < 0 || bypassed || change(head, tail, FailureTable::freed, rerouting, -1);
     }
 
-    int globalBackup(bool onPath, std::ptrdiff_t primHop)
+    bool globalBackup(bool onPath, std::ptrdiff_t primHop)
     {
         const std::ptrdiff_t b = firstProtected();
         if (b < 0)
-            return here.fail("Cannot determine the link to protect in %s at line %d");
-        if (onPath && changeHops(b, lastPosition(lsp.primPath), FailureTable::backup, 1) != 0)
-            return -1;
-        return primHop >= 0 ? changeHops(0, b, FailureTable::freed, -1) : 0;
+            return stop(EffectFlaw::noProtectedLink);
+        if (onPath && !changeHops(b, lastPosition(lsp.primPath), FailureTable::backup, 1))
+            return false;
+        return primHop < 0 || changeHops(0, b, FailureTable::freed, -1);
     }
 
     /** Position on the protected path at which the backup starts; -1 when it is not on it. */
@@ -145,40 +145,43 @@ private:
         return lsp.path.empty() ? -1 : positionOf(lsp.primPath, lsp.path.front());
     }
 
-    int changeHops(std::ptrdiff_t from, std::ptrdiff_t to, FailureTable table, signed char sign)
+    bool changeHops(std::ptrdiff_t from, std::ptrdiff_t to, FailureTable table, signed char sign)
     {
         for (std::ptrdiff_t i = from; i < to; ++i) {
-            if (change(nodeOn(lsp.primPath, i), nodeOn(lsp.primPath, i + 1), table, rerouting,
-                       sign) != 0)
-                return -1;
+            if (!change(nodeOn(lsp.primPath, i), nodeOn(lsp.primPath, i + 1), table, rerouting,
+                        sign))
+                return false;
         }
-        return 0;
+        return true;
     }
 
-    int change(Long head, Long tail, FailureTable table, bool shared, signed char sign)
+    bool change(Long head, Long tail, FailureTable table, bool shared, signed char sign)
     {
-        const Long id = DBgetLinkID(&db, head, tail);
-        if (id < 0)
-            return here.fail("Cannot determine link ID in %s at line %d");
-        if (!effect.slots.append({id, table, shared, sign}))
-            return here.fail("Critical lack of memory in %s at line %d");
-        return 0;
+        const DBLink *link = linkAt(db.linkTab, head, tail);
+        if (!link)
+            return stopAt(head, tail);
+        return effect.slots.append({link->id, table, shared, sign}) || stop(EffectFlaw::noMemory);
     }
 
-    int checkLink(Long head, Long tail) const
+    bool checkLink(Long head, Long tail)
     {
-        return DBgetLinkID(&db, head, tail) >= 0
-                   ? 0
-                   : here.fail("Cannot determine link ID in %s at line %d");
+        return linkAt(db.linkTab, head, tail) || stopAt(head, tail);
     }
 
-    int checkLinks(Path path) const
+    bool checkLinks(Path path)
     {
         for (std::size_t i = 0; i + 1 < path.size(); ++i) {
-            if (checkLink(path[i], path[i + 1]) != 0)
-                return -1;
+            if (!checkLink(path[i], path[i + 1]))
+                return false;
         }
-        return 0;
+        return true;
+    }
+
+    bool stopAt(Long head, Long tail)
+    {
+        effect.missingHop[0] = head;
+        effect.missingHop[1] = tail;
+        return stop(EffectFlaw::noLink);
     }
 
     const DataBase &db;
@@ -201,22 +204,26 @@ SlotChanges::~SlotChanges()
         myfree(items);
 }
 
+bool SlotChanges::reserve(std::size_t changes)
+{
+    if (changes <= capacity)
+        return true;
+    const bool isInline = items == inlineItems.data();
+    const std::size_t bytes = changes * sizeof(SlotChange);
+    auto *larger = static_cast<SlotChange *>(isInline ? mymalloc(bytes) : myrealloc(items, bytes));
+    if (!larger)
+        return false;
+    if (isInline)
+        std::copy_n(items, count, larger);
+    items = larger;
+    capacity = changes;
+    return true;
+}
+
 bool SlotChanges::append(SlotChange change)
 {
-    if (change.slot >= maxSlots)
+    if (change.slot >= maxSlots || (count == capacity && !reserve(2 * capacity)))
         return false;
-    if (count == capacity) {
-        const bool isInline = items == inlineItems.data();
-        const std::size_t bytes = 2 * capacity * sizeof(SlotChange);
-        auto *larger =
-            static_cast<SlotChange *>(isInline ? mymalloc(bytes) : myrealloc(items, bytes));
-        if (!larger)
-            return false;
-        if (isInline)
-            std::ranges::copy(inlineItems, larger);
-        items = larger;
-        capacity *= 2;
-    }
     change.order = static_cast<Long>(count);
     items[count++] = change;
     return true;
@@ -248,8 +255,41 @@ LSPView viewOf(const DBLabelSwitchedPath &lsp)
             lsp.type,        lsp.noContentionId};
 }
 
-int effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operation op,
-             Effect &effect)
+bool hasHop(std::span<const Long> path, Long src, Long dst)
 {
-    return EffectBuilder{db, src, dst, lsp, effect}.build(op);
+    const std::array hop{src, dst};
+    return std::search(path.begin(), path.end(), hop.begin(), hop.end()) != path.end();
+}
+
+void effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operation op,
+              Effect &effect)
+{
+    effect.partnerMissing = false;
+    effect.flaw = EffectFlaw::none;
+    effect.slots.clear();
+    std::ranges::fill(effect.primary, 0.0);
+    EffectBuilder{db, src, dst, lsp, effect}.build(op);
+}
+
+int report(const DataBase &db, const Effect &effect)
+{
+    if (effect.partnerMissing)
+        here.push(WARNING, "Cannot find the old LSP in %s at line %d");
+    switch (effect.flaw) {
+    case EffectFlaw::none:
+        return 0;
+    case EffectFlaw::unknownOperation:
+        return here.fail("Bad argument (unknown operation) in %s at line %d");
+    case EffectFlaw::wrongLevel:
+        return here.fail("Bad argument (wrong index) in %s at line %d");
+    case EffectFlaw::noProtectedLink:
+        return here.fail("Cannot determine the link to protect in %s at line %d");
+    case EffectFlaw::noLink:
+        // The lookup itself reports ids that no node can have.
+        static_cast<void>(DBgetLinkID(&db, effect.missingHop[0], effect.missingHop[1]));
+        return here.fail("Cannot determine link ID in %s at line %d");
+    case EffectFlaw::noMemory:
+        return here.fail("Critical lack of memory in %s at line %d");
+    }
+    return -1;
 }

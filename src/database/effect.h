@@ -2,8 +2,9 @@
  * What setting up or removing an LSP changes on one link.
  *
  * The effect is a list, in the order in which the changes apply: which slots of the link's failure
- * tables change, and by which amount per class type. Working it out touches no state. Applying it
- * to a state, and asking what it would give without applying it, both start from the same list.
+ * tables change, and by which amount per class type. Working it out touches no state and reports
+ * nothing. Applying it to a state, and asking what it would give without applying it, both start
+ * from the same list.
  */
 #ifndef TARNEX_DATABASE_EFFECT_H
 #define TARNEX_DATABASE_EFFECT_H
@@ -51,8 +52,12 @@ public:
     SlotChanges(const SlotChanges &) = delete;
     SlotChanges &operator=(const SlotChanges &) = delete;
 
+    /** Makes room for `changes` changes; false, with the list as it was, without memory. */
+    [[nodiscard]] bool reserve(std::size_t changes);
     /** Appends a change; false without memory, or when no table could ever be that long. */
     [[nodiscard]] bool append(SlotChange change);
+    /** Empties the list and keeps its room. */
+    void clear() { count = 0; }
     /** All changes, in the order in which they apply until sortBySlot is called. */
     std::span<const SlotChange> all() const { return {items, count}; }
 
@@ -68,14 +73,30 @@ private:
     std::size_t count = 0;
 };
 
+/** Why an effect ends before all its changes are listed. */
+enum class EffectFlaw : unsigned char {
+    none,
+    unknownOperation,
+    wrongLevel,
+    noProtectedLink, ///< the protected path does not show which link the backup protects
+    noLink,          ///< a hop of the LSP or of its partner is not a link
+    noMemory
+};
+
 /** What one operation of one LSP changes on one link; all changes are at level `level`. */
 struct Effect {
-    bool concerned = false;     ///< false: the link carries and protects nothing of the LSP
+    bool concerned = false;      ///< false: the link carries and protects nothing of the LSP
+    bool partnerMissing = false; ///< the LSP names a no-contention partner that is not stored
+    EffectFlaw flaw = EffectFlaw::none;
+    Long missingHop[2] = {};    ///< for `noLink`: the ends of the hop
     int level = 0;              ///< preemption level of every change
     double primary[MAXOA] = {}; ///< added to `pbw`, signed; 0 for a backup
     double own[MAXOA] = {};     ///< the LSP's bandwidths, signed
     double partner[MAXOA] = {}; ///< the partner amounts, signed
     SlotChanges slots;
+
+    /** Whether every change is listed. */
+    bool isWhole() const { return flaw == EffectFlaw::none; }
 
     /** Whether any value of class type `oa` changes. */
     bool changes(int oa) const { return own[oa] != 0.0 || partner[oa] != 0.0; }
@@ -96,11 +117,20 @@ struct Effect {
  * protects and, on the primary's links that it does not bypass, takes back what that failure frees;
  * a global backup does the same for every link of the primary from its first node on.
  *
- * @param effect a fresh effect; after a failure it holds the changes that come before it
- * @return 0, also when the link does not concern the LSP; -1 after a message when a link of the LSP
- *         cannot be determined or the operation is unknown
+ * @param effect what it held is replaced; the room of its list is used again. With a flaw it holds
+ *        the changes that come before it.
  */
-[[nodiscard]] int effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operation op,
-                           Effect &effect);
+void effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operation op,
+              Effect &effect);
+
+/**
+ * Pushes the messages of an effect: a WARNING for a missing partner, and what its flaw is.
+ *
+ * @return 0, or -1 when the effect is not whole
+ */
+[[nodiscard]] int report(const DataBase &db, const Effect &effect);
+
+/** Whether `src` and `dst` follow each other anywhere on the path. */
+bool hasHop(std::span<const Long> path, Long src, Long dst);
 
 #endif

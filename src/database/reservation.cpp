@@ -228,21 +228,15 @@ int forEachChange(DBLinkState &ls, const Effect &effect, Visit visit)
     return 0;
 }
 
-/** Applies an effect to the tables; a table that cannot grow leaves them all as they were. */
-int apply(const Effect &effect, DBLinkState &ls)
+/** Applies an effect to tables that have the room for it. */
+void apply(const Effect &effect, DBLinkState &ls)
 {
-    const auto growFor = [](DoubleVec &table, Long slot, double) {
-        return slot < table.size ? 0 : dblVecResize(&table, slot + 1);
-    };
-    const auto add = [](DoubleVec &table, Long slot, double amount) {
-        table.cont[slot] += amount;
-        return 0;
-    };
-    if (forEachChange(ls, effect, growFor) != 0)
-        return -1;
     for (int oa = 0; oa < MAXOA; ++oa)
         ls.pbw[oa][effect.level] += effect.primary[oa];
-    return forEachChange(ls, effect, add);
+    static_cast<void>(forEachChange(ls, effect, [](DoubleVec &table, Long slot, double amount) {
+        table.cont[slot] += amount;
+        return 0;
+    }));
 }
 
 /** Finds the primary that a backup protects, null for a primary; 0, or -1 after a message. */
@@ -299,18 +293,33 @@ int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL], const double 
     return 0;
 }
 
+int makeRoomFor(const Effect &effect, DBLinkState &ls)
+{
+    return forEachChange(ls, effect, [](DoubleVec &table, Long slot, double) {
+        return slot < table.size ? 0 : dblVecResize(&table, slot + 1);
+    });
+}
+
+int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView &lsp, operation op,
+               Effect &effect)
+{
+    effectOf(db, src, dst, lsp, op, effect);
+    const int listed = report(db, effect);
+    if (!effect.concerned || effect.flaw == EffectFlaw::noMemory)
+        return listed;
+    if (makeRoomFor(effect, ls) != 0)
+        return -1;
+    apply(effect, ls);
+    return listed == 0 ? computeRBW(&db, ls.rbw, ls.pbw, ls.bbw, ls.fbw) : -1;
+}
+
 int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
              const DBLabelSwitchedPath *lsp, operation op)
 {
     if (!dataBase || !ls || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
     Effect effect;
-    const int listed = effectOf(*dataBase, src, dst, viewOf(*lsp), op, effect);
-    if (!effect.concerned)
-        return listed;
-    if (apply(effect, *ls) != 0 || listed != 0)
-        return -1;
-    return computeRBW(dataBase, ls->rbw, ls->pbw, ls->bbw, ls->fbw);
+    return updateLink(*dataBase, src, dst, *ls, viewOf(*lsp), op, effect);
 }
 
 int evalLS(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS, DBLinkState *oldLS,
@@ -363,7 +372,8 @@ int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DB
         return here.fail("Wrong path in request in %s at line %d");
 
     Effect effect;
-    if (effectOf(*dataBase, src, dst, candidate.lsp, SETUP, effect) != 0)
+    effectOf(*dataBase, src, dst, candidate.lsp, SETUP, effect);
+    if (report(*dataBase, effect) != 0)
         return -1;
     if (!effect.concerned) {
         std::memcpy(rbw, ls->rbw, sizeof ls->rbw);

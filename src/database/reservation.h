@@ -28,6 +28,13 @@
                              const DoubleVec fbw[MAXOA][MAXPL]);
 
 /**
+ * Grows the tables of a state for every change of an effect; without memory some have grown.
+ *
+ * @return 0, or -1 after a message
+ */
+[[nodiscard]] int makeRoomFor(const Effect &effect, DBLinkState &ls);
+
+/**
  * Applies `lsp` with `op` to `ls`, the state of the link from `src` to `dst`, and recomputes `rbw`.
  *
  * @return 0, also when the link does not concern the LSP (nothing changes then); -1 on failure:
@@ -35,6 +42,10 @@
  */
 [[nodiscard]] int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
                            const DBLabelSwitchedPath *lsp, operation op);
+
+/** As updateLS, with a list that the caller keeps: `effect` holds what was applied. */
+[[nodiscard]] int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView &lsp,
+                             operation op, Effect &effect);
 
 /**
  * Makes `newLS` the state that the link from `src` to `dst`, now in state `oldLS`, would have after
