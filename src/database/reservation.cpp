@@ -212,31 +212,18 @@ DoubleVec &tableOf(DBLinkState &ls, FailureTable table, int oa, int p)
     return table == FailureTable::backup ? ls.bbw[oa][p] : ls.fbw[oa][p];
 }
 
-/** Calls `visit(vector, slot, amount)` for every change that changes a value, in order. */
-template <class Visit>
-int forEachChange(DBLinkState &ls, const Effect &effect, Visit visit)
-{
-    for (const SlotChange &change : effect.slots.all()) {
-        for (int oa = 0; oa < MAXOA; ++oa) {
-            const double amount = effect.amount(change, oa);
-            if (amount == 0.0)
-                continue;
-            if (visit(tableOf(ls, change.table, oa, effect.level), change.slot, amount) != 0)
-                return -1;
-        }
-    }
-    return 0;
-}
-
 /** Applies an effect to tables that have the room for it. */
 void apply(const Effect &effect, DBLinkState &ls)
 {
     for (int oa = 0; oa < MAXOA; ++oa)
         ls.pbw[oa][effect.level] += effect.primary[oa];
-    static_cast<void>(forEachChange(ls, effect, [](DoubleVec &table, Long slot, double amount) {
-        table.cont[slot] += amount;
-        return 0;
-    }));
+    for (const SlotChange &change : effect.slots.all()) {
+        for (int oa = 0; oa < MAXOA; ++oa) {
+            const double amount = effect.amount(change, oa);
+            if (amount != 0.0)
+                tableOf(ls, change.table, oa, effect.level).cont[change.slot] += amount;
+        }
+    }
 }
 
 /** Finds the primary that a backup protects, null for a primary; 0, or -1 after a message. */
@@ -295,9 +282,18 @@ int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL], const double 
 
 int makeRoomFor(const Effect &effect, DBLinkState &ls)
 {
-    return forEachChange(ls, effect, [](DoubleVec &table, Long slot, double) {
-        return slot < table.size ? 0 : dblVecResize(&table, slot + 1);
-    });
+    for (const FailureTable table : {FailureTable::backup, FailureTable::freed}) {
+        for (int oa = 0; oa < MAXOA; ++oa) {
+            Long longest = 0;
+            for (const SlotChange &change : effect.slots.all()) {
+                if (change.table == table && effect.amount(change, oa) != 0.0)
+                    longest = std::max(longest, change.slot + 1);
+            }
+            if (longest > 0 && dblVecResize(&tableOf(ls, table, oa, effect.level), longest) != 0)
+                return -1;
+        }
+    }
+    return 0;
 }
 
 int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView &lsp, operation op,

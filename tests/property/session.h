@@ -16,7 +16,6 @@ namespace property
 {
 
 using Trail = std::vector<std::string>;
-using State = Owned<DBLinkState, DBlinkStateDestroy>;
 
 class Session : public ::testing::Test
 {

@@ -17,9 +17,7 @@ namespace property
 {
 
 /** A table of one link; slots beyond its end count as 0. */
-struct PlainTable : std::vector<double> {
-    PlainTable() : vector(1) {}
-};
+using PlainTable = std::vector<double>;
 
 struct PlainState {
     double rbw[MAXOA][MAXPL]{}, pbw[MAXOA][MAXPL]{};
@@ -44,9 +42,7 @@ struct PlainNetwork {
 
     void add(const PlannedLsp &lsp)
     {
-        lsps[lsp.id] = lsp;
-        pair(lsp.noContentionId, lsp.id);
-        pair(lsp.id, lsps.contains(lsp.noContentionId) ? lsp.noContentionId : -1);
+        list(lsp);
         for (auto &[hop, link] : links)
             update(link.state, hop, lsp, 1.0);
     }
@@ -60,8 +56,33 @@ struct PlainNetwork {
         pair(lsp.noContentionId, -1);
     }
 
+    /** Lists an LSP and pairs it with its partner; no link changes. */
+    void list(const PlannedLsp &lsp)
+    {
+        lsps[lsp.id] = lsp;
+        pair(lsp.noContentionId, lsp.id);
+        pair(lsp.id, lsps.contains(lsp.noContentionId) ? lsp.noContentionId : -1);
+    }
+
     /** Sets `lsp` up (`mult` 1) or removes it (-1); false when a link it needs is gone. */
     bool update(PlainState &state, Hop link, const PlannedLsp &lsp, double mult) const
+    {
+        if (!change(state, link, lsp, mult))
+            return false;
+        if (concerns(link, lsp))
+            reserve(state);
+        return true;
+    }
+
+    static bool concerns(Hop link, const PlannedLsp &lsp)
+    {
+        const NodePath ends{link.first, link.second};
+        return find(lsp.path, ends) >= 0 ||
+               (lsp.type != primaryLSP && find(lsp.primPath, ends) >= 0);
+    }
+
+    /** The tables of `update`, without the reservation. */
+    bool change(PlainState &state, Hop link, const PlannedLsp &lsp, double mult) const
     {
         const bool isPrimary = lsp.type == primaryLSP;
         const bool isLocal = lsp.type == localBackupLSP;
@@ -85,7 +106,7 @@ struct PlainNetwork {
             return competes ? lsp.bw[oa] : std::max(0.0, lsp.bw[oa] - partner->bw[oa]);
         };
         /** Changes the slots of the hops from `from` to `to` - 1; false at one that is no link. */
-        const auto change = [&](auto table, std::ptrdiff_t from, std::ptrdiff_t to, double sign) {
+        const auto addTo = [&](auto table, std::ptrdiff_t from, std::ptrdiff_t to, double sign) {
             for (auto node = failing.begin() + from; node < failing.begin() + to; ++node) {
                 const Hop hop{node[0], node[1]};
                 if (isGone(hop))
@@ -107,7 +128,7 @@ struct PlainNetwork {
         if (isPrimary) {
             for (std::size_t oa = 0; oa < MAXOA; ++oa)
                 state.pbw[oa][lsp.precedence] += mult * amount(oa, rerouting);
-            if (std::ranges::any_of(partnerHops, isGone) || !change(&PlainState::fbw, 0, last, 1))
+            if (std::ranges::any_of(partnerHops, isGone) || !addTo(&PlainState::fbw, 0, last, 1))
                 return false;
         } else {
             const auto b = find(failing, {lsp.path.front()});
@@ -117,32 +138,43 @@ struct PlainNetwork {
             const auto first = failing.begin() + b;
             if (isLocal && isGone({first[0], first[1]}))
                 return false;
-            if (onPath && !change(&PlainState::bbw, b, end, 1))
+            if (onPath && !addTo(&PlainState::bbw, b, end, 1))
                 return false;
             const bool bypassed =
                 isLocal && onPrim >= b && onPrim < find(failing, {lsp.path.back()}, b);
             const auto freed = isLocal ? std::pair{b, end} : std::pair{std::ptrdiff_t{0}, b};
-            if (onPrim >= 0 && !bypassed &&
-                !change(&PlainState::fbw, freed.first, freed.second, -1))
+            if (onPrim >= 0 && !bypassed && !addTo(&PlainState::fbw, freed.first, freed.second, -1))
                 return false;
         }
-        reserve(state);
         return true;
     }
 
-    /** Recomputes the reservation of one state. */
-    void reserve(PlainState &state) const
+    /** The links that fail together, one by one and all the links into a node. */
+    using Failures = std::map<std::pair<bool, Long>, NodePath>;
+    Failures failures() const
     {
-        std::map<std::pair<bool, Long>, NodePath> failures; // of a link, or of a node's in-links
+        Failures all;
         for (const auto &[ends, link] : links) {
-            failures[{false, link.id}] = {link.id};
-            failures[{true, ends.second}].push_back(link.id);
+            all[{false, link.id}] = {link.id};
+            all[{true, ends.second}].push_back(link.id);
         }
+        return all;
+    }
+
+    /** Recomputes the reservation of one state. */
+    void reserve(PlainState &state) const { reserve(state, failures()); }
+    static void reserve(PlainState &state, const Failures &failures)
+    {
         const auto at = [](const PlainTable &table, Long k) {
             return k < static_cast<Long>(table.size()) ? table[static_cast<std::size_t>(k)] : 0.0;
         };
         for (int oa = 0; oa < MAXOA; ++oa) {
             double largest[MAXPL]{};
+            if (std::ranges::all_of(state.bbw[oa], &PlainTable::empty) &&
+                std::ranges::all_of(state.fbw[oa], &PlainTable::empty)) {
+                std::ranges::copy(state.pbw[oa], state.rbw[oa]);
+                continue;
+            }
             for (const auto &failing : failures) {
                 double needed = 0.0, freed = 0.0;
                 for (int p = 0; p < MAXPL; ++p) {
@@ -166,15 +198,23 @@ private:
     }
 };
 
-/** Whether two states agree bit for bit, sizes of the tables included. */
+/** Whether two tables hold the same; slots beyond an end count as 0. */
+inline bool areSame(std::span<const double> a, std::span<const double> b)
+{
+    const auto [end, rest] = std::ranges::mismatch(a, b);
+    const auto isZero = [](double value) { return value == 0.0; };
+    return std::all_of(end, a.end(), isZero) && std::all_of(rest, b.end(), isZero);
+}
+
+/** Whether two states agree bit for bit. */
 inline bool areSame(const DBLinkState &engine, const PlainState &plain)
 {
     bool same = std::memcmp(engine.rbw, plain.rbw, sizeof plain.rbw) == 0 &&
                 std::memcmp(engine.pbw, plain.pbw, sizeof plain.pbw) == 0;
     for (int oa = 0; oa < MAXOA; ++oa) {
         for (int p = 0; p < MAXPL; ++p)
-            same = same && std::ranges::equal(slots(engine.bbw[oa][p]), plain.bbw[oa][p]) &&
-                   std::ranges::equal(slots(engine.fbw[oa][p]), plain.fbw[oa][p]);
+            same = same && areSame(slots(engine.bbw[oa][p]), plain.bbw[oa][p]) &&
+                   areSame(slots(engine.fbw[oa][p]), plain.fbw[oa][p]);
     }
     return same;
 }

@@ -31,6 +31,15 @@ void describe(auto &record, const PlannedLsp &lsp)
 
 } // namespace
 
+Rng::result_type Rng::operator()()
+{
+    if (bytes.empty())
+        return generator();
+    const std::uint8_t byte = bytes.front();
+    bytes = bytes.subspan(1);
+    return byte * 0x0101010101010101U;
+}
+
 int randomInt(Rng &rng, int below) { return std::uniform_int_distribution{0, below - 1}(rng); }
 
 NetworkPlan networkOf(const std::string &text)
@@ -128,6 +137,17 @@ LspRecord recordOf(const PlannedLsp &lsp)
     record->noContentionId = lsp.noContentionId;
     fill(record->primPath, lsp.primPath);
     return record;
+}
+
+PlannedLsp plannedFrom(const DBLabelSwitchedPath &record)
+{
+    PlannedLsp lsp{record.id, record.type, record.precedence};
+    std::ranges::copy(record.bw, lsp.bw.begin());
+    lsp.path.assign(inUse(record.path).begin(), inUse(record.path).end());
+    lsp.primID = record.primID;
+    lsp.primPath.assign(inUse(record.primPath).begin(), inUse(record.primPath).end());
+    lsp.noContentionId = record.noContentionId;
+    return lsp;
 }
 
 RequestRecord requestOf(const PlannedLsp &lsp)

@@ -1,6 +1,6 @@
 /**
  * Networks and LSPs as plain data, and the records of the engine made from them. Everything random
- * is drawn from the caller's generator, so a seed names one network.
+ * is drawn from the caller's choices, so a seed names one network.
  */
 #ifndef TARNEX_TESTS_SUPPORT_RANDOM_NETWORK_H
 #define TARNEX_TESTS_SUPPORT_RANDOM_NETWORK_H
@@ -10,14 +10,33 @@
 #include "database/database.h"
 
 #include <array>
+#include <cstdint>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace property
 {
 
-using Rng = std::mt19937_64;
+/** Where choices come from: a seed, or bytes, one per choice, and a fixed seed after the last. */
+class Rng
+{
+public:
+    using result_type = std::uint64_t;
+    explicit Rng(unsigned seed) : generator(seed) {}
+    explicit Rng(std::span<const std::uint8_t> chosen) : bytes(chosen) {}
+
+    static constexpr result_type min() { return 0; }
+    static constexpr result_type max() { return ~result_type{0}; }
+    result_type operator()();
+    bool hasBytes() const { return !bytes.empty(); }
+
+private:
+    std::span<const std::uint8_t> bytes;
+    std::mt19937_64 generator;
+};
+
 using NodePath = std::vector<Long>;
 using Hop = std::pair<Long, Long>;
 
@@ -44,6 +63,7 @@ struct PlannedLsp {
 };
 
 using LspRecord = Owned<DBLabelSwitchedPath, DBlspDestroy>;
+using State = Owned<DBLinkState, DBlinkStateDestroy>;
 using RequestRecord = Owned<LSPRequest, lspRequestDestroy>;
 
 int randomInt(Rng &rng, int below);
@@ -72,6 +92,7 @@ int addLink(DataBase *db, const PlannedLink &link);
 int addNetwork(DataBase *db, const NetworkPlan &plan);
 
 LspRecord recordOf(const PlannedLsp &lsp);
+PlannedLsp plannedFrom(const DBLabelSwitchedPath &record);
 RequestRecord requestOf(const PlannedLsp &lsp);
 
 } // namespace property

@@ -104,7 +104,7 @@ TEST_F(Allocation, ChangesNothingWhereMemoryOrTheSizeWordEnds)
     void *block = std::memset(mymalloc(8), 'b', 8);
     const Long before = bytesInUse();
     for (const std::size_t bytes : {std::size_t{16}, std::size_t{1} << 31, SIZE_MAX}) {
-        const MemoryProbe probe{-1};
+        const MemoryProbe probe{1, Lasting::fromThenOn};
         for (void *refused :
              {mymalloc(bytes), mycalloc(bytes / 8, 8), mycalloc(bytes, bytes > 16 ? 65'537 : 1),
               myrealloc(block, bytes), mygrow(block, bytes)})

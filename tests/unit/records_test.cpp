@@ -2,9 +2,7 @@
 #include "support/memory_faults.h"
 
 #include <deque>
-#include <map>
 #include <random>
-#include <set>
 
 namespace
 {
@@ -208,8 +206,6 @@ const Trail nodesNotGrown{
 const Trail linksNotGrown{noMemory + inTables,
                           "Unable to resize link table prior to insertion" + inTables, notInserted};
 
-Ids valuesOf(const LongList *list) { return {inUse(*list).begin(), inUse(*list).end()}; }
-
 int addLink(const OwnedDataBase &db, Long id, Long src, Long dst)
 {
     const OwnedState state{DBlinkStateNew()};
@@ -237,63 +233,6 @@ Ids describe(const OwnedDataBase &db)
         for (auto *list : {DBgetNodeInNeighb(db.get(), i), DBgetNodeOutNeighb(db.get(), i)})
             ids.push_back(list->top);
     return ids;
-}
-
-TEST_F(Records, AgreeWithAPlainModel)
-{
-    std::mt19937 random{5};
-    const OwnedDataBase owned{DBnew(0)};
-    DataBase *const db = owned.get();
-    std::set<Long> nodes;
-    std::map<std::pair<Long, Long>, Long> links;
-    Ids sizes(3, 1); // of the node table, the link table and the translators
-    const auto grow = [&](std::size_t table, Long index) {
-        if (index >= sizes[table])
-            sizes[table] = std::max(index + 1, 2 * sizes[table]);
-    };
-    for (Long i = 0; i < 1000; ++i) {
-        const Long id = (377 * i) % 1000;
-        const Long a = static_cast<Long>(random() % 9);
-        const Long b = static_cast<Long>(random() % 9);
-        if (random() % 4 == 0) {
-            ASSERT_EQ(DBaddNode(db, a) == 0, nodes.insert(a).second);
-            grow(0, a);
-        } else if (random() % 16 == 0) {
-            ASSERT_EQ(DBremoveNode(db, a) == 0, nodes.erase(a) == 1);
-            std::erase_if(links, [a](const auto &link) {
-                return link.first.first == a || link.first.second == a;
-            });
-        } else if (random() % 3 == 0) {
-            ASSERT_EQ(DBremoveLink(db, a, b) == 0, links.erase({a, b}) == 1);
-        } else {
-            const bool possible =
-                nodes.contains(a) && nodes.contains(b) && links.try_emplace({a, b}, id).second;
-            ASSERT_EQ(addLink(owned, id, a, b) == 0, possible);
-            grow(1, possible ? std::max(a, b) : 0);
-            grow(2, possible ? id : 0);
-        }
-        takeTrail();
-
-        Long idsInUse = 0;
-        std::map<Long, Ids> in, out;
-        for (const auto &[ends, link] : links) {
-            const auto [src, dst] = ends;
-            idsInUse = std::max(idsInUse, link + 1);
-            in[dst].push_back(src);
-            out[src].push_back(dst);
-            ASSERT_EQ(std::tuple(DBgetLinkID(db, src, dst), DBgetLinkSrc(db, link),
-                                 DBgetLinkDst(db, link), DBgetLinkState(db, src, dst)->cap[0]),
-                      std::tuple(link, src, dst, 1.5 * link));
-        }
-        for (const Long node : nodes) {
-            ASSERT_EQ(valuesOf(DBgetNodeInNeighb(db, node)), in[node]);
-            ASSERT_EQ(valuesOf(DBgetNodeOutNeighb(db, node)), out[node]);
-        }
-        ASSERT_EQ((Ids{DBgetNbNodes(db), DBgetMaxNodeID(db), DBgetNbLinks(db), db->linkSrcVec.top}),
-                  (Ids{static_cast<Long>(nodes.size()), nodes.empty() ? -1 : *nodes.rbegin(),
-                       static_cast<Long>(links.size()), idsInUse}));
-        ASSERT_EQ((Ids{db->nodeVec.size, db->linkTab.size, db->linkSrcVec.size}), sizes);
-    }
 }
 
 TEST_F(Records, RefuseWithTheirTrailAndChangeNothing)
@@ -342,32 +281,6 @@ TEST_F(Records, CountALinkWhoseIdNoTranslatorCanHold)
         EXPECT_EQ(std::tuple(db->nbLinks, db->nbNodes, db->linkSrcVec.top), std::tuple(1, 3, 3));
         EXPECT_LT(probe.largestRequest, 100'000u);
     }
-}
-
-TEST_F(Records, AreMadeWholeAndStayUsableWhenMemoryIsShort)
-{
-    const Trail last{noList, "Unable to initialize the link id-dst translater" + inDatabase};
-    EXPECT_EQ(sweepCycle([] { return OwnedDataBase{DBnew(1)} ? 0 : -1; }).at(5), last);
-    const auto node = [](auto &db) { return DBaddNode(db.get(), 9); };
-    EXPECT_EQ(sweepFaults(smallNetwork, node, describe).at(3), nodesNotGrown);
-    const OwnedState state{DBlinkStateNew()};
-    EXPECT_EQ(dblVecResize(&state->bbw[3][2], 4), 0);
-    // After the point of no return the link is there and counted; it is then taken away again.
-    const auto link = [&](auto &db) {
-        const int result = DBaddLink(db.get(), 50, 3, 0, state.get());
-        const bool added = DBgetLinkID(db.get(), 3, 0) == 50;
-        EXPECT_EQ(db->nbLinks, added ? 4 : 3);
-        if (added && result != 0) {
-            EXPECT_EQ(takeTrail().back(), "Link addition uncomplete" + inDatabase);
-            static_cast<void>(DBremoveLink(db.get(), 3, 0));
-            takeTrail();
-            addError(CRITICAL, "taken away again");
-        }
-        return result;
-    };
-    const Trails trails = sweepFaults(smallNetwork, link, describe);
-    EXPECT_EQ(trails.at(4), (Trail{noMemory + inDatabase, "Unable to create link" + inDatabase}));
-    EXPECT_EQ(trails.at(5), linksNotGrown);
 }
 
 TEST_F(Records, GrowLessAfterAGrowthThatFailedHalfWay)
