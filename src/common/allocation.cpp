@@ -1,6 +1,7 @@
 #include "common/common.h"
 #include "common/system_memory.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -8,31 +9,31 @@
 #include <limits>
 
 Long allocatedMemory = 0;
-SystemMemory systemMemory{std::malloc, std::calloc, std::realloc, std::free};
-
 namespace
 {
 
-// A block is a prefix that keeps the user area aligned for any type, its last four bytes holding
-// the size word, and the user area behind it.
-constexpr std::size_t prefixBytes = alignof(std::max_align_t);
+/** What stands in front of the user area and keeps it aligned for any type. */
+struct Prefix {
+    std::uint64_t mappedBytes; ///< length of the block's own mapping; 0: a block of the C library
+    std::uint32_t unused;
+    std::uint32_t sizeWord; ///< bytes of the user area, or the freed mark
+};
+constexpr std::size_t prefixBytes = sizeof(Prefix);
+static_assert(prefixBytes % alignof(std::max_align_t) == 0);
+
 constexpr std::size_t maxUserBytes = std::numeric_limits<Long>::max() - prefixBytes;
 constexpr std::uint32_t freedMark = 0xFFFFFFFF;
 
-char *blockOf(void *user) { return static_cast<char *>(user) - prefixBytes; }
+// Zeroed blocks from this size on get pages of their own: memory that nobody writes to stays
+// without pages, and growing moves pages instead of copying. A process has only some ten thousands
+// of mappings; beyond a share of them the C library serves large blocks too.
+constexpr std::size_t minMappedBytes = std::size_t{64} * 1024;
+constexpr int maxMappings = 16 * 1024;
+int mappings = 0;
 
-char *sizeWordOf(void *user) { return static_cast<char *>(user) - sizeof(std::uint32_t); }
-
-std::uint32_t sizeWord(void *user)
+Prefix *prefixOf(void *user)
 {
-    std::uint32_t word = 0;
-    std::memcpy(&word, sizeWordOf(user), sizeof word);
-    return word;
-}
-
-void setSizeWord(void *user, std::uint32_t word)
-{
-    std::memcpy(sizeWordOf(user), &word, sizeof word);
+    return reinterpret_cast<Prefix *>(static_cast<char *>(user) - prefixBytes);
 }
 
 void count(std::uint32_t added, std::uint32_t removed)
@@ -41,15 +42,52 @@ void count(std::uint32_t added, std::uint32_t removed)
         static_cast<Long>(static_cast<std::uint32_t>(allocatedMemory) + added - removed);
 }
 
-/** Turns a fresh system block into a counted one. */
-void *counted(void *block, std::size_t sz)
+/** Turns a fresh system block, in a mapping of its own or not, into a counted one. */
+void *counted(void *block, std::size_t sz, std::size_t mappedBytes = 0)
 {
     if (!block)
         return nullptr;
-    void *user = static_cast<char *>(block) + prefixBytes;
-    setSizeWord(user, static_cast<std::uint32_t>(sz));
-    count(static_cast<std::uint32_t>(sz), 0);
+    const auto size = static_cast<std::uint32_t>(sz);
+    *static_cast<Prefix *>(block) = {mappedBytes, 0, size};
+    count(size, 0);
+    return static_cast<char *>(block) + prefixBytes;
+}
+
+/** Length of a mapping that holds a block of `sz` user bytes. */
+std::size_t mappingFor(std::size_t sz)
+{
+    constexpr std::size_t page = 4096;
+    return (sz + prefixBytes + page - 1) / page * page;
+}
+
+/** A zeroed counted block in a mapping of its own; null when that cannot or should not be. */
+void *mapBlock(std::size_t sz)
+{
+    if (sz < minMappedBytes || mappings >= maxMappings)
+        return nullptr;
+    void *user = counted(systemMemory.map(mappingFor(sz)), sz, mappingFor(sz));
+    mappings += user ? 1 : 0;
     return user;
+}
+
+/** Resizes a mapped block, its pages staying as they are; null, nothing changed, on failure. */
+void *remapBlock(void *ptr, std::size_t sz)
+{
+    const Prefix old = *prefixOf(ptr);
+    const std::size_t bytes = mappingFor(sz);
+    void *moved = systemMemory.remap(prefixOf(ptr), old.mappedBytes, bytes);
+    if (!moved)
+        return nullptr;
+    count(0, old.sizeWord);
+    return counted(moved, sz, bytes);
+}
+
+void releaseToSystem(Prefix *block)
+{
+    if (block->mappedBytes == 0)
+        return systemMemory.release(block);
+    --mappings;
+    systemMemory.unmap(block, block->mappedBytes);
 }
 
 /**
@@ -61,7 +99,7 @@ void *counted(void *block, std::size_t sz)
 class Quarantine
 {
 public:
-    void hold(void *block, std::size_t bytes)
+    void hold(Prefix *block, std::size_t bytes)
     {
         if (held == ring.size())
             evictOldest();
@@ -74,14 +112,14 @@ public:
 
 private:
     struct Entry {
-        void *block;
+        Prefix *block;
         std::size_t bytes;
     };
     static constexpr std::size_t maxHeldBytes = std::size_t{16} * 1024 * 1024;
 
     void evictOldest()
     {
-        systemMemory.release(ring[first].block);
+        releaseToSystem(ring[first].block);
         heldBytes -= ring[first].bytes;
         first = (first + 1) % ring.size();
         --held;
@@ -95,6 +133,18 @@ private:
 
 Quarantine quarantine;
 
+/** Copies into zeroed memory; where the source is zero, the destination is not touched. */
+void copyNonZero(char *to, const char *from, std::size_t bytes)
+{
+    constexpr std::size_t stretch = 1024;
+    static constexpr char zeros[stretch] = {};
+    for (std::size_t at = 0; at < bytes; at += stretch) {
+        const std::size_t length = std::min(stretch, bytes - at);
+        if (std::memcmp(from + at, zeros, length) != 0)
+            std::memcpy(to + at, from + at, length);
+    }
+}
+
 } // namespace
 
 void *mymalloc(std::size_t sz)
@@ -107,40 +157,53 @@ void *mycalloc(std::size_t nmemb, std::size_t sz)
     std::size_t bytes = 0;
     if (__builtin_mul_overflow(nmemb, sz, &bytes) || bytes > maxUserBytes)
         return nullptr;
-    return counted(systemMemory.acquireZeroed(1, bytes + prefixBytes), bytes);
+    void *mapped = mapBlock(bytes);
+    return mapped ? mapped : counted(systemMemory.acquireZeroed(1, bytes + prefixBytes), bytes);
 }
 
 void *myrealloc(void *ptr, std::size_t sz)
 {
-    const std::uint32_t oldSize = sizeWord(ptr);
-    void *block = sz > maxUserBytes ? nullptr : systemMemory.resize(blockOf(ptr), sz + prefixBytes);
+    const Prefix old = *prefixOf(ptr);
+    if (sz > maxUserBytes)
+        return nullptr;
+    if (old.mappedBytes > 0)
+        return remapBlock(ptr, sz);
+    void *block = systemMemory.resize(prefixOf(ptr), sz + prefixBytes);
     if (!block)
         return nullptr;
-    count(0, oldSize);
+    count(0, old.sizeWord);
     return counted(block, sz);
 }
 
 void *mygrow(void *ptr, std::size_t sz)
 {
-    const std::uint32_t oldSize = sizeWord(ptr);
-    if (sz <= oldSize)
+    const Prefix old = *prefixOf(ptr);
+    if (sz <= old.sizeWord)
         return ptr;
+    if (old.mappedBytes > 0 && sz <= maxUserBytes) {
+        // What a shrunk block left behind on its last pages is cleared; further pages are zero.
+        char *end = static_cast<char *>(ptr) + old.sizeWord;
+        std::memset(end, 0, old.mappedBytes - prefixBytes - old.sizeWord);
+        if (void *moved = remapBlock(ptr, sz))
+            return moved;
+    }
     void *grown = mycalloc(1, sz);
     if (!grown)
         return nullptr;
-    std::memcpy(grown, ptr, oldSize);
+    copyNonZero(static_cast<char *>(grown), static_cast<const char *>(ptr), old.sizeWord);
     myfree(ptr);
     return grown;
 }
 
 void myfree(void *ptr)
 {
-    const std::uint32_t size = sizeWord(ptr);
+    Prefix *block = prefixOf(ptr);
+    const std::uint32_t size = block->sizeWord;
     if (size == freedMark) {
         std::fputs("Warning already freed\n", stderr);
         return;
     }
     count(0, size);
-    setSizeWord(ptr, freedMark);
-    quarantine.hold(blockOf(ptr), size);
+    block->sizeWord = freedMark;
+    quarantine.hold(block, size);
 }

@@ -2,6 +2,8 @@
 #include "rerouting/rerouting.h"
 #include "support/churn.h"
 
+#include <fstream>
+
 namespace property
 {
 namespace
@@ -38,8 +40,36 @@ TEST(RandomOperations, KeepEveryReservationAndEveryByte)
         }
         EXPECT_EQ(allocatedMemory, bytesBefore);
     }
-    EXPECT_GT(std::min({met.faults, met.refusals, met.incompletes, met.preempted, met.backups}),
-              5);
+    EXPECT_GT(std::min({met.faults, met.refusals, met.incompletes, met.preempted, met.backups}), 5);
+}
+
+/** Resident memory of this process, in MiB. */
+long residentMemory()
+{
+    std::ifstream status{"/proc/self/statm"};
+    long total = 0;
+    long resident = 0;
+    status >> total >> resident;
+    return resident / 256;
+}
+
+TEST_F(Session, SparseIdsCostNoMemoryForWhatIsNotThere)
+{
+    Rng rng{4};
+    NetworkPlan plan = randomNetwork(rng, 200, 5, 100);
+    ASSERT_GT(plan.nodes.back(), 19'000);
+    const long before = residentMemory();
+    ASSERT_EQ(addNetwork(db, plan), 0);
+    for (Long id = 0; id < 1000; ++id) {
+        const PlannedLsp primary{
+            id,
+            primaryLSP,
+            int(id % MAXPL),
+            {0.01},
+            hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng)};
+        ASSERT_EQ(DBaddLSP(db, recordOf(primary).get(), &preempted), 0);
+    }
+    EXPECT_LT(residentMemory() - before, 200);
 }
 
 PlannedLsp lsp(Long id, int level, double bw, NodePath path, Long partner = -1)

@@ -34,7 +34,12 @@ public:
                 return refuses(k * n) ? nullptr : active->real.acquireZeroed(k, n);
             },
             [](void *p, std::size_t n) { return refuses(n) ? nullptr : active->real.resize(p, n); },
-            [](void *block) { active->release(block); }};
+            [](void *block) { active->release(block); },
+            [](std::size_t n) { return refuses(n) ? nullptr : active->real.map(n); },
+            [](void *p, std::size_t old, std::size_t n) {
+                return refuses(n) ? nullptr : active->real.remap(p, old, n);
+            },
+            real.unmap};
     }
     ~MemoryProbe()
     {
