@@ -25,10 +25,11 @@ constexpr std::size_t maxUserBytes = std::numeric_limits<Long>::max() - prefixBy
 constexpr std::uint32_t freedMark = 0xFFFFFFFF;
 
 // Zeroed blocks from this size on get pages of their own: memory that nobody writes to stays
-// without pages, and growing moves pages instead of copying. A process has only some ten thousands
-// of mappings; beyond a share of them the C library serves large blocks too.
+// without pages, and growing moves pages instead of copying. A process may have some 65 000
+// mappings (neighbours count as one, so a network needs few); beyond a share of them the C library
+// serves.
 constexpr std::size_t minMappedBytes = std::size_t{64} * 1024;
-constexpr int maxMappings = 16 * 1024;
+constexpr int maxMappings = 48 * 1024;
 int mappings = 0;
 
 Prefix *prefixOf(void *user)
