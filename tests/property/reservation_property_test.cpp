@@ -1,7 +1,9 @@
 #include "property/session.h"
 #include "rerouting/rerouting.h"
 #include "support/churn.h"
+#include "support/memory_probe.h"
 
+#include <cstdlib>
 #include <fstream>
 
 namespace property
@@ -41,6 +43,26 @@ TEST(RandomOperations, KeepEveryReservationAndEveryByte)
         EXPECT_EQ(allocatedMemory, bytesBefore);
     }
     EXPECT_GT(std::min({met.faults, met.refusals, met.incompletes, met.preempted, met.backups}), 5);
+}
+
+/** Runs as many operations as the environment variable TARNEX_LONG_RUN says, 20000 without it. */
+TEST(RandomOperations, TakeNoMoreMemoryTheLongerTheyGoOn)
+{
+    const char *wanted = std::getenv("TARNEX_LONG_RUN");
+    const int steps = wanted ? std::stoi(wanted) : 20'000;
+    Long peaks[2] = {}; // of the counted bytes, in the first half and in the second
+    {
+        const Quiet quiet;
+        Churn churn{Rng{12}, Amounts::quarters};
+        for (int step = 0; step < steps; ++step) {
+            churn.step();
+            Long &peak = peaks[step < steps / 2 ? 0 : 1];
+            peak = std::max(peak, bytesInUse());
+            if (step % 64 == 0)
+                churn.check();
+        }
+    }
+    EXPECT_LT(peaks[1], peaks[0] + peaks[0] / 2);
 }
 
 /** Resident memory of this process, in MiB. */

@@ -79,6 +79,8 @@ void Churn::step()
         {1, &Churn::grow},      {4, &Churn::ask},     {3, &Churn::misuse},
     };
     constexpr int total = 16 + 6 + 3 + 6 + 1 + 6 + 1 + 4 + 3;
+    if (plain.lsps.size() > maxLsps / 2)
+        return removeAny();
     int choice = randomInt(rng, total);
     for (const Operation &operation : operations) {
         choice -= operation.weight;
@@ -170,7 +172,7 @@ void Churn::protect()
     if (attempt([&] { return computeBackup(db, &found, backup.primID, backup.type); }) != 0)
         return;
     for (const LSPRequest &req : std::span{found.cont, std::size_t(found.size)}) {
-        backup.id = nextId++;
+        backup.id = freeId();
         backup.path = idsIn(req.path);
         met.backups += add(backup) ? 1 : 0;
     }
@@ -374,11 +376,7 @@ PlannedLsp Churn::randomLsp()
     const PlannedLsp *other = anyLsp(true);
     if (other && randomInt(rng, 2) == 0)
         lsp = backupOf(plan, *other, type, way);
-    // Ids are used again.
-    lsp.id = randomInt(rng, 4) == 0 ? randomInt(rng, nextId + 1) : nextId;
-    if (plain.lsps.contains(lsp.id))
-        lsp.id = nextId;
-    nextId = std::max(nextId, lsp.id + 1);
+    lsp.id = freeId();
     lsp.precedence = randomInt(rng, MAXPL);
     lsp.noContentionId = -1;
     if (randomInt(rng, 3) == 0)
@@ -388,6 +386,15 @@ PlannedLsp Churn::randomLsp()
         lsp.bw[oa] = quarters / (amounts == Amounts::quarters ? 4.0 : 3.7);
     }
     return lsp;
+}
+
+/** Ids are few and used again and again. */
+Long Churn::freeId()
+{
+    Long id = randomInt(rng, maxLsps);
+    while (plain.lsps.contains(id))
+        id = (id + 1) % maxLsps;
+    return id;
 }
 
 /** Only between primaries do the amounts of a pair not depend on who came first. */

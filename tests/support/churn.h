@@ -60,8 +60,11 @@ private:
     void remove(Long id);
     void markUndefined(const PlannedLink &gone);
     PlannedLsp randomLsp();
+    Long freeId();
     void pairWithAny(PlannedLsp &lsp);
     const PlannedLsp *anyLsp(bool isPrimary);
+
+    static constexpr int maxLsps = 256;
 
     Rng rng;
     Amounts amounts;
@@ -72,7 +75,6 @@ private:
     std::set<Hop> undefined; ///< links whose reservations depend on history
     DataBase *db = nullptr;
     LongList preempted{};
-    Long nextId = 0;
     Long nextLinkId = 200; ///< of links that were not there at first
     Tally met;
     bool faulted = false; ///< whether memory ran out in the last call
