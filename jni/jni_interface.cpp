@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 
 namespace
 {
@@ -125,7 +126,8 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniinitTarnex
     jfloat sqRelativeLoad, jfloat delay, jfloat fortz, jobjectArray reroutingScorecoef)
 {
     ReroutingConfig reroutingConfig{};
-    if (!checkCount(env, "nbOA", nbOA, MAXOA) || !checkCount(env, "nbPL", nbPL, MAXPL) ||
+    if (env->ExceptionCheck() || !checkCount(env, "nbOA", nbOA, MAXOA) ||
+        !checkCount(env, "nbPL", nbPL, MAXPL) ||
         !readMatrix(env, "reroutingScorecoef", reroutingScorecoef, nbOA, nbPL,
                     reroutingConfig.scoreCoef))
         return;
@@ -176,6 +178,8 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniinitTarnex
 JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnikillTarnex(JNIEnv *env,
                                                                                  jobject obj)
 {
+    if (env->ExceptionCheck())
+        return;
     const int slot = loadCntx(env, obj);
     if (slot < 0 || !centralDB) {
         std::fputs("ERROR, call to killTarnex before initTarnex\n", stderr);
@@ -365,15 +369,21 @@ bool admit(SessionCall &call, const LSPRequest &req, bool addLSP, bool preempt,
     return false;
 }
 
-/** Removes the preempted LSPs and reports them in "lsps"; false when the call has failed. */
-bool removePreempted(SessionCall &call, std::span<const Long> preempted)
+/**
+ * Removes the preempted LSPs and reports them in field "lsps"; false when the call has failed. An
+ * LSP that cannot be reported is not removed, and `added`, if it is one, goes again.
+ */
+bool removePreempted(SessionCall &call, std::span<const Long> preempted, jfieldID lsps,
+                     std::optional<Long> added)
 {
     if (preempted.empty())
         return true;
     const LocalRef<jintArray> ids{call.env, newIntArray(call.env, preempted)};
-    const jfieldID lsps = ids ? fieldOf(call.env, call.obj, "lsps", "[I") : nullptr;
-    if (!lsps)
+    if (!ids) {
+        if (added)
+            static_cast<void>(DBremoveLSP(centralDB, *added));
         return false;
+    }
     for (const Long id : preempted) {
         if (DBremoveLSP(centralDB, id) < 0) {
             here.push(CRITICAL, "Impossible to remove LSP in %s at line %d");
@@ -395,6 +405,9 @@ JNIEXPORT jintArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnicompu
     SessionCall call{env, obj};
     if (!call || !checkLevel(env, PL) || !checkBandwidth(env, "reservation", reservation))
         return nullptr;
+    const jfieldID lsps = PREEMPT ? fieldOf(env, obj, "lsps", "[I") : nullptr;
+    if (PREEMPT && !lsps)
+        return nullptr;
     tarnexConfig.predicateConfig.allowReroute = PREEMPT != JNI_FALSE;
 
     LSPRequest req{};
@@ -412,11 +425,10 @@ JNIEXPORT jintArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnicompu
         return nullptr;
     }
     const ListGuard listGuard{&preemptList};
-    if (!admit(call, req, ADDLSP != JNI_FALSE, PREEMPT != JNI_FALSE, preemptList))
-        return nullptr;
-
     LocalRef<jintArray> path{env, newIntArray(env, inUse(req.path))};
-    if (!path || env->ExceptionCheck() || !removePreempted(call, inUse(preemptList)))
+    const std::optional<Long> added = ADDLSP ? std::optional{req.id} : std::nullopt;
+    if (!path || !admit(call, req, ADDLSP != JNI_FALSE, PREEMPT != JNI_FALSE, preemptList) ||
+        !removePreempted(call, inUse(preemptList), lsps, added))
         return nullptr;
     return path.release();
 }

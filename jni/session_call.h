@@ -48,7 +48,10 @@ public:
     SessionCall(const SessionCall &) = delete;
     SessionCall &operator=(const SessionCall &) = delete;
 
-    /** False when the object names no live session: the call returns at once. */
+    /**
+     * False when the object names no live session or an exception was pending on entry: the call
+     * returns at once.
+     */
     explicit operator bool() const { return slot >= 0; }
 
     /**
