@@ -96,8 +96,8 @@ private:
 };
 
 /**
- * Makes room on every link that the stored `lsp` concerns for what `op` writes there, so that
- * updateLinks cannot stop half way for lack of memory; 0, or -1 after a message.
+ * Makes room for everything that updateLinks writes, and for its scratch list, so that it cannot
+ * stop half way for lack of memory; 0, or -1 after a message.
  */
 int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, Effect &effect)
 {

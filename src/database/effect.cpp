@@ -41,6 +41,9 @@ double partnerAmount(const LSPView &lsp, const DBLabelSwitchedPath &partner, int
     return std::max(0.0, lsp.bw[oa] - partner.bw[oa]);
 }
 
+/** No table can have more slots: a larger block does not fit its size word. */
+constexpr Long maxSlots = std::numeric_limits<Long>::max() / Long{sizeof(double)} - 2;
+
 /** Builds one effect; a helper that meets a flaw notes it and returns false. */
 class EffectBuilder
 {
@@ -61,7 +64,8 @@ public:
         effect.concerned = onPath || primHop >= 0;
         if (!effect.concerned || !checkArguments(op))
             return;
-        setAmounts(op == SETUP ? 1.0 : -1.0);
+        removes = op == REMOVE;
+        setAmounts(removes ? -1.0 : 1.0);
         if (lsp.type == localBackupLSP)
             localBackup(onPath, primHop);
         else if (lsp.type == globalBackupLSP)
@@ -160,6 +164,8 @@ private:
         const DBLink *link = linkAt(db.linkTab, head, tail);
         if (!link)
             return stopAt(head, tail);
+        if (link->id >= maxSlots) // never set up, so there is nothing to remove
+            return removes || stop(EffectFlaw::noMemory);
         return effect.slots.append({link->id, table, shared, sign}) || stop(EffectFlaw::noMemory);
     }
 
@@ -190,11 +196,9 @@ private:
     const LSPView &lsp;
     Effect &effect;
     const DBLabelSwitchedPath *partner = nullptr;
+    bool removes = false;
     bool rerouting = false; ///< whether the link is also a hop of the partner
 };
-
-/** No table can have more slots: a larger block does not fit its size word. */
-constexpr Long maxSlots = std::numeric_limits<Long>::max() / Long{sizeof(double)} - 2;
 
 } // namespace
 
@@ -222,7 +226,7 @@ bool SlotChanges::reserve(std::size_t changes)
 
 bool SlotChanges::append(SlotChange change)
 {
-    if (change.slot >= maxSlots || (count == capacity && !reserve(2 * capacity)))
+    if (count == capacity && !reserve(2 * capacity))
         return false;
     change.order = static_cast<Long>(count);
     items[count++] = change;

@@ -54,7 +54,7 @@ public:
 
     /** Makes room for `changes` changes; false, with the list as it was, without memory. */
     [[nodiscard]] bool reserve(std::size_t changes);
-    /** Appends a change; false without memory, or when no table could ever be that long. */
+    /** Appends a change; false without memory. */
     [[nodiscard]] bool append(SlotChange change);
     /** Empties the list and keeps its room. */
     void clear() { count = 0; }

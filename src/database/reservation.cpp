@@ -1,6 +1,7 @@
 #include "database/reservation.h"
 
 #include "common/records.h"
+#include "common/vector.h"
 #include "error/report.h"
 
 #include <algorithm>
@@ -289,8 +290,8 @@ int makeRoomFor(const Effect &effect, DBLinkState &ls)
                 if (change.table == table && effect.amount(change, oa) != 0.0)
                     longest = std::max(longest, change.slot + 1);
             }
-            if (longest > 0 && dblVecResize(&tableOf(ls, table, oa, effect.level), longest) != 0)
-                return -1;
+            if (!vec::grow(tableOf(ls, table, oa, effect.level), longest))
+                return here.fail("Critical lack of memory in %s at line %d");
         }
     }
     return 0;
