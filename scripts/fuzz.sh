@@ -24,3 +24,16 @@ ASAN_OPTIONS=malloc_context_size=3 build-fuzz/tests/fuzz/core_fuzz -max_total_ti
     -max_len=2000 -len_control=0 -close_fd_mask=1 -print_final_stats=1 -verbosity=0 \
     -artifact_prefix=build-fuzz/ build-fuzz/corpus 2>&1 |
     sed -E '/protection path found|ecommended dictionary|# Uses:/d'
+
+seed=${SEED:-$RANDOM}
+echo "== native methods, $minutes min, SEED=$seed =="
+configure asan -DTARNEX_TESTS=ON
+cmake --build --preset asan --target jvm_tests -- --quiet
+log=build-asan/native_methods.log
+TARNEX_FUZZ_SECONDS=$((60 * minutes)) TARNEX_FUZZ_SEED=$seed \
+    ASAN_OPTIONS=handle_segv=0:detect_leaks=0 \
+    build-asan/tests/jvm_tests --gtest_filter='Fuzz.Calls*' 2>&1 | tee "$log"
+if grep -qE '(WARNING|FATAL ERROR) in native method|WARNING: JNI' "$log"; then
+    echo "the JVM's checks found something: see $log" >&2
+    exit 1
+fi

@@ -171,26 +171,4 @@ class EngineTest {
         }
         assertEquals(expected, ways.toString());
     }
-
-    @ParameterizedTest
-    @CsvSource({"killed", "-1", "128", "-2147483648"})
-    void sessionsAreApartAndDeadOnesDoNothing(String session) throws Exception {
-        engine = Scenarios.triangle();
-        JNITARNEX stray = Scenarios.triangle();
-        compute(stray, 1, 2, 1, 0, 0, 10, true, false);
-        compute(engine, 1, 2, 1, 0, 0, 9, true, false);
-        stray.jnikillTarnex();
-        stray.sessId = session.equals("killed") ? stray.sessId : Integer.parseInt(session);
-        stray.jniaddNode(1);
-        Scenarios.link(stray, 0, 0, 1, 1, 1);
-        stray.jniaddLSP(2, new int[] {0, 1}, 0, 0, 1);
-        stray.jniaddBackupLSP(3, 1, new int[] {0, 1}, 0, 0, 1, true);
-        stray.jniremoveLSP(1);
-        stray.jniremoveLink(2, 1);
-        stray.jniremoveNode(1);
-        stray.jniprintTarnexDB();
-        assertNull(compute(stray, 2, 2, 1, 0, 0, 1, true, true));
-        assertNull(stray.jnicomputeBackupPath(1, null, 1, true, true));
-        assertArrayEquals(new int[] {2, 1}, compute(engine, 2, 2, 1, 0, 0, 1, true, true));
-    }
 }

@@ -14,15 +14,13 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Locale;
 import java.util.regex.Pattern;
-import java.util.stream.Collectors;
-import java.util.stream.IntStream;
 import java.util.stream.Stream;
 
 import javax.tools.ToolProvider;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
 
-/** What a whole process shows: standard output and error, the first sessions, the loader. */
+/** What a whole process shows: standard output and error, the loader. */
 class ProcessTest {
     private static final Pattern JNI_FINDING =
             Pattern.compile("(WARNING|FATAL ERROR) in native method|WARNING: JNI");
@@ -31,13 +29,6 @@ class ProcessTest {
     Path temp;
     private String out;
     private String err;
-
-    @Test
-    void sessionNumbersRotateAndASessionTooManyGetsNone() throws Exception {
-        run(codeOf(JNITARNEX.class), "rotation");
-        String given = IntStream.range(0, 128).mapToObj(i -> i + " ").collect(Collectors.joining());
-        assertEquals(given + "1 -1 7 ", out);
-    }
 
     @Test
     void dumpShowsNodesLinksAndReservations() throws Exception {
@@ -68,15 +59,6 @@ class ProcessTest {
                                       i < figures.length ? figures[i] : 0));
         }
         return text + "\n\n";
-    }
-
-    @Test
-    void callsOutsideTheContractAreNamedAndChangeNothing() throws Exception {
-        run(codeOf(JNITARNEX.class), "misuse");
-        assertEquals("", err);
-        String before = out.substring(0, out.length() / 2);
-        assertTrue(before.contains("\tpbw[0] = 2.500000\n"), out);
-        assertEquals(before + before, out);
     }
 
     @Test

@@ -1,8 +1,6 @@
 package org.kestro.repository.TARNEX;
 
-import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.List;
 import java.util.stream.IntStream;
 
 /** What the tests do to engines, here or, through {@link #main}, in a JVM of its own. */
@@ -59,9 +57,7 @@ final class Scenarios {
     public static void main(String[] arguments) throws Exception {
         switch (arguments[0]) {
             case "load" -> attempt(null, e -> System.out.println("slot " + start(1, 1).sessId));
-            case "rotation" -> rotation();
             case "dump" -> dump();
-            case "misuse" -> misuse();
             case "trail" -> trail();
             case "backups" -> backups();
             case "orders" -> orders();
@@ -78,18 +74,6 @@ final class Scenarios {
         }
     }
 
-    /** Prints the numbers of sessions as they are given out, up to a session too many. */
-    private static void rotation() {
-        List<JNITARNEX> engines = new ArrayList<>(List.of(start(1, 1), start(1, 1), start(1, 1)));
-        engines.get(1).jnikillTarnex();
-        while (engines.size() < 130) {
-            engines.add(start(1, 1)); // at last 128 are live, and the next gets no number
-        }
-        engines.get(7).jnikillTarnex();
-        engines.add(start(1, 1));
-        engines.forEach(engine -> System.out.print(engine.sessId + " "));
-    }
-
     private static void dump() throws Exception {
         JNITARNEX engine = triangle();
         engine.jniremoveNode(4);
@@ -99,56 +83,6 @@ final class Scenarios {
         engine.jniaddLSP(3, new int[] {2, 1}, 2, 1, 3);
         compute(engine, 8, 2, 1, 1, 0, 4, true, true); // preempts 3
         engine.jniprintTarnexDB();
-    }
-
-    /** Prints the network, makes every call outside the contract, prints the network again. */
-    private static void misuse() throws Exception {
-        JNITARNEX engine = triangle();
-        engine.jniprintTarnexDB();
-        for (int bad : new int[] {-1, 0, 9}) {
-            misuse(engine, "nbOA", e -> init(e, bad, 1, new float[9][9]));
-            misuse(engine, "nbPL", e -> init(e, 1, bad, new float[9][9]));
-        }
-        for (float[][] table : new float[][][] {null, {{1, 2, 3}}, {{1, 2, 3}, null},
-                                                {{1, 2, 3}, {1, 2}}}) {
-            misuse(engine, "reroutingScorecoef", e -> init(e, 2, 3, table));
-            misuse(engine, "rbw", e -> e.jniaddLink(9, 0, 2, 0, new float[2], table, null, null,
-                                                    null));
-        }
-        for (float[] cap : new float[][] {null, {}, {1}, {1, Float.NaN}}) {
-            misuse(engine, "cap", e -> link(e, 9, 2, 0, cap));
-        }
-        misuse(engine, "backuplspIds", e -> e.jnicomputeBackupPath(4, null, 1, true, true));
-        misuse(engine, "backuplspIds .* 1 .* 0", e -> protect(e, 4, 0));
-        misuse(engine, "path", e -> e.jniaddLSP(9, null, 0, 0, 1));
-        misuse(engine, "path", e -> e.jniaddBackupLSP(9, 4, null, 0, 0, 1, true));
-        for (int level : new int[] {-1, 8}) {
-            misuse(engine, "PL", e -> e.jniaddLSP(9, PATH, level, 0, 1));
-            misuse(engine, "PL", e -> e.jniaddBackupLSP(9, 4, PATH, level, 0, 1, true));
-            misuse(engine, "PL", e -> compute(e, 9, 0, 1, 0, level, 1, true, true));
-        }
-        for (float bw : new float[] {-1, Float.NaN, Float.POSITIVE_INFINITY}) {
-            misuse(engine, "bw", e -> e.jniaddLSP(9, PATH, 0, 0, bw));
-            misuse(engine, "bw", e -> e.jniaddBackupLSP(9, 4, PATH, 0, 0, bw, true));
-            misuse(engine, "reservation", e -> compute(e, 9, 0, 1, 0, 0, bw, true, true));
-        }
-        engine.jniprintTarnexDB();
-    }
-
-    private static void init(JNITARNEX engine, int classes, int levels, float[][] coefficients) {
-        engine.jniinitTarnex(classes, levels, false, true, true, 0, 0, 0, 0, 0, 0, 0,
-                             coefficients);
-    }
-
-    private static void misuse(JNITARNEX engine, String argument, Call call) throws Exception {
-        try {
-            call.on(engine);
-            System.err.println("accepted: bad " + argument);
-        } catch (IllegalArgumentException e) {
-            if (!e.getMessage().matches(".*\\b" + argument + "\\b.*") || engine.sessId != 0) {
-                System.err.println("bad " + argument + " gives: " + e.getMessage());
-            }
-        }
     }
 
     /** Fails in every way and kills the session twice. */
