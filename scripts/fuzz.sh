@@ -20,7 +20,7 @@ for n in {1..32}; do # long sequences to start from
 done
 # What the engine prints on standard output is not looked at; its lines on standard error are left
 # out.
-ASAN_OPTIONS=malloc_context_size=3 build-fuzz/tests/fuzz/core_fuzz -max_total_time=$((60 * minutes)) \
+ASAN_OPTIONS=malloc_context_size=3 build-fuzz/fuzz/core_fuzz -max_total_time=$((60 * minutes)) \
     -max_len=2000 -len_control=0 -close_fd_mask=1 -print_final_stats=1 -verbosity=0 \
     -artifact_prefix=build-fuzz/ build-fuzz/corpus 2>&1 |
     sed -E '/protection path found|ecommended dictionary|# Uses:/d'

@@ -1,9 +1,6 @@
 #include "computation/primary/topology.h"
 #include "support/memory_faults.h"
 
-#include <deque>
-#include <random>
-
 namespace
 {
 
@@ -11,46 +8,7 @@ using Records = EngineTest;
 using Ids = std::vector<Long>;
 using Row = std::vector<double>;
 using OwnedState = Owned<DBLinkState, DBlinkStateDestroy>;
-using OwnedLspList = Owned<DBLSPList, DBlspListDestroy>;
 using OwnedDataBase = Owned<DataBase, DBdestroy>;
-
-TEST_F(Records, ListLspsTheLeastImportantThenTheLargestThenTheOldestFirst)
-{
-    const Trail inexistent{"[WARNING] Removing inexistent LSP" + inDatabase};
-    const auto rank = [](const DBLabelSwitchedPath *lsp) {
-        return std::tuple{-lsp->precedence, -lsp->bw[0], -lsp->bw[5], lsp->id};
-    };
-    std::mt19937 random{1};
-    const auto key = [&] { return static_cast<int>(random() % 3); };
-    std::deque<DBLabelSwitchedPath> lsps;
-    std::vector<DBLabelSwitchedPath *> model;
-    const OwnedLspList list{DBlspListNew(0)};
-    for (int i = 0; i < 2000; ++i) {
-        if (lsps.empty() || random() % 8 < (i < 1000 ? 6u : 2u)) {
-            DBLabelSwitchedPath *lsp = &lsps.emplace_back();
-            lsp->precedence = key();
-            lsp->bw[0] = key();
-            lsp->bw[5] = key();
-            lsp->id = i % 2 ? i : 5000 - i;
-            const auto place = std::ranges::lower_bound(model, rank(lsp), {}, rank);
-            ASSERT_EQ(DBlspListInsert(list.get(), lsp), place - model.begin());
-            model.insert(place, lsp);
-        } else {
-            DBLabelSwitchedPath *lsp = &lsps[random() % lsps.size()];
-            const DBLabelSwitchedPath twin = *lsp; // entries are found by their keys
-            const bool listed = std::erase(model, lsp) > 0;
-            ASSERT_EQ(DBlspListRemove(list.get(), &twin), listed ? 0 : -1);
-            expectTrail(listed ? Trail{} : inexistent);
-        }
-        ASSERT_TRUE(std::ranges::equal(inUse(*list), model)) << "step " << i;
-    }
-    list->top = 0;
-    expectRefused(inexistent, DBlspListRemove(list.get(), &lsps[0]));
-    EXPECT_EQ(sweepFaults([] { return OwnedLspList{DBlspListNew(0)}; },
-                          [&](auto &empty) { return DBlspListInsert(empty.get(), &lsps[0]); },
-                          [](auto &empty) { return empty->size + empty->top; }),
-              (Trails{{noMemory + inDatabase}}));
-}
 
 auto partsOf(DBLabelSwitchedPath &lsp)
 {
@@ -280,21 +238,6 @@ TEST_F(Records, CountALinkWhoseIdNoTranslatorCanHold)
         EXPECT_EQ(takeTrail().back(), "Node removal uncomplete" + inDatabase);
         EXPECT_EQ(std::tuple(db->nbLinks, db->nbNodes, db->linkSrcVec.top), std::tuple(1, 3, 3));
         EXPECT_LT(probe.largestRequest, 100'000u);
-    }
-}
-
-TEST_F(Records, GrowLessAfterAGrowthThatFailedHalfWay)
-{
-    for (int nth = 1; nth <= 5; ++nth) {
-        const OwnedDataBase db = smallNetwork();
-        DBLink *link = DBlinkNew();
-        auto probe = std::make_unique<MemoryProbe>(nth);
-        expectRefused({linksNotGrown[0], linksNotGrown[1]},
-                      DBlinkTabSet(&db->linkTab, link, 100, 0));
-        probe.reset();
-        EXPECT_EQ(DBlinkTabSet(&db->linkTab, link, 5, 2), 0);
-        EXPECT_EQ(linkAt(db->linkTab, 5, 2), link);
-        EXPECT_EQ((Ids{DBgetLinkID(db.get(), 1, 0), DBgetLinkID(db.get(), 0, 5)}), (Ids{1, -1}));
     }
 }
 

@@ -52,27 +52,6 @@ class EngineTest {
 
     @ParameterizedTest
     @CsvSource(delimiter = '|', value = {
-        "0 | 10   | routed [20, 25, 30]",
-        "0 | 9    | routed [20, 25, 30]", // level 2 as a whole, then what covers the rest
-        "0 | 7    | routed [25, 30]",
-        "0 | 5    | routed [25, 30]",     // the larger one fits, the smaller one covers the rest
-        "0 | 3    | routed [25]",         // the smallest that covers it
-        "1 | 7    | routed [25, 30]",
-        "1 | 7.5  | NoRouteToHostException [-5]",
-        "2 | 0.5  | NoRouteToHostException [-5]",
-        "0 | 10.5 | NoRouteToHostException [-5]",
-    })
-    void lessImportantLspsGiveWay(int level, float bw, String expected) throws Exception {
-        fullNetwork();
-        assertEquals(expected, outcome(e -> assertArrayEquals(
-                PATH, compute(e, 1, 1, 3, 0, level, bw, true, true))));
-        for (int lsp : new int[] {20, 25, 30}) {
-            assertEquals(!expected.contains("" + lsp), holds(lsp), "LSP " + lsp);
-        }
-    }
-
-    @ParameterizedTest
-    @CsvSource(delimiter = '|', value = {
         // ADDLSP, PREEMPT, room on the links | outcome | new LSP in place | room afterwards
         "false | false | false | NoRouteToHostException [-5] | false | false",
         "false | true  | false | routed [25, 30]             | false | true",

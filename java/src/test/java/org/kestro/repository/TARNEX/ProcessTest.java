@@ -133,14 +133,6 @@ class ProcessTest {
     }
 
     @Test
-    void removalInAnyOrderBringsEveryLinkBack() throws Exception {
-        run(codeOf(JNITARNEX.class), "orders");
-        String dump = out.substring(0, out.length() / 49);
-        assertTrue(dump.endsWith("\trbw[7] = 0.000000\n\n\n"), out);
-        assertEquals(dump.repeat(1 + 2 * 24), out);
-    }
-
-    @Test
     void theJarCarriesTheLibrary() throws Exception {
         String noLibraries = "-Djava.library.path=" + Files.createDirectory(temp.resolve("libs"));
         Path unpackedTo = Files.createDirectory(temp.resolve("tmp"));

@@ -1,7 +1,6 @@
 package org.kestro.repository.TARNEX;
 
 import java.util.Arrays;
-import java.util.stream.IntStream;
 
 /** What the tests do to engines, here or, through {@link #main}, in a JVM of its own. */
 final class Scenarios {
@@ -60,7 +59,6 @@ final class Scenarios {
             case "dump" -> dump();
             case "trail" -> trail();
             case "backups" -> backups();
-            case "orders" -> orders();
             default -> throw new IllegalArgumentException(arguments[0]);
         }
     }
@@ -121,26 +119,5 @@ final class Scenarios {
         attempt(engine, e -> protect(e, 7, 1, 20));
         engine.jniaddLSP(6, new int[0], 0, 0, 1);
         attempt(engine, e -> protect(e, 6, 0));
-    }
-
-    /** Prints a network, adds an LSP and backups, prints it after removing those in each order. */
-    private static void orders() throws Exception {
-        JNITARNEX engine = build(start(1, 3), "0-1:9 1-2:9 2-3:9 0-4:9 4-2:9 4-3:9 1-4:9 2-4:9");
-        engine.jniaddLSP(8, new int[] {0, 1, 2, 4, 3}, 1, 0, 0.5f);
-        engine.jniaddLSP(9, new int[] {1, 4, 2, 3}, 1, 0, 0.5f);
-        protect(engine, 8, 0, 11, 12, 13, 14);
-        engine.jniprintTarnexDB();
-        for (int code = 0; code < 2 * 256; code++) {
-            int type = code / 256;
-            int[] ids = {code >> 6 & 3, code >> 4 & 3, code >> 2 & 3, code & 3};
-            if (IntStream.of(ids).distinct().count() == 4) {
-                engine.jniaddLSP(0, new int[] {0, 1, 2, 3}, 0, 0, 2.5f);
-                protect(engine, 0, type, 1, 2, 3);
-                for (int id : IntStream.of(ids).filter(i -> i <= 3 - 2 * type).toArray()) {
-                    engine.jniremoveLSP(id);
-                }
-                engine.jniprintTarnexDB();
-            }
-        }
     }
 }

@@ -5,8 +5,8 @@
  *
  * Whatever does not add up is thrown as std::logic_error.
  */
-#ifndef TARNEX_TESTS_SUPPORT_CHURN_H
-#define TARNEX_TESTS_SUPPORT_CHURN_H
+#ifndef TARNEX_FUZZ_CHURN_H
+#define TARNEX_FUZZ_CHURN_H
 
 #include "support/plain_evaluation.h"
 

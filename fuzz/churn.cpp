@@ -1,11 +1,11 @@
-#include "support/churn.h"
+#include "churn.h"
 
 #include "common/setup.h"
 #include "computation/backup/backup.h"
 #include "computation/primary/primaryPath.h"
+#include "consistency.h"
 #include "database/admission.h"
 #include "database/reservation.h"
-#include "support/consistency.h"
 #include "support/memory_probe.h"
 
 #include <limits>

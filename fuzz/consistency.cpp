@@ -1,4 +1,4 @@
-#include "support/consistency.h"
+#include "consistency.h"
 
 #include "support/plain_evaluation.h"
 

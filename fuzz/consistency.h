@@ -2,8 +2,8 @@
  * What must hold of every database at every moment, worked out from nothing but its LSP records and
  * its topology.
  */
-#ifndef TARNEX_TESTS_SUPPORT_CONSISTENCY_H
-#define TARNEX_TESTS_SUPPORT_CONSISTENCY_H
+#ifndef TARNEX_FUZZ_CONSISTENCY_H
+#define TARNEX_FUZZ_CONSISTENCY_H
 
 #include "support/random_network.h"
 
