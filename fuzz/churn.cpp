@@ -78,7 +78,9 @@ void Churn::step()
         {6, &Churn::removeAny}, {1, &Churn::cut},     {6, &Churn::restore},
         {1, &Churn::grow},      {4, &Churn::ask},     {3, &Churn::misuse},
     };
-    constexpr int total = 16 + 6 + 3 + 6 + 1 + 6 + 1 + 4 + 3;
+    int total = 0;
+    for (const Operation &operation : operations)
+        total += operation.weight;
     if (plain.lsps.size() > maxLsps / 2)
         return removeAny();
     int choice = randomInt(rng, total);
@@ -147,7 +149,8 @@ void Churn::request()
         lsp.path = idsIn(req->path);
         lsp.primPath.clear();
         if (add(lsp)) {
-            const std::set<Long> givingWay{inUse(preempted).begin(), inUse(preempted).end()};
+            NodePath givingWay = idsIn(preempted); // one id may be chosen by two class types
+            givingWay.erase(std::ranges::unique(givingWay).begin(), givingWay.end());
             std::ranges::for_each(givingWay, [this](Long id) { remove(id); });
             met.preempted += static_cast<int>(givingWay.size());
         }

@@ -99,7 +99,9 @@ std::string reservationsOf(const DataBase &db, Contents &contents, const std::se
     for (const auto &[id, lsp] : contents.lsps) { // as added in the order of their ids
         network.list(lsp);
         for (auto &[hop, link] : network.links) {
-            if (!undefined.contains(hop))
+            if (undefined.contains(hop))
+                continue;
+            for (auto times = PlainNetwork::updates(hop, lsp); times > 0; --times)
                 network.change(link.state, hop, network.lsps.at(id), 1.0);
         }
     }

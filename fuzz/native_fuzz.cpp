@@ -65,6 +65,7 @@ public:
         const bool dumps = !flaws.empty() || !isJudged || below(32) == 0;
         const std::string before = dumps ? dump(target) : "", aside = dumps ? dump(witness) : "";
         Network after = network();
+        const TARNEXConfig config = isLive ? sessions[target]->tarnexConfig : TARNEXConfig{};
         const std::string output = printed([&] { call(after); });
         const std::string thrown = takeException();
         const Trail trail = takeSessionTrail();
@@ -75,6 +76,8 @@ public:
         EXPECT_EQ(isRefused, isJudged && std::ranges::any_of(flaws, [&](const std::string &name) {
                                  return !isRefused || thrown.find(name) != std::string::npos;
                              }));
+        EXPECT_TRUE(!isRefused || !isLive || isOpening ||
+                    std::memcmp(&config, &sessions[target]->tarnexConfig, sizeof config) == 0);
         EXPECT_TRUE(thrown.empty() || isRefused || (isLive && thrown.starts_with("org.kestro.")));
         if (isLive && live.contains(target)) {
             Network &expected = live[target];

@@ -369,6 +369,13 @@ bool admit(SessionCall &call, const LSPRequest &req, bool addLSP, bool preempt,
     return false;
 }
 
+/** Drops the repetitions of a sorted list: an LSP may be chosen for more than one reason. */
+void dropRepetitions(LongList &list)
+{
+    const auto repeated = std::ranges::unique(inUse(list));
+    list.top -= static_cast<Long>(repeated.size());
+}
+
 /**
  * Removes the preempted LSPs and reports them in field "lsps"; false when the call has failed. An
  * LSP that cannot be reported is not removed, and `added`, if it is one, goes again.
@@ -427,8 +434,10 @@ JNIEXPORT jintArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnicompu
     const ListGuard listGuard{&preemptList};
     LocalRef<jintArray> path{env, newIntArray(env, inUse(req.path))};
     const std::optional<Long> added = ADDLSP ? std::optional{req.id} : std::nullopt;
-    if (!path || !admit(call, req, ADDLSP != JNI_FALSE, PREEMPT != JNI_FALSE, preemptList) ||
-        !removePreempted(call, inUse(preemptList), lsps, added))
+    if (!path || !admit(call, req, ADDLSP != JNI_FALSE, PREEMPT != JNI_FALSE, preemptList))
+        return nullptr;
+    dropRepetitions(preemptList);
+    if (!removePreempted(call, inUse(preemptList), lsps, added))
         return nullptr;
     return path.release();
 }

@@ -8,6 +8,13 @@
 #include <cstring>
 #include <limits>
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(start, bytes) static_cast<void>(0)
+#define ASAN_UNPOISON_MEMORY_REGION(start, bytes) static_cast<void>(0)
+#endif
+
 Long allocatedMemory = 0;
 namespace
 {
@@ -61,6 +68,28 @@ std::size_t mappingFor(std::size_t sz)
     return (sz + prefixBytes + page - 1) / page * page;
 }
 
+/** What lies between the user area of a mapped block and the end of its pages. */
+struct Tail {
+    char *start;
+    std::size_t bytes;
+};
+
+Tail tailOf(Prefix *block)
+{
+    char *user = reinterpret_cast<char *>(block + 1);
+    return {user + block->sizeWord, block->mappedBytes - prefixBytes - block->sizeWord};
+}
+
+/** Lets a memory checker see a use of the tail of a mapped block; null stays null. */
+void *withGuardedTail(void *user)
+{
+    if (user) {
+        [[maybe_unused]] const Tail tail = tailOf(prefixOf(user));
+        ASAN_POISON_MEMORY_REGION(tail.start, tail.bytes);
+    }
+    return user;
+}
+
 /** A zeroed counted block in a mapping of its own; null when that cannot or should not be. */
 void *mapBlock(std::size_t sz)
 {
@@ -68,7 +97,7 @@ void *mapBlock(std::size_t sz)
         return nullptr;
     void *user = counted(systemMemory.map(mappingFor(sz)), sz, mappingFor(sz));
     mappings += user ? 1 : 0;
-    return user;
+    return withGuardedTail(user);
 }
 
 /** Resizes a mapped block, its pages staying as they are; null, nothing changed, on failure. */
@@ -76,17 +105,22 @@ void *remapBlock(void *ptr, std::size_t sz)
 {
     const Prefix old = *prefixOf(ptr);
     const std::size_t bytes = mappingFor(sz);
+    ASAN_UNPOISON_MEMORY_REGION(prefixOf(ptr), old.mappedBytes);
     void *moved = systemMemory.remap(prefixOf(ptr), old.mappedBytes, bytes);
-    if (!moved)
+    if (!moved) {
+        withGuardedTail(ptr);
         return nullptr;
+    }
     count(0, old.sizeWord);
-    return counted(moved, sz, bytes);
+    return withGuardedTail(counted(moved, sz, bytes));
 }
 
-void releaseToSystem(Prefix *block)
+void releaseToSystem(Prefix *block, [[maybe_unused]] std::size_t userBytes)
 {
+    ASAN_UNPOISON_MEMORY_REGION(block + 1, userBytes);
     if (block->mappedBytes == 0)
         return systemMemory.release(block);
+    ASAN_UNPOISON_MEMORY_REGION(block, block->mappedBytes);
     --mappings;
     systemMemory.unmap(block, block->mappedBytes);
 }
@@ -120,7 +154,7 @@ private:
 
     void evictOldest()
     {
-        releaseToSystem(ring[first].block);
+        releaseToSystem(ring[first].block, ring[first].bytes);
         heldBytes -= ring[first].bytes;
         first = (first + 1) % ring.size();
         --held;
@@ -183,8 +217,9 @@ void *mygrow(void *ptr, std::size_t sz)
         return ptr;
     if (old.mappedBytes > 0 && sz <= maxUserBytes) {
         // What a shrunk block left behind on its last pages is cleared; further pages are zero.
-        char *end = static_cast<char *>(ptr) + old.sizeWord;
-        std::memset(end, 0, old.mappedBytes - prefixBytes - old.sizeWord);
+        const Tail tail = tailOf(prefixOf(ptr));
+        ASAN_UNPOISON_MEMORY_REGION(tail.start, tail.bytes);
+        std::memset(tail.start, 0, tail.bytes);
         if (void *moved = remapBlock(ptr, sz))
             return moved;
     }
@@ -206,5 +241,6 @@ void myfree(void *ptr)
     }
     count(0, size);
     block->sizeWord = freedMark;
+    ASAN_POISON_MEMORY_REGION(ptr, size);
     quarantine.hold(block, size);
 }

@@ -36,7 +36,7 @@
  * Removes stored LSP `id`: takes it off its links, updates every concerned link and releases it.
  *
  * @return 0; -1 when there is no such LSP or, after "LSP removal uncomplete", when a link was
- * missing or could not be updated (the LSP is gone all the same)
+ * missing (the LSP is gone all the same) or memory was (nothing has changed)
  */
 [[nodiscard]] int DBremoveLSP(DataBase *dataBase, Long id);
 

@@ -291,10 +291,13 @@ int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *ne
     DBLink *link = existingLink(dataBase, src, dst);
     if (!link)
         return -1;
-    if (DBlinkStateCopy(&link->state, newLS) != 0)
+    // Copied aside first: a stored state is replaced as a whole or not at all.
+    Owned<DBLinkState, DBlinkStateDestroy> copy{DBlinkStateNew()};
+    if (!copy || DBlinkStateCopy(copy.get(), newLS) != 0)
         return here.fail(
             "Impossible to set linkstate on link (src = %ld, dst = %ld) in %s at line %d",
             long{src}, long{dst});
+    std::swap(link->state, *copy);
     return 0;
 }
 

@@ -35,11 +35,18 @@ public:
             },
             [](void *p, std::size_t n) { return refuses(n) ? nullptr : active->real.resize(p, n); },
             [](void *block) { active->release(block); },
-            [](std::size_t n) { return refuses(n) ? nullptr : active->real.map(n); },
+            [](std::size_t n) {
+                void *pages = refuses(n) ? nullptr : active->real.map(n);
+                active->mappings += pages ? 1 : 0;
+                return pages;
+            },
             [](void *p, std::size_t old, std::size_t n) {
                 return refuses(n) ? nullptr : active->real.remap(p, old, n);
             },
-            real.unmap};
+            [](void *pages, std::size_t n) {
+                --active->mappings;
+                active->real.unmap(pages, n);
+            }};
     }
     ~MemoryProbe()
     {
@@ -50,6 +57,7 @@ public:
     bool faulted() const { return failAt > 0 && allocations >= failAt; }
 
     std::size_t largestRequest = 0;
+    int mappings = 0; ///< mapped while it lives and not unmapped yet
     int repeatedReleases = 0;
     std::vector<void *> released;
 

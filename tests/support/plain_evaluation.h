@@ -31,6 +31,22 @@ inline std::ptrdiff_t find(const NodePath &path, const NodePath &nodes, std::ptr
     return found == path.end() ? -1 : found - path.begin();
 }
 
+/** Position of a hop, judged where its first node comes first; -1 when it is none. */
+inline std::ptrdiff_t hopOn(const NodePath &path, Hop hop)
+{
+    const auto at = find(path, {hop.first});
+    return at >= 0 && find(path, {hop.first, hop.second}, at) == at ? at : -1;
+}
+
+/** For each position of a path, whether a link starts there. */
+inline std::vector<bool> positions(const NodePath &path, Hop link)
+{
+    std::vector<bool> starts;
+    for (std::size_t i = 1; i < path.size(); ++i)
+        starts.push_back(Hop{path[i - 1], path[i]} == link);
+    return starts;
+}
+
 struct PlainNetwork {
     struct Link : PlannedLink {
         PlainState state{};
@@ -43,15 +59,19 @@ struct PlainNetwork {
     void add(const PlannedLsp &lsp)
     {
         list(lsp);
-        for (auto &[hop, link] : links)
-            update(link.state, hop, lsp, 1.0);
+        for (auto &[hop, link] : links) {
+            for (auto times = updates(hop, lsp); times > 0; --times)
+                update(link.state, hop, lsp, 1.0);
+        }
     }
 
     void removeLsp(Long id)
     {
         const PlannedLsp lsp = lsps.at(id);
-        for (auto &[hop, link] : links)
-            update(link.state, hop, lsp, -1.0);
+        for (auto &[hop, link] : links) {
+            for (auto times = updates(hop, lsp); times > 0; --times)
+                update(link.state, hop, lsp, -1.0);
+        }
         lsps.erase(id);
         pair(lsp.noContentionId, -1);
     }
@@ -62,6 +82,13 @@ struct PlainNetwork {
         lsps[lsp.id] = lsp;
         pair(lsp.noContentionId, lsp.id);
         pair(lsp.id, lsps.contains(lsp.noContentionId) ? lsp.noContentionId : -1);
+    }
+
+    /** How often an admission updates a link: once per passage, or once for the protected path. */
+    static std::ptrdiff_t updates(Hop link, const PlannedLsp &lsp)
+    {
+        const auto passages = std::ranges::count(positions(lsp.path, link), true);
+        return passages > 0 ? passages : concerns(link, lsp) ? 1 : 0;
     }
 
     /** Sets `lsp` up (`mult` 1) or removes it (-1); false when a link it needs is gone. */
@@ -76,9 +103,8 @@ struct PlainNetwork {
 
     static bool concerns(Hop link, const PlannedLsp &lsp)
     {
-        const NodePath ends{link.first, link.second};
-        return find(lsp.path, ends) >= 0 ||
-               (lsp.type != primaryLSP && find(lsp.primPath, ends) >= 0);
+        return hopOn(lsp.path, link) >= 0 ||
+               (lsp.type != primaryLSP && hopOn(lsp.primPath, link) >= 0);
     }
 
     /** The tables of `update`, without the reservation. */
@@ -87,15 +113,14 @@ struct PlainNetwork {
         const bool isPrimary = lsp.type == primaryLSP;
         const bool isLocal = lsp.type == localBackupLSP;
         const NodePath &failing = isPrimary ? lsp.path : lsp.primPath;
-        const NodePath ends{link.first, link.second};
-        const bool onPath = find(lsp.path, ends) >= 0;
-        const auto onPrim = isPrimary ? -1 : find(failing, ends);
+        const bool onPath = hopOn(lsp.path, link) >= 0;
+        const auto onPrim = isPrimary ? -1 : hopOn(failing, link);
         if (!onPath && onPrim < 0)
             return true;
 
         const auto found = lsps.find(onPath ? lsp.noContentionId : -1);
         const PlannedLsp *partner = found == lsps.end() ? nullptr : &found->second;
-        const bool rerouting = partner && find(partner->path, ends) >= 0;
+        const bool rerouting = partner && hopOn(partner->path, link) >= 0;
         std::set<Hop> partnerHops;
         for (std::size_t i = 1; partner && i < partner->path.size(); ++i)
             partnerHops.emplace(partner->path[i - 1], partner->path[i]);

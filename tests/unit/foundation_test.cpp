@@ -135,6 +135,37 @@ TEST_F(Allocation, ReportsASecondReleaseAndKeepsItFromTheSystem)
     }
 }
 
+TEST_F(Allocation, MapsLargeBlocksThatGrowZeroedAndGoBackToTheSystem)
+{
+    const MemoryProbe probe;
+    const std::size_t bytes[] = {70'000, 60'000, 300'000, 299'000, 4'000'000};
+    for (int round = 0; round < 20; ++round) {
+        char *block = static_cast<char *>(mycalloc(1, bytes[0]));
+        std::memset(block, 'm', bytes[0]);
+        block = static_cast<char *>(myrealloc(block, bytes[1])); // leaves something behind it
+        block = static_cast<char *>(mygrow(block, bytes[2]));
+        EXPECT_EQ(counted(block, bytes[2]),
+                  std::string(bytes[1], 'm') + std::string(bytes[2] - bytes[1], '\0'));
+        block = static_cast<char *>(myrealloc(block, bytes[3]));
+        EXPECT_EQ(mygrow(block, bytes[3] - 1), block);
+        block = static_cast<char *>(mygrow(block, bytes[4]));
+        EXPECT_EQ(std::string(block, bytes[4]).find_last_not_of('\0'), bytes[1] - 1);
+        EXPECT_EQ(probe.largestRequest, 4'001'792u) << "moved, not copied";
+        testing::internal::CaptureStderr();
+        myfree(block);
+        myfree(block);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "Warning already freed\n");
+        EXPECT_LE(probe.mappings, 5) << "what is held back is bounded";
+    }
+    // Beyond its share of the mappings the process gets large blocks from the C library.
+    std::vector<void *> blocks;
+    while (probe.mappings < 48 * 1024 + 5 && blocks.size() < 60'000)
+        blocks.push_back(mycalloc(1, 65'536));
+    EXPECT_EQ(blocks.size(), 60'000u);
+    std::ranges::for_each(blocks, myfree);
+    EXPECT_LE(probe.mappings, 256);
+}
+
 /** Runs an operation, first without memory: where it needs some it must fail with `trail`. */
 template <class Operation>
 void succeedAfter(const Trail &trail, Operation operation)

@@ -121,6 +121,7 @@ struct Scene {
     LspRecord placed{recordOf(wish)};
     LspRecord local{recordOf({9, localBackupLSP, 3, {5}, {0, 4, 2}, 1, {0, 1, 2, 3}})};
     LspRecord global{recordOf({9, globalBackupLSP, 3, {5}, {0, 4, 3}, 1, {0, 1, 2, 3}})};
+    LspRecord turning{recordOf({9, primaryLSP, 3, {0.25}, {0, 1, 0, 1, 0, 1, 0, 1, 2}})};
     NodePath wayOut;
     LspRecord distant;
 };
@@ -172,6 +173,13 @@ const Operation operations[] = {
     {"ask what gives way",
      [](Scene &s) { return getpreemptList(s.db.get(), s.placed.get(), s.list.get()); },
      notAdmitted},
+    {"add a path that turns back", [](Scene &s) { return s.add(s.turning); },
+     notAdmitted + notAdded},
+    {"set a state",
+     [](Scene &s) { return DBsetLinkState(s.db.get(), 2, 4, s.state.get()); },
+     {"Impossible to set linkstate on link (src = 2, dst = 4)"}},
+    {"remove a link", [](Scene &s) { return DBremoveLink(s.db.get(), 2, 4); }, {}},
+    {"remove a node", [](Scene &s) { return DBremoveNode(s.db.get(), 4); }, {}},
     {"remove", [](Scene &s) { return DBremoveLSP(s.db.get(), 4); }, {"LSP removal uncomplete"}, 66},
     {"route", [](Scene &s) { return s.route(); }, notRouted},
     {"route, admit and preempt", [](Scene &s) { return s.place(); },

@@ -180,6 +180,7 @@ public class JNITARNEX {
      * @throws AddDBException if an id is negative, too large or in use, a node is missing, or the
      *         two nodes are linked in that direction already. A link id so large that no table
      *         can hold it leaves an incomplete link behind, which carries nothing; remove it
+     *         (which throws again, but leaves nothing)
      * @throws IllegalArgumentException if cap or rbw is outside the contract
      */
     public native void jniaddLink(int linkId, int color, int src, int dst, float[] cap,
@@ -233,8 +234,8 @@ public class JNITARNEX {
      * they are removed themselves.
      *
      * @param lspid id of the LSP
-     * @throws AddDBException if there is no such LSP, or a link of its path is gone; in the second
-     *         case the LSP is removed all the same
+     * @throws AddDBException if there is no such LSP, a link of its path is gone (the LSP is removed
+     *         all the same) or memory is short (nothing has changed; try again)
      */
     public native void jniremoveLSP(int lspid) throws AddDBException;
 
