@@ -163,7 +163,16 @@ TEST_F(Allocation, MapsLargeBlocksThatGrowZeroedAndGoBackToTheSystem)
         blocks.push_back(mycalloc(1, 65'536));
     EXPECT_EQ(blocks.size(), 60'000u);
     std::ranges::for_each(blocks, myfree);
+    // Gone, they are no longer counted: blocks are mapped, and small ones held back, as before.
     EXPECT_LE(probe.mappings, 256);
+    const int mapped = probe.mappings;
+    blocks = {mycalloc(1, 65'536), mymalloc(10), mymalloc(10)};
+    EXPECT_EQ(probe.mappings, mapped + 1);
+    std::ranges::for_each(blocks, myfree);
+    testing::internal::CaptureStderr();
+    std::ranges::for_each(blocks, myfree);
+    EXPECT_EQ(testing::internal::GetCapturedStderr().size(),
+              3 * std::strlen("Warning already freed\n"));
 }
 
 /** Runs an operation, first without memory: where it needs some it must fail with `trail`. */
