@@ -91,7 +91,12 @@ TEST_F(Session, SparseIdsCostNoMemoryForWhatIsNotThere)
             hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng)};
         ASSERT_EQ(DBaddLSP(db, recordOf(primary).get(), &preempted), 0);
     }
-    EXPECT_LT(residentMemory() - before, 200);
+#ifdef __SANITIZE_ADDRESS__
+    constexpr long allowed = 400; // the checker's own books count too
+#else
+    constexpr long allowed = 200;
+#endif
+    EXPECT_LT(residentMemory() - before, allowed);
 }
 
 PlannedLsp lsp(Long id, int level, double bw, NodePath path, Long partner = -1)
