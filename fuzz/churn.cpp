@@ -150,7 +150,7 @@ void Churn::request()
         lsp.primPath.clear();
         if (add(lsp)) {
             NodePath givingWay = idsIn(preempted); // one id may be chosen by two class types
-            givingWay.erase(std::ranges::unique(givingWay).begin(), givingWay.end());
+            givingWay.erase(std::unique(givingWay.begin(), givingWay.end()), givingWay.end());
             std::ranges::for_each(givingWay, [this](Long id) { remove(id); });
             met.preempted += static_cast<int>(givingWay.size());
         }

@@ -372,8 +372,8 @@ bool admit(SessionCall &call, const LSPRequest &req, bool addLSP, bool preempt,
 /** Drops the repetitions of a sorted list: an LSP may be chosen for more than one reason. */
 void dropRepetitions(LongList &list)
 {
-    const auto repeated = std::ranges::unique(inUse(list));
-    list.top -= static_cast<Long>(repeated.size());
+    const auto ids = inUse(list);
+    list.top = static_cast<Long>(std::unique(ids.begin(), ids.end()) - ids.begin());
 }
 
 /**
