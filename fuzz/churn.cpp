@@ -97,8 +97,7 @@ void Churn::check() const
     const std::size_t own = ownedBytes(*db) + sizeof(Long) * std::size_t(preempted.size);
     require(bytes == static_cast<std::uint32_t>(own), "counted bytes belong to nobody");
     for (const auto &[ends, link] : plain.links)
-        require(areSame(*DBgetLinkState(db, ends.first, ends.second), link.state),
-                "a link is not what history makes it");
+        require(areSame(storedState(db, ends), link.state), "a link is not what history makes it");
     for (const auto &[id, lsp] : plain.lsps)
         require(DBgetLSP(db, id)->noContentionId == lsp.noContentionId, "a partner is wrong");
     if (amounts == Amounts::quarters) {
@@ -326,7 +325,7 @@ void Churn::ask()
         const Long dst = hop.second;
         PlainState expected = link.state;
         const int result = plain.update(expected, hop, lsp, 1.0) ? 0 : -1;
-        DBLinkState *stored = DBgetLinkState(db, src, dst);
+        DBLinkState *stored = &linkAt(db->linkTab, src, dst)->state;
         const State copy{DBlinkStateNew()};
         double rbw[MAXOA][MAXPL];
         const int copied = attempt(

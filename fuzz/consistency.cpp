@@ -129,6 +129,8 @@ std::size_t countedIn(const Lists &...lists)
 std::size_t bytesOf(const DBLink &link)
 {
     std::size_t bytes = countedBytes(&link) + countedIn(link.lspList);
+    for (const LongList &needy : link.summary.needy)
+        bytes += needy.cont ? countedIn(needy) : 0;
     const DBLinkState &s = link.state;
     for (const auto *table : {&s.bbw, &s.remoteBbw, &s.fbw, &s.remoteFbw}) {
         for (const auto &levels : *table) {

@@ -58,14 +58,15 @@ void describeRefusal(const DBLabelSwitchedPath &backup)
         backup.primID, backup.bw[0]);
     const auto path = inUse(backup.path);
     for (std::size_t u = 0; u + 1 < path.size(); ++u) {
-        const DBLinkState *state = DBgetLinkState(centralDB, path[u], path[u + 1]);
-        if (!state)
+        const DBLink *link = linkAt(centralDB->linkTab, path[u], path[u + 1]);
+        if (!link)
             continue;
         std::fprintf(stderr,
                      "Valeur de la capacit\xE9 du lien %d - %d: %f, Valeur de la bande passante "
                      "r\xE9serv\xE9"
                      "e P0: %f, PetB0: %f\n",
-                     path[u], path[u + 1], state->cap[0], state->pbw[0][0], state->rbw[0][0]);
+                     path[u], path[u + 1], link->state.cap[0], link->state.pbw[0][0],
+                     link->state.rbw[0][0]);
     }
     std::fputs(" \n", stderr);
 }

@@ -112,7 +112,8 @@ int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, Effect 
         if (makeRoomFor(effect, link->state) != 0)
             return -1;
         const bool isListed = isOnPath && op == SETUP;
-        return !isListed || vec::makeRoom(link->lspList, countHop(path, src, dst))
+        return makeRoomFor(link->summary, effect) &&
+                       (!isListed || vec::makeRoom(link->lspList, countHop(path, src, dst)))
                    ? 0
                    : here.fail("Critical lack of memory in %s at line %d");
     });

@@ -141,6 +141,7 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState
     Owned<DBLink, DBlinkDestroy> link{DBlinkNew()};
     if (!link || DBlinkStateCopy(&link->state, initLinkState) != 0)
         return here.fail("Unable to create link in %s at line %d");
+    summarize(link->summary, link->state);
     link->id = id;
     DBNode *from = nodeAt(dataBase->nodeVec, src);
     DBNode *to = nodeAt(dataBase->nodeVec, dst);
@@ -281,7 +282,10 @@ DBLSPList *DBgetLinkLSPs(DataBase *dataBase, Long src, Long dst)
 DBLinkState *DBgetLinkState(DataBase *dataBase, Long src, Long dst)
 {
     DBLink *link = existingLink(dataBase, src, dst);
-    return link ? &link->state : nullptr;
+    if (!link)
+        return nullptr;
+    expose(link->summary);
+    return &link->state;
 }
 
 int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *newLS)
@@ -298,6 +302,7 @@ int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *ne
             "Impossible to set linkstate on link (src = %ld, dst = %ld) in %s at line %d",
             long{src}, long{dst});
     std::swap(link->state, *copy);
+    summarize(link->summary, link->state);
     return 0;
 }
 

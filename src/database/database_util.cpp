@@ -151,6 +151,7 @@ int DBlinkEnd(DBLink *link)
         return here.fail("Bad argument (NULL) in %s at line %d");
     DBlinkStateEnd(&link->state);
     DBlspListEnd(&link->lspList);
+    endSummary(link->summary);
     return 0;
 }
 

@@ -15,6 +15,7 @@
 #include "common/common.h"
 #include "database/link_state.h"
 #include "database/lsp.h"
+#include "database/summary.h"
 
 /** A node and its neighbours, both lists ascending. */
 struct DBNode_ {
@@ -28,7 +29,8 @@ using DBNode = DBNode_;
 struct DBLink_ {
     Long id;
     DBLinkState state;
-    DBLSPList lspList; ///< LSPs whose path uses the link; the records belong to the LSP table
+    DBLSPList lspList;   ///< LSPs whose path uses the link; the records belong to the LSP table
+    LinkSummary summary; ///< follows the stored state
 };
 using DBLink = DBLink_;
 

@@ -106,6 +106,13 @@ struct Effect {
     {
         return change.sign * (change.partnerAmount ? partner : own)[oa];
     }
+
+    /** Whether `change` may lift a row of class type `oa`: more need, or less bandwidth freed. */
+    bool addsNeed(const SlotChange &change, int oa) const
+    {
+        const double added = amount(change, oa);
+        return change.table == FailureTable::backup ? added > 0.0 : added < 0.0;
+    }
 };
 
 /**

@@ -2,32 +2,16 @@
 
 #include "common/records.h"
 #include "common/vector.h"
+#include "database/failure_tables.h"
 #include "error/report.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 namespace
 {
 
 constexpr Unit here{"database/database"};
-
-/** Slot k of a table indexed by link id; 0 beyond its capacity. */
-template <class Vec>
-auto slotOf(const Vec &table, Long k)
-{
-    return k < table.size ? table.cont[k] : 0;
-}
-
-/** The failure tables of one state. */
-struct StateTables {
-    const DoubleVec (*bbw)[MAXPL];
-    const DoubleVec (*fbw)[MAXPL];
-
-    double backup(int oa, int p, Long k) const { return slotOf(bbw[oa][p], k); }
-    double freed(int oa, int p, Long k) const { return slotOf(fbw[oa][p], k); }
-};
 
 /** The failure tables of one state with an effect, sorted by slot, laid over them. */
 struct OverlaidTables {
@@ -98,70 +82,44 @@ void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k,
     }
 }
 
-/** The slots of a block that a table has; empty beyond its capacity. */
-constexpr Long blockSlots = 64;
-std::span<const double> blockOf(const DoubleVec &table, Long first)
+/** Where the needy slots of one state are found: listed for a stored link, else in the tables. */
+class NeedySlots
 {
-    const Long last = std::min(first + blockSlots, table.size);
-    return {table.cont + std::min(first, last),
-            static_cast<std::size_t>(std::max(last - first, 0))};
-}
-
-/** All bits that are set in any of the values: one cheap reduction over many slots at once. */
-std::int64_t bitsOf(std::span<const double> values)
-{
-    std::int64_t bits = 0;
-    for (const double value : values)
-        bits |= std::bit_cast<std::int64_t>(value);
-    return bits;
-}
-
-/** False only when none of the slots from `first` on can make a row exceed 0. */
-bool blockMayBeNeedy(const StateTables &tables, int oa, Long first)
-{
-    for (int p = 0; p < MAXPL; ++p) {
-        const bool anyBackup = bitsOf(blockOf(tables.bbw[oa][p], first)) != 0;
-        const bool anyBelowZero = bitsOf(blockOf(tables.fbw[oa][p], first)) < 0;
-        if (anyBackup || anyBelowZero)
-            return true;
+public:
+    NeedySlots(const DataBase &db, const StateTables &stateTables, const LinkSummary *linkSummary)
+        : tables(stateTables), summary(linkSummary), nbIds(db.linkSrcVec.top)
+    {
     }
-    return false;
-}
 
-bool slotIsNeedy(const StateTables &tables, int oa, Long k)
-{
-    for (int p = 0; p < MAXPL; ++p) {
-        if (tables.backup(oa, p, k) > 0.0 || tables.freed(oa, p, k) < 0.0)
-            return true;
+    /** Calls `visit(k)` for each, ascending. */
+    template <class Visit>
+    void forEach(int oa, Visit visit) const
+    {
+        if (summary) {
+            std::ranges::for_each(inUse(summary->needy[oa]), visit);
+            return;
+        }
+        const Long end = std::min(longestTable(tables, oa), nbIds);
+        for (Long k = nextNeedySlot(tables, oa, 0, end); k < end;
+             k = nextNeedySlot(tables, oa, k + 1, end))
+            visit(k);
     }
-    return false;
-}
 
-Long longestTable(const StateTables &tables, int oa)
-{
-    Long longest = 0;
-    for (int p = 0; p < MAXPL; ++p)
-        longest = std::max({longest, tables.bbw[oa][p].size, tables.fbw[oa][p].size});
-    return longest;
-}
+private:
+    StateTables tables;
+    const LinkSummary *summary;
+    Long nbIds;
+};
 
 /**
  * Raises `largest` by every row that can exceed 0 with the present tables; `tables` gives the
  * values, which may be others. All other rows are 0 as long as the values differ in no other slot.
  */
 template <class Tables>
-void raiseByNeedySlots(const DataBase &db, const StateTables &present, const Tables &tables, int oa,
+void raiseByNeedySlots(const DataBase &db, const NeedySlots &present, const Tables &tables, int oa,
                        Needs &largest)
 {
-    const Long end = std::min(longestTable(present, oa), db.linkSrcVec.top);
-    for (Long first = 0; first < end; first += blockSlots) {
-        if (!blockMayBeNeedy(present, oa, first))
-            continue;
-        for (Long k = first; k < std::min(first + blockSlots, end); ++k) {
-            if (slotIsNeedy(present, oa, k))
-                raiseByFailuresOf(db, tables, oa, k, largest);
-        }
-    }
+    present.forEach(oa, [&](Long k) { raiseByFailuresOf(db, tables, oa, k, largest); });
 }
 
 /** Adds to each level's primary reservation what the level adds to the largest need. */
@@ -179,9 +137,8 @@ void raiseByChanges(const DataBase &db, const OverlaidTables &tables, int oa, Ne
 {
     Long last = -1;
     for (const SlotChange &change : tables.effect.slots.all()) {
-        const double amount = tables.effect.amount(change, oa);
-        const bool adds = change.table == FailureTable::backup ? amount > 0.0 : amount < 0.0;
-        if (!adds || change.slot == last || slotIsNeedy(tables.present, oa, change.slot))
+        if (!tables.effect.addsNeed(change, oa) || change.slot == last ||
+            isNeedy(tables.present, oa, change.slot))
             continue;
         raiseByFailuresOf(db, tables, oa, change.slot, largest);
         last = change.slot;
@@ -189,17 +146,18 @@ void raiseByChanges(const DataBase &db, const OverlaidTables &tables, int oa, Ne
 }
 
 /** What class type `oa` of the link reserves with a sorted effect laid over its tables. */
-void reserveWithEffect(const DataBase &db, const DBLinkState &ls, const Effect &effect, int oa,
-                       double (&rbw)[MAXPL])
+void reserveWithEffect(const DataBase &db, const DBLinkState &ls, const LinkSummary *summary,
+                       const Effect &effect, int oa, double (&rbw)[MAXPL])
 {
-    const StateTables present{ls.bbw, ls.fbw};
+    const StateTables present = tablesOf(ls);
+    const NeedySlots needy{db, present, summary};
     Needs largest{};
     if (effect.changes(oa)) {
         const OverlaidTables overlaid{present, effect};
-        raiseByNeedySlots(db, present, overlaid, oa, largest);
+        raiseByNeedySlots(db, needy, overlaid, oa, largest);
         raiseByChanges(db, overlaid, oa, largest);
     } else {
-        raiseByNeedySlots(db, present, present, oa, largest);
+        raiseByNeedySlots(db, needy, present, oa, largest);
     }
 
     double pbw[MAXPL];
@@ -265,6 +223,25 @@ int fillRecord(const DataBase &db, const LSPRequest &req, DBLabelSwitchedPath &r
     return 0;
 }
 
+/** Writes the reservation that follows from the tables. */
+void reserve(const DataBase &db, double rbw[MAXOA][MAXPL], const double pbw[MAXOA][MAXPL],
+             const StateTables &tables, const LinkSummary *summary)
+{
+    const NeedySlots needy{db, tables, summary};
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        Needs largest{};
+        raiseByNeedySlots(db, needy, tables, oa, largest);
+        spreadOverLevels(pbw[oa], largest, rbw[oa]);
+    }
+}
+
+/** The summary of the link from `src` to `dst` if `ls` is its stored state and can be trusted. */
+LinkSummary *trustedSummary(const DataBase &db, Long src, Long dst, const DBLinkState &ls)
+{
+    DBLink *link = linkAt(db.linkTab, src, dst);
+    return link && &link->state == &ls && link->summary.isTrusted ? &link->summary : nullptr;
+}
+
 } // namespace
 
 int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL], const double pbw[MAXOA][MAXPL],
@@ -272,12 +249,7 @@ int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL], const double 
 {
     if (!dataBase || !rbw || !pbw || !bbw || !fbw)
         return here.fail("Bad argument (NULL) in %s at line %d");
-    const StateTables tables{bbw, fbw};
-    for (int oa = 0; oa < MAXOA; ++oa) {
-        Needs largest{};
-        raiseByNeedySlots(*dataBase, tables, tables, oa, largest);
-        spreadOverLevels(pbw[oa], largest, rbw[oa]);
-    }
+    reserve(*dataBase, rbw, pbw, {bbw, fbw}, nullptr);
     return 0;
 }
 
@@ -307,7 +279,14 @@ int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView 
     if (makeRoomFor(effect, ls) != 0)
         return -1;
     apply(effect, ls);
-    return listed == 0 ? computeRBW(&db, ls.rbw, ls.pbw, ls.bbw, ls.fbw) : -1;
+    LinkSummary *summary = trustedSummary(db, src, dst, ls);
+    if (summary)
+        noteChanges(*summary, ls, effect);
+    if (listed != 0)
+        return -1;
+    const bool isListed = summary && summary->isTrusted;
+    reserve(db, ls.rbw, ls.pbw, tablesOf(ls), isListed ? summary : nullptr);
+    return 0;
 }
 
 int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
@@ -377,7 +356,8 @@ int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DB
         return 0;
     }
     effect.slots.sortBySlot();
+    const LinkSummary *summary = trustedSummary(*dataBase, src, dst, *ls);
     for (int oa = 0; oa < MAXOA; ++oa)
-        reserveWithEffect(*dataBase, *ls, effect, oa, rbw[oa]);
+        reserveWithEffect(*dataBase, *ls, summary, effect, oa, rbw[oa]);
     return 0;
 }

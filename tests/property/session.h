@@ -81,7 +81,7 @@ protected:
     {
         bool same = DBgetNbLinks(db) == static_cast<Long>(plain.links.size());
         for (const auto &[ends, link] : plain.links)
-            same = same && areSame(*DBgetLinkState(db, ends.first, ends.second), link.state);
+            same = same && areSame(storedState(db, ends), link.state);
         for (const auto &[id, lsp] : plain.lsps)
             same = same && DBgetLSP(db, id)->noContentionId == lsp.noContentionId;
         return same;

@@ -113,6 +113,11 @@ PlannedLsp backupOf(const NetworkPlan &plan, const PlannedLsp &primary, DBLSPTyp
     return backup;
 }
 
+const DBLinkState &storedState(const DataBase *db, Hop hop)
+{
+    return linkAt(db->linkTab, hop.first, hop.second)->state;
+}
+
 int addLink(DataBase *db, const PlannedLink &link)
 {
     const Owned<DBLinkState, DBlinkStateDestroy> state{DBlinkStateNew()};

@@ -87,6 +87,9 @@ NodePath hopPath(const NetworkPlan &plan, Long src, Long dst, Rng &rng, Hop avoi
 /** A backup of `primary` that leaves it at a random node; its path is empty when there is none. */
 PlannedLsp backupOf(const NetworkPlan &plan, const PlannedLsp &primary, DBLSPType type, Rng &rng);
 
+/** The stored state of a link that is there, as the engine reads it. */
+const DBLinkState &storedState(const DataBase *db, Hop hop);
+
 /** Adds a link without reservations, or a whole network; 0, or -1. */
 int addLink(DataBase *db, const PlannedLink &link);
 int addNetwork(DataBase *db, const NetworkPlan &plan);

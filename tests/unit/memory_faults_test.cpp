@@ -81,7 +81,7 @@ struct Scene {
     int evaluate()
     {
         const State made{DBlinkStateNew()};
-        return made ? DBevalLSOnSetup(db.get(), 1, 2, made.get(), DBgetLinkState(db.get(), 1, 2),
+        return made ? DBevalLSOnSetup(db.get(), 1, 2, made.get(), &linkAt(db->linkTab, 1, 2)->state,
                                       wholeRequest.get())
                     : -1;
     }

@@ -53,8 +53,10 @@ void WorkingStates::share()
                      long{message.line});
             continue;
         }
-        lsList[link] = DBgetLinkState(&db, src, dst);
-        if (!lsList[link])
+        DBLink *stored = linkAt(db.linkTab, src, dst);
+        if (stored)
+            lsList[link] = &stored->state;
+        else
             here.push(WARNING, "Oups there should be a link-state here in %s at line %d");
     }
 }

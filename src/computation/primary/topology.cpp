@@ -139,7 +139,8 @@ private:
     {
         const Long src = side == Side::in ? nb : nd;
         const Long dst = side == Side::in ? nd : nb;
-        BKConnect connect{nb, DBgetLinkState(db, src, dst), {}};
+        const DBLink *link = linkAt(db->linkTab, src, dst);
+        BKConnect connect{nb, link ? &link->state : nullptr, {}};
         if (!isValidRequestLink(db, src, dst, connect.linkState, req, connect.info.gain))
             return 0;
         return append(connect, side);

@@ -1,0 +1,41 @@
+/**
+ * What is known of a stored link's failure tables without reading them.
+ *
+ * Invariant: while a summary is trusted, its list for a class type holds, ascending, exactly the
+ * needy slots of the link's tables (database/failure_tables.h). The tables of a link that carries
+ * only primaries need not be read at all.
+ *
+ * Writers: summarize, for a state that was handed in; noteChanges, after an effect was applied; and
+ * expose, once somebody outside holds the stored state. A summary that is not trusted, for that
+ * reason or for lack of memory, is not used: the tables are read instead.
+ */
+#ifndef TARNEX_DATABASE_SUMMARY_H
+#define TARNEX_DATABASE_SUMMARY_H
+
+#include "database/link_state.h"
+
+struct Effect;
+
+/** Summary of one stored link; zeroed, it is not trusted and owns nothing. */
+struct LinkSummary {
+    bool isTrusted;        ///< whether the lists are exact
+    bool isExposed;        ///< whether the state may be written from outside: never trusted again
+    LongList needy[MAXOA]; ///< needy slots by class type; without contents until the first
+};
+
+/** Makes the summary of a state that was handed in. */
+void summarize(LinkSummary &summary, const DBLinkState &state);
+
+/** Makes room for what an effect may add to the lists; false without memory. */
+[[nodiscard]] bool makeRoomFor(LinkSummary &summary, const Effect &effect);
+
+/** Follows an effect that has been applied to the state. */
+void noteChanges(LinkSummary &summary, const DBLinkState &state, const Effect &effect);
+
+/** Stops trusting the summary for good: the state may change without notice. */
+void expose(LinkSummary &summary);
+
+/** Releases the lists. */
+void endSummary(LinkSummary &summary);
+
+#endif
