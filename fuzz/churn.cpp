@@ -3,11 +3,13 @@
 #include "common/setup.h"
 #include "computation/backup/backup.h"
 #include "computation/primary/primaryPath.h"
+#include "computation/primary/search.h"
 #include "consistency.h"
 #include "database/admission.h"
 #include "database/reservation.h"
 #include "support/memory_probe.h"
 
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <stdexcept>
@@ -29,6 +31,30 @@ unsigned seedFrom(Rng &rng) { return static_cast<unsigned>(randomInt(rng, 256));
 
 NodePath idsIn(const LongList &list) { return {inUse(list).begin(), inUse(list).end()}; }
 
+bool isSame(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+
+/** A path and its score. */
+struct Routed {
+    NodePath path;
+    double cost;
+};
+
+/** The path as the working topology and its search find it; none when there is none. */
+std::optional<Routed> routedByTopology(DataBase *db, const PlannedLsp &lsp)
+{
+    const RequestRecord req = requestOf(lsp);
+    BKTopology topo{};
+    require(initTopo(&topo, -1) == 0, "no memory");
+    const Guard<BKTopology, endTopo> guard{&topo};
+    const bool isRouted = fillTopo(db, req.get(), &topo) == 0 &&
+                          bellmanKalaba(&topo, req.get()) == 0 &&
+                          updateRequest(&topo, req.get()) == 0 && req->path.top > 1;
+    errorManager.top = 0;
+    if (!isRouted)
+        return std::nullopt;
+    return Routed{idsIn(req->path), placedNode(topo, req->path.cont[req->path.top - 1]).info.cost};
+}
+
 } // namespace
 
 /** What a step chooses from; the larger the weight, the more often. */
@@ -43,8 +69,12 @@ Churn::Churn(Rng choices, Amounts kind) : rng(choices), amounts(kind), loses(ran
     COST = 0.0;
     tarnexConfig = {};
     tarnexConfig.predicateConfig.capacityClause = true;
-    tarnexConfig.primaryComputationConfig.Fortz = randomInt(rng, 2);
-    tarnexConfig.primaryComputationConfig.loadBal[0] = randomInt(rng, 3);
+    PrimaryComputationConfig &weights = tarnexConfig.primaryComputationConfig;
+    weights.Fortz = randomInt(rng, 3) / 3.0;
+    weights.load[0] = randomInt(rng, 3) / 3.0;
+    weights.relLoad[0] = randomInt(rng, 2) / 7.0;
+    weights.delay[3] = randomInt(rng, 2);
+    weights.loadBal[0] = randomInt(rng, 8) == 0 ? 1.0 : 0.0;
     db = DBnew(1);
     require(longVecInit(&preempted, -1) == 0, "no memory");
     Rng shape{seedFrom(rng)};
@@ -144,7 +174,14 @@ void Churn::request()
     bool &allowReroute = tarnexConfig.predicateConfig.allowReroute;
     allowReroute = randomInt(rng, 2) == 0;
     const RequestRecord req = requestOf(lsp);
-    if (attempt([&] { return computePrimaryPath(db, req.get()); }) == 0) {
+    const std::optional<Routed> expected = routedByTopology(db, lsp);
+    COST = 0.0;
+    const int result = attempt([&] { return computePrimaryPath(db, req.get()); });
+    require(faulted || (result == 0) == expected.has_value(),
+            "a path is there for one search only");
+    require(result != 0 || (idsIn(req->path) == expected->path && isSame(COST, expected->cost)),
+            "two searches find different paths");
+    if (result == 0) {
         lsp.path = idsIn(req->path);
         lsp.primPath.clear();
         if (add(lsp)) {

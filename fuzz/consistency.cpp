@@ -171,6 +171,8 @@ std::size_t ownedBytes(const DataBase &db)
                      countedIn(lsp->forbidLinks, lsp->path, lsp->primPath, lsp->backLSPIDs);
     }
     bytes += countedBytes(db.linkTab.emptyRow);
+    for (const void *block : {db.index.block, db.index.workspace})
+        bytes += block ? countedBytes(block) : 0;
     for (DBLink **row : slots(db.linkTab)) {
         if (row == db.linkTab.emptyRow)
             continue;

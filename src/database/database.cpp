@@ -91,6 +91,7 @@ int DBdestroy(DataBase *dataBase)
     static_cast<void>(DBlinkTabEnd(&dataBase->linkTab));
     longVecEnd(&dataBase->linkSrcVec);
     longVecEnd(&dataBase->linkDstVec);
+    endIndex(dataBase->index);
     myfree(dataBase);
     return 0;
 }
@@ -107,6 +108,7 @@ int DBaddNode(DataBase *dataBase, Long id)
         return here.fail(
             "Unable to insert a new node in the general node container in %s at line %d");
     handOver(node);
+    forgetNumbers(*dataBase);
     dataBase->nbNodes += 1;
     return 0;
 }
@@ -119,6 +121,7 @@ int DBremoveNode(DataBase *dataBase, Long id)
     if (!node)
         return here.fail("Trying to remove an inexistent node in %s at line %d");
 
+    forgetNumbers(*dataBase);
     // From the last entry down: a link that cannot be removed keeps its entry and is passed over.
     int result = 0;
     for (Long i = node->inNeighb.top; i-- > 0;)
@@ -160,6 +163,7 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState
         return here.fail(
             "Unable to insert a new node in the general node container in %s at line %d");
     handOver(link);
+    forgetNumbers(*dataBase);
 
     // The table owns the link: no way back from here, every step runs and one failure sticks.
     int result = 0;
@@ -187,6 +191,7 @@ int DBremoveLink(DataBase *dataBase, Long src, Long dst)
         return here.fail("Link doesn't exist or database unconsistancy in %s at line %d");
 
     const Long id = link->id;
+    forgetNumbers(*dataBase);
     int result = 0;
     result |= removeValue(from->outNeighb, dst);
     result |= removeValue(to->inNeighb, src);
@@ -285,6 +290,7 @@ DBLinkState *DBgetLinkState(DataBase *dataBase, Long src, Long dst)
     if (!link)
         return nullptr;
     expose(link->summary);
+    noteStateChange(*dataBase, *link);
     return &link->state;
 }
 
@@ -303,6 +309,7 @@ int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *ne
             long{src}, long{dst});
     std::swap(link->state, *copy);
     summarize(link->summary, link->state);
+    noteStateChange(*dataBase, *link);
     return 0;
 }
 

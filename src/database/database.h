@@ -13,6 +13,7 @@
 #define TARNEX_DATABASE_DATABASE_H
 
 #include "database/database_util.h"
+#include "database/network_index.h"
 
 /** The network. */
 struct DataBase_ {
@@ -25,6 +26,7 @@ struct DataBase_ {
     LongVec linkSrcVec; ///< slot `id`: source of link `id` plus 1, 0 when there is no such link;
                         ///< `top` is one more than the highest link id in use
     LongVec linkDstVec; ///< slot `id`: destination of link `id` plus 1, 0 when none
+    NetworkIndex index; ///< for searches, made when the first needs it
 };
 using DataBase = DataBase_;
 

@@ -22,6 +22,7 @@ struct DBNode_ {
     Long id;
     LongList inNeighb;  ///< nodes with a link to this one
     LongList outNeighb; ///< nodes that this one has a link to
+    Long number;        ///< in the network's index, while that is current
 };
 using DBNode = DBNode_;
 
@@ -31,6 +32,7 @@ struct DBLink_ {
     DBLinkState state;
     DBLSPList lspList;   ///< LSPs whose path uses the link; the records belong to the LSP table
     LinkSummary summary; ///< follows the stored state
+    Long number;         ///< in the network's index, while that is current
 };
 using DBLink = DBLink_;
 

@@ -235,11 +235,17 @@ void reserve(const DataBase &db, double rbw[MAXOA][MAXPL], const double pbw[MAXO
     }
 }
 
-/** The summary of the link from `src` to `dst` if `ls` is its stored state and can be trusted. */
-LinkSummary *trustedSummary(const DataBase &db, Long src, Long dst, const DBLinkState &ls)
+/** The link from `src` to `dst` if `ls` is its stored state, null if it is a private one. */
+DBLink *linkStoring(const DataBase &db, Long src, Long dst, const DBLinkState &ls)
 {
     DBLink *link = linkAt(db.linkTab, src, dst);
-    return link && &link->state == &ls && link->summary.isTrusted ? &link->summary : nullptr;
+    return link && &link->state == &ls ? link : nullptr;
+}
+
+/** The summary of a stored link if it can be trusted; null for one that cannot and for no link. */
+const LinkSummary *trusted(const DBLink *link)
+{
+    return link && link->summary.isTrusted ? &link->summary : nullptr;
 }
 
 } // namespace
@@ -251,6 +257,11 @@ int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL], const double 
         return here.fail("Bad argument (NULL) in %s at line %d");
     reserve(*dataBase, rbw, pbw, {bbw, fbw}, nullptr);
     return 0;
+}
+
+void reservationFromTables(const DataBase &db, const DBLink &link, double (&rbw)[MAXOA][MAXPL])
+{
+    reserve(db, rbw, link.state.pbw, tablesOf(link.state), trusted(&link));
 }
 
 int makeRoomFor(const Effect &effect, DBLinkState &ls)
@@ -279,13 +290,14 @@ int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView 
     if (makeRoomFor(effect, ls) != 0)
         return -1;
     apply(effect, ls);
-    LinkSummary *summary = trustedSummary(db, src, dst, ls);
-    if (summary)
-        noteChanges(*summary, ls, effect);
+    DBLink *link = linkStoring(db, src, dst, ls);
+    if (link) {
+        noteChanges(link->summary, ls, effect);
+        noteStateChange(db, *link);
+    }
     if (listed != 0)
         return -1;
-    const bool isListed = summary && summary->isTrusted;
-    reserve(db, ls.rbw, ls.pbw, tablesOf(ls), isListed ? summary : nullptr);
+    reserve(db, ls.rbw, ls.pbw, tablesOf(ls), trusted(link));
     return 0;
 }
 
@@ -356,7 +368,7 @@ int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DB
         return 0;
     }
     effect.slots.sortBySlot();
-    const LinkSummary *summary = trustedSummary(*dataBase, src, dst, *ls);
+    const LinkSummary *summary = trusted(linkStoring(*dataBase, src, dst, *ls));
     for (int oa = 0; oa < MAXOA; ++oa)
         reserveWithEffect(*dataBase, *ls, summary, effect, oa, rbw[oa]);
     return 0;

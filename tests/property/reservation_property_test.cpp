@@ -28,7 +28,7 @@ struct Quiet {
 TEST(RandomOperations, KeepEveryReservationAndEveryByte)
 {
     Churn::Tally met;
-    for (unsigned seed = 1; seed <= 10; ++seed) {
+    for (unsigned seed = 1; seed <= 14; ++seed) {
         SCOPED_TRACE(seed);
         const Quiet quiet;
         const Long bytesBefore = allocatedMemory;

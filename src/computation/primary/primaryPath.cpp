@@ -2,6 +2,7 @@
 
 #include "common/records.h"
 #include "common/setup.h"
+#include "computation/primary/indexed_search.h"
 #include "computation/primary/search.h"
 #include "error/report.h"
 
@@ -38,6 +39,30 @@ int walkBack(const BKTopology &topo, Long src, Long nd, LongList &path)
     return 0;
 }
 
+/** Computes the path by way of the working topology; 0, or -1 after a message. */
+int searchTopology(DataBase &db, LSPRequest &req)
+{
+    BKTopology topo{};
+    if (initTopo(&topo, -1) != 0)
+        return here.fail("Unable to initialize the topology structure in %s at line %d");
+    const Guard<BKTopology, endTopo> guard{&topo};
+    if (fillTopo(&db, &req, &topo) != 0)
+        return here.fail("Unable to build topology in %s at line %d");
+    if (bellmanKalaba(&topo, &req) != 0)
+        return here.fail("Bellman-Kalaba failure in %s at line %d");
+    if (updateRequest(&topo, &req) != 0)
+        return here.fail("Unable to update requested path in %s at line %d");
+
+    const Long dst = getRequestDst(&req);
+    if (dst < 0)
+        return -1;
+    const BKNode *egress = lookUp(topo, dst);
+    if (!egress)
+        return here.fail("Unable to get egress node in %s at line %d");
+    COST += egress->info.cost;
+    return 0;
+}
+
 } // namespace
 
 int computePrimaryPath(DataBase *dataBase, LSPRequest *req)
@@ -47,25 +72,22 @@ int computePrimaryPath(DataBase *dataBase, LSPRequest *req)
     if (getRequestSrc(req) < 0)
         return here.fail("Unable to get requested source in %s at line %d");
 
-    BKTopology topo{};
-    if (initTopo(&topo, -1) != 0)
-        return here.fail("Unable to initialize the topology structure in %s at line %d");
-    const Guard<BKTopology, endTopo> guard{&topo};
-    if (fillTopo(dataBase, req, &topo) != 0)
-        return here.fail("Unable to build topology in %s at line %d");
-    if (bellmanKalaba(&topo, req) != 0)
-        return here.fail("Bellman-Kalaba failure in %s at line %d");
-    if (updateRequest(&topo, req) != 0)
+    double cost = 0.0;
+    switch (searchIndexed(*dataBase, *req, cost)) {
+    case IndexedResult::found:
+        COST += cost;
+        return 0;
+    case IndexedResult::unreachable:
+        req->path.top = 0;
+        here.push(CRITICAL, "Destination unreachable in %s at line %d");
         return here.fail("Unable to update requested path in %s at line %d");
-
-    const Long dst = getRequestDst(req);
-    if (dst < 0)
-        return -1;
-    const BKNode *egress = lookUp(topo, dst);
-    if (!egress)
-        return here.fail("Unable to get egress node in %s at line %d");
-    COST += egress->info.cost;
-    return 0;
+    case IndexedResult::noMemory:
+        here.push(CRITICAL, "Critical lack of memory in %s at line %d");
+        return here.fail("Unable to build topology in %s at line %d");
+    case IndexedResult::notTried:
+        return searchTopology(*dataBase, *req);
+    }
+    return -1;
 }
 
 int updateRequest(const BKTopology *topo, LSPRequest *req)

@@ -12,9 +12,6 @@ namespace
 
 constexpr Unit here{"computation/primary/primaryPath"};
 
-/** A candidate must be lower than the committed cost by more than this. */
-constexpr double improvementMargin = 1e-10;
-
 /** How far the search has come with a node. */
 enum Stage : int { notReached = 0, reached = 1, expanded = 2 };
 

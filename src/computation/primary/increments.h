@@ -1,0 +1,56 @@
+/**
+ * What a link adds to the score of a path, whatever the path: the growth of its cost functions when
+ * a request's bandwidth comes on top of its load, each weighted (unit
+ * "computation/primary/primaryPath").
+ */
+#ifndef TARNEX_COMPUTATION_PRIMARY_INCREMENTS_H
+#define TARNEX_COMPUTATION_PRIMARY_INCREMENTS_H
+
+#include "common/setup.h"
+
+#include <array>
+
+/** What the criteria of one class type read of a link and a request. */
+struct LinkTerms {
+    double load;     ///< L, reserved by primary LSPs
+    double capacity; ///< C
+    double bw;       ///< b, the request's bandwidth
+};
+
+/** Slope of the Fortz-Thorup link cost (2000) at a utilization; no number takes the last piece. */
+inline double slopeAt(double utilization)
+{
+    // The breakpoints are single-precision values but for 9/10.
+    constexpr std::array ends{double{1.0F / 3.0F}, double{2.0F / 3.0F}, 9.0 / 10.0, 1.0,
+                              double{11.0F / 10.0F}};
+    constexpr std::array slopes{1.0, 3.0, 10.0, 70.0, 500.0, 5000.0};
+    std::size_t piece = 0;
+    for (const double end : ends)
+        piece += utilization < end ? 0 : 1;
+    return slopes[piece];
+}
+
+/** Weighted growth of the Fortz-Thorup link cost. */
+inline double fortzIncrement(const PrimaryComputationConfig &weights, const LinkTerms &t)
+{
+    return weights.Fortz * slopeAt(t.load / t.capacity) * t.bw;
+}
+
+/** Calls `add` for each criterion of class type `oa` with a weight but Fortz-Thorup and balance. */
+template <class Add>
+void forEachIncrement(const PrimaryComputationConfig &weights, int oa, const LinkTerms &t, Add add)
+{
+    const double squaredLoadGrowth = t.bw * t.bw + 2.0 * t.bw * t.load;
+    if (weights.load[oa] != 0.0)
+        add(weights.load[oa] * t.bw);
+    if (weights.sqLoad[oa] != 0.0)
+        add(weights.sqLoad[oa] * squaredLoadGrowth);
+    if (weights.relLoad[oa] != 0.0)
+        add(weights.relLoad[oa] * t.bw / t.capacity);
+    if (weights.sqRelLoad[oa] != 0.0)
+        add(weights.sqRelLoad[oa] * squaredLoadGrowth / (t.capacity * t.capacity));
+    if (weights.delay[oa] != 0.0)
+        add(weights.delay[oa] * (1.0 / (t.capacity - t.load - t.bw) - 1.0 / (t.capacity - t.load)));
+}
+
+#endif
