@@ -67,7 +67,7 @@ public:
 
 private:
     static constexpr std::size_t fewest = 5;
-    static constexpr std::size_t most = 5000;
+    static constexpr std::size_t most = 1000; ///< few enough to leave the load what it was
     double budget;
 };
 

@@ -105,9 +105,9 @@ void Peer::route(unsigned src, unsigned dst, double bw, Extent extent, LinkPath 
 /**
  * Dijkstra's algorithm from `src` over `weights`.
  *
- * Of the forms that Boost.Graph offers this is the fastest: an adjacency_list takes a tenth longer,
- * a colour map a quarter, weights computed when they are asked for half as long again, with a
- * filtered_graph or without.
+ * The fastest of the forms that Boost.Graph offers. A whole tree over 2000 nodes with Fortz-Thorup
+ * weights took 206 us, with an adjacency_list 236, with weights computed when asked for 310, with
+ * those and a filtered_graph instead of a price on unusable links 318, with a colour map 327.
  */
 void Peer::grow(unsigned src)
 {
