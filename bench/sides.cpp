@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <fcntl.h>
+#include <iterator>
 #include <unistd.h>
 
 using namespace property;
@@ -21,7 +22,6 @@ constexpr double mostBandwidth = 4.0;
 constexpr double typicalBandwidth = (leastBandwidth + mostBandwidth) / 2.0;
 constexpr double wantedFullShare = 0.2;
 constexpr int protectedEvery = 5;
-constexpr std::size_t turnovers = 4; ///< after them the load is steady
 
 /** Keeps off the terminal what the engine prints about backups that it does not find. */
 class Quiet
@@ -68,6 +68,70 @@ void route(Peer &peer, const Demand &demand, Extent extent, LinkPath &path)
 }
 
 bool isFull(const Peer &peer) { return peer.shareWithoutRoom(typicalBandwidth) >= wantedFullShare; }
+
+struct Placement {
+    Demand demand;
+    LinkPath path;
+};
+
+/** A peer under a load of one class type that is replaced again and again. */
+class Churn
+{
+public:
+    Churn(const NetworkPlan &plan, LinkCost cost) : peer(plan, cost) {}
+
+    /** Settles at as many LSPs as keep the links about as full as wanted. */
+    const std::deque<Placement> &settle(Demands &next, int oa)
+    {
+        while (!isFull(peer))
+            add(next(), oa);
+        auto wanted = static_cast<double>(load.size());
+        for (std::size_t steps = turnovers * load.size(); steps > 0; --steps) {
+            add(next(), oa);
+            wanted += isFull(peer) ? -correction : correction;
+            while (static_cast<double>(load.size()) > wanted)
+                removeOldest();
+        }
+        return load;
+    }
+
+private:
+    void add(Demand demand, int oa)
+    {
+        demand.oa = oa;
+        LinkPath path;
+        route(peer, demand, Extent::untilEgress, path);
+        if (path.empty())
+            return;
+        peer.reserve(path, demand.bw);
+        load.push_back({demand, std::move(path)});
+    }
+
+    void removeOldest()
+    {
+        peer.release(load.front().path, load.front().demand.bw);
+        load.pop_front();
+    }
+
+    static constexpr std::size_t turnovers = 5;
+    static constexpr double correction = 0.1; ///< LSPs more or less after each demand
+    Peer peer;
+    std::deque<Placement> load;
+};
+
+/** LSPs for every class type, in no particular order. */
+std::vector<Placement> steadyLoad(const NetworkPlan &plan, const Setting &setting)
+{
+    std::vector<Placement> all;
+    Demands next{1, setting};
+    for (int oa = 0; oa < setting.classes; ++oa) {
+        Churn churn{plan, setting.cost};
+        std::ranges::copy(churn.settle(next, oa), std::back_inserter(all));
+    }
+    Rng rng{2};
+    std::ranges::shuffle(all, rng);
+    return all;
+}
 
 } // namespace
 
@@ -190,58 +254,30 @@ Sides::Sides(const Setting &wanted)
     : setting(wanted), plan(planFor(wanted.nodes)), engine(plan, wanted.cost, wanted.levels > 1),
       peers(static_cast<std::size_t>(wanted.classes), Peer{plan, wanted.cost})
 {
-    for (const Placement &placement : steadyLoad()) {
+    for (const auto &[demand, path] : steadyLoad(plan, setting)) {
         if (setting.isProtected && isFull(peer())) // backups fill links, too
             break;
-        place(placement);
+        place(demand, path);
     }
 }
 
 double Sides::fullShare() const { return peers.front().shareWithoutRoom(typicalBandwidth); }
 
-/** LSPs that fill the links of every class type as wanted after all have been replaced often. */
-std::vector<Sides::Placement> Sides::steadyLoad() const
+void Sides::place(const Demand &demand, const LinkPath &path)
 {
-    std::vector<Placement> all;
-    Demands next{1, setting};
-    for (int oa = 0; oa < setting.classes; ++oa) {
-        Peer scratch{plan, setting.cost};
-        std::deque<Placement> load;
-        for (std::size_t replaced = 0; replaced == 0 || replaced < turnovers * load.size();) {
-            Placement newest{next(), {}};
-            newest.demand.oa = oa;
-            route(scratch, newest.demand, Extent::untilEgress, newest.path);
-            scratch.reserve(newest.path, newest.demand.bw);
-            if (!newest.path.empty())
-                load.push_back(std::move(newest));
-            for (; isFull(scratch); ++replaced) {
-                scratch.release(load.front().path, load.front().demand.bw);
-                load.pop_front();
-            }
-        }
-        all.insert(all.end(), load.begin(), load.end());
-    }
-    Rng rng{2};
-    std::ranges::shuffle(all, rng);
-    return all;
-}
-
-void Sides::place(const Placement &placement)
-{
-    const Demand &demand = placement.demand;
     Peer &owner = peers[static_cast<std::size_t>(demand.oa)];
     PlannedLsp primary = engine.lspFor(demand);
-    primary.path = owner.nodesOf(placement.path);
-    if (!owner.fits(placement.path, demand.bw) || !engine.admit(primary)) {
+    primary.path = owner.nodesOf(path);
+    if (!owner.fits(path, demand.bw) || !engine.admit(primary)) {
         require(setting.isProtected, "a side lacks room for a primary");
         return;
     }
-    owner.reserve(placement.path, demand.bw);
+    owner.reserve(path, demand.bw);
     if (setting.isProtected && nbPrimaries % protectedEvery == 0) {
-        protect(demand, primary, placement.path);
+        protect(demand, primary, path);
     } else {
         engine.removable.push_back(primary.id);
-        held.push_back({placement.path, demand.bw});
+        held.push_back({path, demand.bw});
     }
     ++nbPrimaries;
 }

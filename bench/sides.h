@@ -111,12 +111,7 @@ public:
     std::size_t nbBackups = 0;
 
 private:
-    struct Placement {
-        Demand demand;
-        LinkPath path;
-    };
-    std::vector<Placement> steadyLoad() const;
-    void place(const Placement &placement);
+    void place(const Demand &demand, const LinkPath &path);
     void protect(const Demand &demand, const property::PlannedLsp &primary, const LinkPath &path);
 };
 
