@@ -12,14 +12,13 @@
 #include "computation/primary/primaryPath.h"
 #include "database/admission.h"
 #include "error/error.h"
+#include "measure.h"
 #include "support/random_network.h"
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <deque>
 #include <memory>
-#include <stdexcept>
 
 namespace
 {
@@ -120,12 +119,6 @@ public:
     /** A primary without backups in place. */
     Long anyPrimary() { return unprotected[std::size_t(randomInt(rng, int(unprotected.size())))]; }
 
-    static void require(bool done, const char *otherwise)
-    {
-        if (!done)
-            throw std::runtime_error(otherwise);
-    }
-
 private:
     void place(bool isProtected)
     {
@@ -171,16 +164,13 @@ Engine &engineFor(Size size, int levels)
 template <class Prepare, class Work, class Finish>
 void timeEach(benchmark::State &state, Prepare prepare, Work work, Finish finish)
 {
-    using Clock = std::chrono::steady_clock;
     for (auto iteration : state) {
         static_cast<void>(iteration);
         auto item = prepare();
-        const auto start = Clock::now();
-        work(item);
-        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+        state.SetIterationTime(secondsOf([&] { work(item); }));
         finish(item);
     }
-    Engine::require(errorManager.top == 0, "a message was left");
+    require(errorManager.top == 0, "a message was left");
 }
 
 void primaryRequest(benchmark::State &state, Size size, int levels)
@@ -239,19 +229,19 @@ void protection(benchmark::State &state, Size size, int levels, BackupType type)
 {
     Engine &engine = engineFor(size, levels);
     LSPRequestList backups{};
-    Engine::require(lspRequestListInit(&backups, -1) == 0, "no memory for requests");
+    require(lspRequestListInit(&backups, -1) == 0, "no memory for requests");
     const Guard<LSPRequestList, lspRequestListEnd> guard{&backups};
     double computed = 0.0;
     const auto anyProtectable = [&] {
         Long primary = engine.anyPrimary();
         while (lspRequestListResize(&backups, 0) != 0 || !engine.protect(primary, type, backups))
             primary = engine.anyPrimary();
-        Engine::require(lspRequestListResize(&backups, 0) == 0, "no memory for requests");
+        require(lspRequestListResize(&backups, 0) == 0, "no memory for requests");
         return primary;
     };
     timeEach(
         state, anyProtectable,
-        [&](Long primary) { Engine::require(engine.protect(primary, type, backups), "no backup"); },
+        [&](Long primary) { require(engine.protect(primary, type, backups), "no backup"); },
         [&](Long) { computed += backups.size; });
     state.counters["backups"] = benchmark::Counter{computed, benchmark::Counter::kAvgIterations};
 }

@@ -5,11 +5,11 @@
 #include "common/setup.h"
 #include "database/admission.h"
 #include "error/error.h"
+#include "measure.h"
 #include "support/random_network.h"
 
 #include <cstdio>
 #include <fstream>
-#include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,12 +17,6 @@ namespace
 {
 
 using namespace property;
-
-void require(bool done, const char *otherwise)
-{
-    if (!done)
-        throw std::runtime_error(otherwise);
-}
 
 /** Resident memory of this process, in bytes. */
 long residentBytes()

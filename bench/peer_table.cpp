@@ -1,0 +1,331 @@
+/**
+ * Prints what the engine takes beside what a user would write without it on Boost.Graph: primary
+ * requests with admission, backups, admission and removal of given paths, the price of class types
+ * and levels, and memory. With --quick it only shows that it works.
+ *
+ * Both sides get the same network, the same LSPs in place and the same sequence of demands, in
+ * which the faster side gets further. The load is steady: each LSP placed replaces the oldest. A
+ * figure is the median over operations that were done; those refused are counted beside them.
+ */
+#include "common/setup.h"
+#include "measure.h"
+#include "sides.h"
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+using namespace property;
+
+/** Seeds of the demands of each kind of measurement. */
+enum Seed : unsigned { comparison = 3, requests, givenPaths, primaries };
+
+struct RequestFigures {
+    Figure request;
+    double removal; ///< us
+};
+
+RequestFigures timeEngine(const Sampler &sample, Sides &sides)
+{
+    std::vector<double> removals;
+    const Figure request = sample([&, next = Demands{requests, sides.setting}]() mutable {
+        const std::optional<double> seconds = sides.engine.request(next());
+        if (seconds)
+            removals.push_back(sides.engine.removeOldest());
+        return seconds;
+    });
+    return {request, medianMicroseconds(removals)};
+}
+
+Figure timePeer(const Sampler &sample, Sides &sides, Extent extent)
+{
+    return sample([&, next = Demands{requests, sides.setting}]() mutable {
+        const std::optional<double> seconds = sides.requestAtPeer(next(), extent);
+        if (seconds)
+            sides.removeOldestAtPeer();
+        return seconds;
+    });
+}
+
+/** As long as the peer takes over what the engine places, both find paths of the same cost. */
+Figure compareCosts(const Sampler &sample, Sides &sides)
+{
+    return sample([&, next = Demands{comparison, sides.setting}]() mutable {
+        const Demand demand = next();
+        const std::optional<double> atEngine = sides.engine.request(demand);
+        const std::optional<double> atPeer = sides.requestAtPeer(demand, Extent::wholeTree);
+        require(atEngine.has_value() == atPeer.has_value(), "only one side finds a path");
+        if (atEngine) {
+            const double cost = sides.peer().routeCost();
+            require(std::abs(COST - cost) <= 1e-9 * cost, "the sides differ in a path's cost");
+            sides.takeOver(sides.engine.lastPath);
+            sides.engine.removeOldest();
+            sides.removeOldestAtPeer();
+        }
+        return atEngine;
+    });
+}
+
+void printRequests(const Sampler &sample, const Setting &setting)
+{
+    Sides sides{setting};
+    const double fullBefore = sides.fullShare();
+    const Figure compared = compareCosts(sample, sides);
+    const auto [engine, removal] = timeEngine(sample, sides);
+    const Figure tree = timePeer(sample, sides, Extent::wholeTree);
+    const Figure stopped = timePeer(sample, sides, Extent::untilEgress);
+    std::printf("%6d %-6s %6zu %4.0f %4.0f %10.1f %8.1f %8.1f %7.1f %7.1f %9.1f %9zu %5zu/%-4zu "
+                "%5zu/%-4zu\n",
+                setting.nodes, setting.cost == LinkCost::hops ? "hops" : "Fortz", sides.nbPrimaries,
+                100.0 * fullBefore, 100.0 * sides.fullShare(), engine.us, tree.us, stopped.us,
+                engine.us / tree.us, engine.us / stopped.us, removal, compared.done, engine.done,
+                engine.refused, tree.done, tree.refused);
+}
+
+/** Throws unless the backups lead from the primary's links to nodes behind them, around them. */
+void checkBackups(const Peer &peer, const LinkPath &primary, BackupType type,
+                  const std::vector<LinkPath> &backups)
+{
+    const bool isLocal = type == LOCAL_BACKUP;
+    const NodePath nodes = peer.nodesOf(primary);
+    require(backups.size() == (isLocal ? primary.size() : 1), "a backup is missing");
+    for (std::size_t i = 0; i < backups.size(); ++i) {
+        const NodePath path = peer.nodesOf(backups[i]);
+        const auto avoided = std::span{primary}.subspan(i, isLocal ? 1 : primary.size());
+        const auto rejoin = std::span{nodes}.subspan(isLocal ? i + 1 : primary.size());
+        require(path.front() == nodes[i] &&
+                    std::ranges::find(rejoin, path.back()) != rejoin.end() &&
+                    std::ranges::find_first_of(backups[i], avoided) == backups[i].end(),
+                "a backup does not protect");
+    }
+}
+
+/** Time per backup of LSPs drawn at random; `compute` takes the position of one in `held`. */
+template <class Compute>
+Figure timeBackups(const Sampler &sample, const Sides &sides, BackupType type, Compute compute)
+{
+    return sample([&, rng = Rng{primaries}]() mutable -> std::optional<double> {
+        const auto i =
+            static_cast<std::size_t>(randomInt(rng, static_cast<int>(sides.held.size())));
+        std::vector<LinkPath> backups;
+        const std::optional<double> seconds = compute(i, backups);
+        if (!seconds)
+            return std::nullopt;
+        checkBackups(sides.peers.front(), sides.held[i].path, type, backups);
+        return *seconds / static_cast<double>(backups.size());
+    });
+}
+
+Figure timeEngineBackups(const Sampler &sample, Sides &sides, BackupType type)
+{
+    return timeBackups(sample, sides, type, [&](std::size_t i, std::vector<LinkPath> &backups) {
+        std::vector<NodePath> found;
+        const auto seconds = sides.engine.protect(sides.engine.removable[i], type, found);
+        if (seconds) {
+            for (const NodePath &path : found)
+                backups.push_back(sides.peer().linksOf(path));
+        }
+        return seconds;
+    });
+}
+
+Figure timePeerBackups(const Sampler &sample, Sides &sides, BackupType type)
+{
+    const auto protect = type == LOCAL_BACKUP ? &Peer::protectLinks : &Peer::protectPath;
+    return timeBackups(sample, sides, type, [&](std::size_t i, std::vector<LinkPath> &backups) {
+        const Held &primary = sides.held[i];
+        bool found = false;
+        const double seconds =
+            secondsOf([&] { found = (sides.peer().*protect)(primary.path, primary.bw, backups); });
+        return found ? std::optional{seconds} : std::nullopt;
+    });
+}
+
+void printPair(const Figure &engine, const Figure &peer)
+{
+    std::printf(" %9.1f %7.1f %6.1f %5zu/%-4zu", engine.us, peer.us, engine.us / peer.us,
+                engine.done, engine.refused);
+}
+
+/** Microseconds per hop. */
+struct HopCost {
+    double admission, removal;
+};
+
+HopCost timeGivenPaths(const Sampler &sample, Sides &sides)
+{
+    std::vector<double> removals;
+    const auto admit =
+        [&, next = Demands{givenPaths, sides.setting}]() mutable -> std::optional<double> {
+        const std::optional<PlannedLsp> lsp = sides.routedLsp(next());
+        const std::optional<double> seconds = lsp ? sides.engine.admit(*lsp) : std::nullopt;
+        if (!seconds)
+            return std::nullopt;
+        const auto hops = static_cast<double>(lsp->path.size() - 1);
+        removals.push_back(sides.engine.remove(lsp->id) / hops);
+        return *seconds / hops;
+    };
+    const Figure admission = sample(admit);
+    return {admission.us, medianMicroseconds(removals)};
+}
+
+HopCost printProtected(const Sampler &sample, int nodes)
+{
+    Sides sides{{.nodes = nodes, .isProtected = true}};
+    std::printf("%6d %6zu %7zu %4.0f", nodes, sides.nbPrimaries, sides.nbBackups,
+                100.0 * sides.fullShare());
+    for (const BackupType type : {LOCAL_BACKUP, GLOBAL_BACKUP})
+        printPair(timeEngineBackups(sample, sides, type), timePeerBackups(sample, sides, type));
+    const HopCost hop = timeGivenPaths(sample, sides);
+    const Figure request = timeEngine(sample, sides).request;
+    printPair(request, timePeer(sample, sides, Extent::wholeTree));
+    std::printf("\n");
+    return hop;
+}
+
+void printClassesAndLevels(const Sampler &sample, int nodes)
+{
+    std::optional<double> simplest;
+    for (const auto &[classes, levels] : {std::pair{1, 1}, {2, 1}, {8, 1}, {1, 8}}) {
+        Sides sides{{.nodes = nodes, .classes = classes, .levels = levels}};
+        const Figure engine = timeEngine(sample, sides).request;
+        simplest = simplest.value_or(engine.us);
+        std::printf("%7d %6d %7zu %10.1f %7.2f %11.2f %5zu/%zu\n", classes, levels,
+                    sides.nbPrimaries, engine.us, engine.us / *simplest,
+                    static_cast<double>(sides.engine.nbPreempted) /
+                        static_cast<double>(engine.done),
+                    engine.done, engine.refused);
+    }
+}
+
+/** A memory figure of this process, in bytes. */
+double memoryOf(std::string_view name)
+{
+    std::ifstream status{"/proc/self/status"};
+    for (std::string word; status >> word;) {
+        double kib = 0.0;
+        if (word == name && status >> kib)
+            return 1024.0 * kib;
+    }
+    throw std::runtime_error("no such memory figure");
+}
+
+/** Measures in a process of its own: memory that was used before would hide what is taken. */
+void printMemory(int nodes)
+{
+    std::fflush(stdout);
+    if (fork() == 0) {
+        const NetworkPlan plan = planFor(nodes);
+        const auto links = static_cast<double>(plan.links.size());
+        const double resident = memoryOf("VmRSS:");
+        const Engine engine{plan, LinkCost::fortz, false};
+        std::printf("%6d %8.0f %10.0f %10.0f\n", nodes, links,
+                    static_cast<std::uint32_t>(allocatedMemory) / links,
+                    (memoryOf("VmRSS:") - resident) / links);
+        std::fflush(stdout);
+        _exit(0);
+    }
+    int status = 0;
+    wait(&status);
+    require(status == 0, "the memory of a network could not be measured");
+}
+
+std::string processorModel()
+{
+    std::ifstream info{"/proc/cpuinfo"};
+    for (std::string line; std::getline(info, line);) {
+        if (line.starts_with("model name"))
+            return line.substr(line.find(':') + 2);
+    }
+    return "unknown processor";
+}
+
+void printMemoryBlock(const std::vector<int> &sizes)
+{
+    std::printf("Memory of the engine's network without LSPs, bytes per link\n"
+                "%6s %8s %10s %10s\n",
+                "nodes", "links", "counted", "resident");
+    for (const int nodes : sizes)
+        printMemory(nodes);
+}
+
+void printRequestBlock(const Sampler &sample, const std::vector<int> &sizes)
+{
+    std::printf("\nPrimary request with admission, us; no backups in place; full: %% of the links "
+                "without room for a typical request, before and after\n"
+                "%6s %-6s %6s %9s %10s %8s %8s %7s %7s %9s %9s %10s %10s\n",
+                "nodes", "score", "LSPs", "full", "engine", "tree", "to egr.", "e/tree", "e/egr.",
+                "e removal", "same cost", "e done/ref", "p done/ref");
+    for (const int nodes : sizes) {
+        for (const LinkCost cost : {LinkCost::hops, LinkCost::fortz})
+            printRequests(sample, {.nodes = nodes, .cost = cost});
+    }
+}
+
+void printProtectedBlocks(const Sampler &sample, const std::vector<int> &sizes)
+{
+    std::printf("\nA fifth of the primaries with local backups, Fortz-Thorup score: us per backup "
+                "computed, and per primary request with admission\n%26s %-36s %-36s %s\n"
+                "%6s %6s %7s %4s",
+                "", "  local backups", "  global backup", "  request (peer: whole tree)", "nodes",
+                "LSPs", "backups", "full");
+    for (int i = 0; i < 3; ++i)
+        std::printf(" %9s %7s %6s %10s", "engine", "peer", "ratio", "e done/ref");
+    std::printf("\n");
+    std::vector<HopCost> hopCosts;
+    for (const int nodes : sizes)
+        hopCosts.push_back(printProtected(sample, nodes));
+
+    std::printf("\nGiven paths at the engine in the same networks, us per hop\n%6s %10s %10s\n",
+                "nodes", "admission", "removal");
+    for (std::size_t i = 0; i < sizes.size(); ++i)
+        std::printf("%6d %10.2f %10.2f\n", sizes[i], hopCosts[i].admission, hopCosts[i].removal);
+}
+
+void printClassBlock(const Sampler &sample, int nodes)
+{
+    std::printf("\nPrimary request with admission at the engine, %d nodes, no backups, every class "
+                "type filled alike; preemption with several levels\n"
+                "%7s %6s %7s %10s %7s %11s %s\n",
+                nodes, "classes", "levels", "LSPs", "us", "ratio", "preempted", "  done/ref");
+    printClassesAndLevels(sample, nodes);
+}
+
+void printTable(bool isQuick)
+{
+    const std::vector<int> sizes =
+        isQuick ? std::vector{100, 200} : std::vector{100, 200, 500, 1000, 2000};
+    const Sampler sample{isQuick ? 0.02 : 2.0};
+    std::printf("%s, compiler %s%s\n\n", processorModel().c_str(), __VERSION__,
+                isQuick ? ", quick run" : "");
+    printMemoryBlock(sizes);
+    printRequestBlock(sample, sizes);
+    printProtectedBlocks(sample, sizes);
+    printClassBlock(sample, isQuick ? 200 : 1000);
+    std::printf("\nPeak resident memory of both sides together: %.0f MB\n",
+                memoryOf("VmHWM:") / 1e6);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const bool isQuick = argc == 2 && std::string_view{argv[1]} == "--quick";
+    if (argc > 1 && !isQuick) {
+        std::fprintf(stderr, "usage: %s [--quick]\n", argv[0]);
+        return 2;
+    }
+    try {
+        printTable(isQuick);
+    } catch (const std::exception &failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return 1;
+    }
+}
