@@ -26,6 +26,7 @@ struct DataBase_ {
     LongVec linkSrcVec; ///< slot `id`: source of link `id` plus 1, 0 when there is no such link;
                         ///< `top` is one more than the highest link id in use
     LongVec linkDstVec; ///< slot `id`: destination of link `id` plus 1, 0 when none
+    Long topology;      ///< counts the changes of nodes and links, modulo 2^32
     NetworkIndex index; ///< for searches, made when the first needs it
 };
 using DataBase = DataBase_;

@@ -143,7 +143,7 @@ bool hasOwnFailureNeeds(const DataBase &db, const DBLink &link, Long destination
 /** Works the figures of one link out anew. */
 void refresh(const DataBase &db, NetworkIndex &index, Long number)
 {
-    const DBLink &link = *index.links[number];
+    DBLink &link = *index.links[number];
     double rbw[MAXOA][MAXPL];
     reservationFromTables(db, link, rbw);
     const auto k = static_cast<std::size_t>(number);
@@ -167,7 +167,11 @@ void refresh(const DataBase &db, NetworkIndex &index, Long number)
 
 } // namespace
 
-void forgetNumbers(DataBase &db) { endIndex(db.index); }
+void forgetNumbers(DataBase &db)
+{
+    db.topology = static_cast<Long>(static_cast<std::uint32_t>(db.topology) + 1);
+    endIndex(db.index);
+}
 
 void noteStateChange(DataBase &db, DBLink &link)
 {

@@ -6,6 +6,7 @@
 #include "error/report.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 namespace
@@ -44,19 +45,16 @@ private:
 using Needs = double[MAXPL];
 
 /**
- * Raises `largest` by the row of one failure, which takes the links `linkOf(item)` down together.
- * The additions run level by level and inside a level in the order of `items`.
+ * Raises `largest` by the row of one failure, which takes `links` down together. The additions run
+ * level by level and inside a level in the order of the links.
  */
-template <class Tables, class Items, class LinkOf>
-void raiseByRow(const Tables &tables, int oa, const Items &items, LinkOf linkOf, Needs &largest)
+template <class Tables>
+void raiseByRow(const Tables &tables, int oa, std::span<const Long> links, Needs &largest)
 {
     double totBbw = 0.0;
     double totFbw = 0.0;
     for (int p = 0; p < MAXPL; ++p) {
-        for (const Long item : items) {
-            const Long link = linkOf(item);
-            if (link < 0)
-                continue;
+        for (const Long link : links) {
             totBbw += tables.backup(oa, p, link);
             totFbw += tables.freed(oa, p, link);
         }
@@ -64,22 +62,50 @@ void raiseByRow(const Tables &tables, int oa, const Items &items, LinkOf linkOf,
     }
 }
 
+/** As raiseByRow for all the links into a node, however many. */
+template <class Tables>
+void raiseByNodeRow(const DataBase &db, const Tables &tables, int oa, const DBNode &node,
+                    Needs &largest)
+{
+    double totBbw = 0.0;
+    double totFbw = 0.0;
+    for (int p = 0; p < MAXPL; ++p) {
+        for (const Long from : inUse(node.inNeighb)) {
+            const DBLink *link = linkAt(db.linkTab, from, node.id);
+            totBbw += link ? tables.backup(oa, p, link->id) : 0.0;
+            totFbw += link ? tables.freed(oa, p, link->id) : 0.0;
+        }
+        largest[p] = std::max(largest[p], totBbw - totFbw);
+    }
+}
+
+/** The node that link `k` enters; null when there is no such link. */
+const DBNode *nodeEntered(const DataBase &db, Long k)
+{
+    const bool exists = k < db.linkSrcVec.top && db.linkSrcVec.cont[k] > 0;
+    return exists ? nodeAt(db.nodeVec, slotOf(db.linkDstVec, k) - 1) : nullptr;
+}
+
 /** Raises `largest` by the failure of link k and by that of the node it enters. */
 template <class Tables>
 void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k, Needs &largest)
 {
-    const bool exists = k < db.linkSrcVec.top && db.linkSrcVec.cont[k] > 0;
-    if (!exists)
+    const DBNode *node = nodeEntered(db, k);
+    if (!node)
         return;
-    raiseByRow(
-        tables, oa, std::array{k}, [](Long link) { return link; }, largest);
+    raiseByRow(tables, oa, std::array{k}, largest);
 
-    const Long n = slotOf(db.linkDstVec, k) - 1;
-    const DBNode *node = nodeAt(db.nodeVec, n);
-    if (node) {
-        const auto linkFrom = [&db, n](Long u) { return DBgetLinkID(&db, u, n); };
-        raiseByRow(tables, oa, inUse(node->inNeighb), linkFrom, largest);
+    // Their ids are looked up once, not level by level, for all but the largest nodes.
+    std::array<Long, 64> links;
+    const auto neighbours = inUse(node->inNeighb);
+    if (neighbours.size() > links.size())
+        return raiseByNodeRow(db, tables, oa, *node, largest);
+    std::size_t count = 0;
+    for (const Long from : neighbours) {
+        if (const DBLink *link = linkAt(db.linkTab, from, node->id))
+            links[count++] = link->id;
     }
+    raiseByRow(tables, oa, {links.data(), count}, largest);
 }
 
 /** Where the needy slots of one state are found: listed for a stored link, else in the tables. */
@@ -132,32 +158,97 @@ void spreadOverLevels(const double (&pbw)[MAXPL], const Needs &largest, double (
     }
 }
 
-/** Raises `largest` by the rows that an effect may lift above 0, of slots not needy yet. */
-void raiseByChanges(const DataBase &db, const OverlaidTables &tables, int oa, Needs &largest)
+/** Which way an effect moves the failure rows of a class type. */
+enum class Shift { none, up, down, both };
+
+Shift shiftOf(const Effect &effect, int oa)
+{
+    bool up = false;
+    bool down = false;
+    for (const SlotChange &change : effect.slots.all()) {
+        const bool adds = effect.addsNeed(change, oa);
+        up = up || adds;
+        down = down || (!adds && effect.amount(change, oa) != 0.0);
+    }
+    return up && down ? Shift::both : up ? Shift::up : down ? Shift::down : Shift::none;
+}
+
+/** Whether a slot that an effect changes shares a failure row with a needy slot. */
+bool touchesNeed(const DataBase &db, const LinkSummary &summary, const Effect &effect, int oa)
+{
+    return std::ranges::any_of(inUse(summary.needy[oa]), [&](Long slot) {
+        const DBNode *node = nodeEntered(db, slot);
+        return std::ranges::any_of(effect.slots.all(), [&](const SlotChange &change) {
+            return change.slot == slot || nodeEntered(db, change.slot) == node;
+        });
+    });
+}
+
+/** Whether the largest needs stay what they are: no row moves, or none that holds any need. */
+bool keepsLargest(const DataBase &db, const LinkSummary &summary, const Effect &effect, int oa)
+{
+    const Shift shift = shiftOf(effect, oa);
+    return shift == Shift::none || (shift == Shift::down && !touchesNeed(db, summary, effect, oa));
+}
+
+/** Raises `largest` by the rows of the slots that an effect changes. */
+template <class Tables>
+void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effect, int oa,
+                    Needs &largest)
 {
     Long last = -1;
-    for (const SlotChange &change : tables.effect.slots.all()) {
-        if (!tables.effect.addsNeed(change, oa) || change.slot == last ||
-            isNeedy(tables.present, oa, change.slot))
-            continue;
-        raiseByFailuresOf(db, tables, oa, change.slot, largest);
+    for (const SlotChange &change : effect.slots.all()) {
+        if (change.slot != last)
+            raiseByFailuresOf(db, tables, oa, change.slot, largest);
         last = change.slot;
     }
 }
 
+/** Whether these are the largest needs that the tables themselves give; for debug builds. */
+[[maybe_unused]] bool areLargest(const DataBase &db, const StateTables &tables, int oa,
+                                 const Needs &largest)
+{
+    Needs derived{};
+    raiseByNeedySlots(db, NeedySlots{db, tables, nullptr}, tables, oa, derived);
+    return std::ranges::equal(derived, largest);
+}
+
+/** The largest needs of present tables; from the summary, which learns them, if there is one. */
+void presentLargest(const DataBase &db, const StateTables &tables, LinkSummary *summary, int oa,
+                    Needs &largest)
+{
+    if (summary && summary->knowsLargest(oa, db.topology)) {
+        std::ranges::copy(summary->largest[oa], largest);
+        assert(areLargest(db, tables, oa, largest));
+        return;
+    }
+    std::ranges::fill(largest, 0.0);
+    raiseByNeedySlots(db, NeedySlots{db, tables, summary}, tables, oa, largest);
+    assert(!summary || areLargest(db, tables, oa, largest));
+    if (!summary)
+        return;
+    if (summary->topology != db.topology)
+        summary->known = 0;
+    summary->topology = db.topology;
+    summary->known |= 1U << oa;
+    std::ranges::copy(largest, summary->largest[oa]);
+}
+
 /** What class type `oa` of the link reserves with a sorted effect laid over its tables. */
-void reserveWithEffect(const DataBase &db, const DBLinkState &ls, const LinkSummary *summary,
+void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *summary,
                        const Effect &effect, int oa, double (&rbw)[MAXPL])
 {
     const StateTables present = tablesOf(ls);
-    const NeedySlots needy{db, present, summary};
+    const OverlaidTables overlaid{present, effect};
     Needs largest{};
-    if (effect.changes(oa)) {
-        const OverlaidTables overlaid{present, effect};
-        raiseByNeedySlots(db, needy, overlaid, oa, largest);
-        raiseByChanges(db, overlaid, oa, largest);
+    if (summary && keepsLargest(db, *summary, effect, oa)) {
+        presentLargest(db, present, summary, oa, largest);
+    } else if (summary && shiftOf(effect, oa) == Shift::up) {
+        presentLargest(db, present, summary, oa, largest);
+        raiseByChanges(db, overlaid, effect, oa, largest);
     } else {
-        raiseByNeedySlots(db, needy, present, oa, largest);
+        raiseByNeedySlots(db, NeedySlots{db, present, summary}, overlaid, oa, largest);
+        raiseByChanges(db, overlaid, effect, oa, largest);
     }
 
     double pbw[MAXPL];
@@ -225,14 +316,37 @@ int fillRecord(const DataBase &db, const LSPRequest &req, DBLabelSwitchedPath &r
 
 /** Writes the reservation that follows from the tables. */
 void reserve(const DataBase &db, double rbw[MAXOA][MAXPL], const double pbw[MAXOA][MAXPL],
-             const StateTables &tables, const LinkSummary *summary)
+             const StateTables &tables, LinkSummary *summary)
 {
-    const NeedySlots needy{db, tables, summary};
     for (int oa = 0; oa < MAXOA; ++oa) {
-        Needs largest{};
-        raiseByNeedySlots(db, needy, tables, oa, largest);
+        Needs largest;
+        presentLargest(db, tables, summary, oa, largest);
         spreadOverLevels(pbw[oa], largest, rbw[oa]);
     }
+}
+
+/** Applies an effect to the tables of a stored link, and has its summary follow. */
+void applyToLink(DataBase &db, DBLink &link, const Effect &effect)
+{
+    LinkSummary &summary = link.summary;
+    unsigned kept = 0;
+    unsigned raised = 0;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        if (!summary.isTrusted || !summary.knowsLargest(oa, db.topology))
+            continue;
+        if (keepsLargest(db, summary, effect, oa))
+            kept |= 1U << oa;
+        else if (shiftOf(effect, oa) == Shift::up)
+            raised |= 1U << oa;
+    }
+    apply(effect, link.state);
+    noteChanges(summary, link.state, effect);
+    summary.known = kept | raised;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        if ((raised >> oa & 1U) != 0)
+            raiseByChanges(db, tablesOf(link.state), effect, oa, summary.largest[oa]);
+    }
+    noteStateChange(db, link);
 }
 
 /** The link from `src` to `dst` if `ls` is its stored state, null if it is a private one. */
@@ -243,7 +357,7 @@ DBLink *linkStoring(const DataBase &db, Long src, Long dst, const DBLinkState &l
 }
 
 /** The summary of a stored link if it can be trusted; null for one that cannot and for no link. */
-const LinkSummary *trusted(const DBLink *link)
+LinkSummary *trusted(DBLink *link)
 {
     return link && link->summary.isTrusted ? &link->summary : nullptr;
 }
@@ -259,7 +373,7 @@ int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL], const double 
     return 0;
 }
 
-void reservationFromTables(const DataBase &db, const DBLink &link, double (&rbw)[MAXOA][MAXPL])
+void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL])
 {
     reserve(db, rbw, link.state.pbw, tablesOf(link.state), trusted(&link));
 }
@@ -289,12 +403,11 @@ int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView 
         return listed;
     if (makeRoomFor(effect, ls) != 0)
         return -1;
-    apply(effect, ls);
     DBLink *link = linkStoring(db, src, dst, ls);
-    if (link) {
-        noteChanges(link->summary, ls, effect);
-        noteStateChange(db, *link);
-    }
+    if (link)
+        applyToLink(db, *link, effect);
+    else
+        apply(effect, ls);
     if (listed != 0)
         return -1;
     reserve(db, ls.rbw, ls.pbw, tablesOf(ls), trusted(link));
@@ -368,7 +481,7 @@ int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DB
         return 0;
     }
     effect.slots.sortBySlot();
-    const LinkSummary *summary = trusted(linkStoring(*dataBase, src, dst, *ls));
+    LinkSummary *summary = trusted(linkStoring(*dataBase, src, dst, *ls));
     for (int oa = 0; oa < MAXOA; ++oa)
         reserveWithEffect(*dataBase, *ls, summary, effect, oa, rbw[oa]);
     return 0;

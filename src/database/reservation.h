@@ -28,7 +28,7 @@
                              const DoubleVec fbw[MAXOA][MAXPL]);
 
 /** Writes what the tables of a stored link make it reserve; its `rbw` may have been handed in. */
-void reservationFromTables(const DataBase &db, const DBLink &link, double (&rbw)[MAXOA][MAXPL]);
+void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL]);
 
 /**
  * Grows the tables of a state for every change of an effect; without memory some have grown.

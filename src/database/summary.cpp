@@ -39,6 +39,7 @@ void summarize(LinkSummary &summary, const DBLinkState &state)
 {
     const StateTables tables = tablesOf(state);
     summary.isTrusted = !summary.isExposed;
+    summary.known = 0;
     for (int oa = 0; oa < MAXOA && summary.isTrusted; ++oa) {
         summary.needy[oa].top = 0;
         const Long end = longestTable(tables, oa);

@@ -2,11 +2,13 @@
  * What is known of a stored link's failure tables without reading them.
  *
  * Invariant: while a summary is trusted, its list for a class type holds, ascending, exactly the
- * needy slots of the link's tables (database/failure_tables.h). The tables of a link that carries
- * only primaries need not be read at all.
+ * needy slots of the link's tables (database/failure_tables.h), and the largest needs of a class
+ * type that is known for the present topology are those that its rows give. The tables of a link
+ * that carries only primaries need not be read at all.
  *
- * Writers: summarize, for a state that was handed in; noteChanges, after an effect was applied; and
- * expose, once somebody outside holds the stored state. A summary that is not trusted, for that
+ * Writers: summarize, for a state that was handed in; noteChanges, after an effect was applied;
+ * the largest needs where reservations are worked out (database/reservation.cpp); and expose, once
+ * somebody outside holds the stored state. A summary that is not trusted, for that
  * reason or for lack of memory, is not used: the tables are read instead.
  */
 #ifndef TARNEX_DATABASE_SUMMARY_H
@@ -21,6 +23,14 @@ struct LinkSummary {
     bool isTrusted;        ///< whether the lists are exact
     bool isExposed;        ///< whether the state may be written from outside: never trusted again
     LongList needy[MAXOA]; ///< needy slots by class type; without contents until the first
+    double largest[MAXOA][MAXPL]; ///< largest need over all failures, at each level
+    unsigned known;               ///< a bit per class type whose `largest` is known
+    Long topology;                ///< count of topology changes it is known for
+
+    bool knowsLargest(int oa, Long presentTopology) const
+    {
+        return topology == presentTopology && (known >> oa & 1U) != 0;
+    }
 };
 
 /** Makes the summary of a state that was handed in. */

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -135,9 +136,10 @@ private:
             const Fit inClass = fitOf(index.figures[oa][link], req.bw[oa]);
             fit = inClass == Fit::yes ? fit : inClass;
         }
-        if (fit == Fit::yes)
-            return true;
-        return (fit == Fit::unknown || doubtful != 0 || config.allowReroute) && ask(link);
+        const bool mustAsk =
+            fit == Fit::unknown || (fit == Fit::no && (doubtful != 0 || config.allowReroute));
+        assert(mustAsk || ask(link) == (fit == Fit::yes));
+        return mustAsk ? ask(link) : fit == Fit::yes;
     }
 
     bool ask(Long link)
