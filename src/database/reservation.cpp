@@ -173,24 +173,6 @@ Shift shiftOf(const Effect &effect, int oa)
     return up && down ? Shift::both : up ? Shift::up : down ? Shift::down : Shift::none;
 }
 
-/** Whether a slot that an effect changes shares a failure row with a needy slot. */
-bool touchesNeed(const DataBase &db, const LinkSummary &summary, const Effect &effect, int oa)
-{
-    return std::ranges::any_of(inUse(summary.needy[oa]), [&](Long slot) {
-        const DBNode *node = nodeEntered(db, slot);
-        return std::ranges::any_of(effect.slots.all(), [&](const SlotChange &change) {
-            return change.slot == slot || nodeEntered(db, change.slot) == node;
-        });
-    });
-}
-
-/** Whether the largest needs stay what they are: no row moves, or none that holds any need. */
-bool keepsLargest(const DataBase &db, const LinkSummary &summary, const Effect &effect, int oa)
-{
-    const Shift shift = shiftOf(effect, oa);
-    return shift == Shift::none || (shift == Shift::down && !touchesNeed(db, summary, effect, oa));
-}
-
 /** Raises `largest` by the rows of the slots that an effect changes. */
 template <class Tables>
 void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effect, int oa,
@@ -202,6 +184,23 @@ void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effe
             raiseByFailuresOf(db, tables, oa, change.slot, largest);
         last = change.slot;
     }
+}
+
+/**
+ * Whether the largest needs of present tables stay what they are under an effect: no row moves, or
+ * rows are only lowered that are below the largest, or hold no need, at every level.
+ */
+bool keepsLargest(const DataBase &db, const StateTables &present, const Effect &effect, int oa,
+                  const LinkSummary &summary)
+{
+    const Shift shift = shiftOf(effect, oa);
+    if (shift != Shift::down || summary.needy[oa].top == 0)
+        return shift == Shift::none || shift == Shift::down;
+    Needs lowered{};
+    raiseByChanges(db, present, effect, oa, lowered);
+    return std::ranges::equal(lowered, summary.largest[oa], [](double row, double largest) {
+        return row == 0.0 || row < largest;
+    });
 }
 
 /** Whether these are the largest needs that the tables themselves give; for debug builds. */
@@ -241,12 +240,12 @@ void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *s
     const StateTables present = tablesOf(ls);
     const OverlaidTables overlaid{present, effect};
     Needs largest{};
-    if (summary && keepsLargest(db, *summary, effect, oa)) {
+    if (summary)
         presentLargest(db, present, summary, oa, largest);
-    } else if (summary && shiftOf(effect, oa) == Shift::up) {
-        presentLargest(db, present, summary, oa, largest);
+    if (summary && shiftOf(effect, oa) == Shift::up) {
         raiseByChanges(db, overlaid, effect, oa, largest);
-    } else {
+    } else if (!summary || !keepsLargest(db, present, effect, oa, *summary)) {
+        std::ranges::fill(largest, 0.0);
         raiseByNeedySlots(db, NeedySlots{db, present, summary}, overlaid, oa, largest);
         raiseByChanges(db, overlaid, effect, oa, largest);
     }
@@ -334,7 +333,7 @@ void applyToLink(DataBase &db, DBLink &link, const Effect &effect)
     for (int oa = 0; oa < MAXOA; ++oa) {
         if (!summary.isTrusted || !summary.knowsLargest(oa, db.topology))
             continue;
-        if (keepsLargest(db, summary, effect, oa))
+        if (keepsLargest(db, tablesOf(link.state), effect, oa, summary))
             kept |= 1U << oa;
         else if (shiftOf(effect, oa) == Shift::up)
             raised |= 1U << oa;
