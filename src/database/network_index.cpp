@@ -117,6 +117,7 @@ bool findConnections(NetworkIndex &index)
 
 bool build(DataBase &db, NetworkIndex &index)
 {
+    endIndex(index); // an attempt before may have ended half way
     for (const DBNode *node : slots(db.nodeVec)) {
         index.nbNodes += node ? 1 : 0;
         index.nbLinks += node ? node->inNeighb.top : 0;

@@ -3,8 +3,10 @@
 #include "computation/primary/search.h"
 #include "property/session.h"
 #include "rerouting/rerouting.h"
+#include "support/memory_probe.h"
 
 #include <limits>
+#include <memory>
 
 namespace property
 {
@@ -155,6 +157,24 @@ TEST_F(PrimaryPathProperty, DriverWritesThePathOrSaysWhy)
         EXPECT_EQ(idsIn(request->path), row.path);
         expectTrail(row.trail);
         EXPECT_EQ(COST, total += row.cost / 32);
+    }
+}
+
+TEST_F(PrimaryPathProperty, AnIndexThatFoundNoMemoryIsMadeAnew)
+{
+    build(networkOf("1:0-1 2:1-0 3:2-0 4:0-2 5:3-0 6:0-3 7:4-0 8:0-4"));
+    for (const int nth : {1, 2, 3, 4}) {
+        ask(1, {1, -1, 4});
+        auto probe = std::make_unique<MemoryProbe>(nth);
+        EXPECT_EQ(computePrimaryPath(db, request.get()), -1) << nth;
+        probe.reset();
+        expectTrail(nth > 1 ? Trail{"Critical lack of memory", "Critical lack of memory",
+                                    "Unable to build topology"}
+                            : Trail{"Critical lack of memory", "Unable to build topology"});
+        ask(1, {1, -1, 4});
+        EXPECT_EQ(computePrimaryPath(db, request.get()), 0);
+        EXPECT_EQ(idsIn(request->path), (NodePath{1, 0, 4}));
+        EXPECT_EQ(DBaddNode(db, 10 + nth), 0); // the index is made anew
     }
 }
 
