@@ -45,35 +45,22 @@ private:
 using Needs = double[MAXPL];
 
 /**
- * Raises `largest` by the row of one failure, which takes `links` down together. The additions run
- * level by level and inside a level in the order of the links.
+ * Raises `largest` by the row of one failure, which takes the links `linkOf(item)` down together.
+ * The additions run level by level and inside a level in the order of `items`.
  */
-template <class Tables>
-void raiseByRow(const Tables &tables, int oa, std::span<const Long> links, Needs &largest)
+template <class Tables, class LinkOf>
+void raiseByRow(const Tables &tables, int oa, std::span<const Long> items, LinkOf linkOf,
+                Needs &largest)
 {
     double totBbw = 0.0;
     double totFbw = 0.0;
     for (int p = 0; p < MAXPL; ++p) {
-        for (const Long link : links) {
+        for (const Long item : items) {
+            const Long link = linkOf(item);
+            if (link < 0)
+                continue;
             totBbw += tables.backup(oa, p, link);
             totFbw += tables.freed(oa, p, link);
-        }
-        largest[p] = std::max(largest[p], totBbw - totFbw);
-    }
-}
-
-/** As raiseByRow for all the links into a node, however many. */
-template <class Tables>
-void raiseByNodeRow(const DataBase &db, const Tables &tables, int oa, const DBNode &node,
-                    Needs &largest)
-{
-    double totBbw = 0.0;
-    double totFbw = 0.0;
-    for (int p = 0; p < MAXPL; ++p) {
-        for (const Long from : inUse(node.inNeighb)) {
-            const DBLink *link = linkAt(db.linkTab, from, node.id);
-            totBbw += link ? tables.backup(oa, p, link->id) : 0.0;
-            totFbw += link ? tables.freed(oa, p, link->id) : 0.0;
         }
         largest[p] = std::max(largest[p], totBbw - totFbw);
     }
@@ -93,19 +80,17 @@ void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k,
     const DBNode *node = nodeEntered(db, k);
     if (!node)
         return;
-    raiseByRow(tables, oa, std::array{k}, largest);
+    const auto itself = [](Long link) { return link; };
+    raiseByRow(tables, oa, std::array{k}, itself, largest);
 
-    // Their ids are looked up once, not level by level, for all but the largest nodes.
-    std::array<Long, 64> links;
+    // Their ids are looked up once rather than level by level, for all but the largest nodes.
+    const auto linkFrom = [&](Long from) { return DBgetLinkID(&db, from, node->id); };
     const auto neighbours = inUse(node->inNeighb);
+    std::array<Long, 64> links;
     if (neighbours.size() > links.size())
-        return raiseByNodeRow(db, tables, oa, *node, largest);
-    std::size_t count = 0;
-    for (const Long from : neighbours) {
-        if (const DBLink *link = linkAt(db.linkTab, from, node->id))
-            links[count++] = link->id;
-    }
-    raiseByRow(tables, oa, {links.data(), count}, largest);
+        return raiseByRow(tables, oa, neighbours, linkFrom, largest);
+    const auto end = std::ranges::transform(neighbours, links.begin(), linkFrom).out;
+    raiseByRow(tables, oa, {links.begin(), end}, itself, largest);
 }
 
 /** Where the needy slots of one state are found: listed for a stored link, else in the tables. */

@@ -65,6 +65,26 @@ TEST(RandomOperations, TakeNoMoreMemoryTheLongerTheyGoOn)
     EXPECT_LT(peaks[1], peaks[0] + peaks[0] / 2);
 }
 
+TEST_F(Session, NodesWithManyLinksFailAsAWhole)
+{
+    NetworkPlan star{.nodes = {0}, .links = {}};
+    for (Long id = 1; id <= 70; ++id) {
+        star.nodes.push_back(id);
+        star.links.push_back({2 * id, id, 0});
+        star.links.push_back({2 * id + 1, 0, id});
+        if (id != 1)
+            star.links.push_back({200 + id, id, 1});
+    }
+    star.links.push_back({1, 1, 2});
+    build(star);
+    for (Long id = 3; id < 70; ++id) { // all protect a link into node 0 over the same one
+        const PlannedLsp primary{id, primaryLSP, 1, {0.25}, {id, 0, 2}};
+        ASSERT_EQ(add(primary), 0);
+        ASSERT_EQ(add({100 + id, localBackupLSP, 2, {0.25}, {id, 1, 2}, id, primary.path}), 0);
+    }
+    EXPECT_TRUE(followsPlain());
+}
+
 /** Resident memory of this process, in MiB. */
 long residentMemory()
 {
