@@ -120,6 +120,36 @@ std::string reservationsOf(const DataBase &db, Contents &contents, const std::se
     return {};
 }
 
+/** Compares the carriers that backups are searched by with the slots that are not 0. */
+std::string carriersOf(const DataBase &db)
+{
+    using Use = std::tuple<Long, Long, int, FailureTable>; ///< failing link, position, level, table
+    const BackupIndex &index = db.backups;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        std::multiset<Use> listed;
+        std::multiset<Use> used;
+        for (Long id = 0; index.carriers[oa] && id < index.nbIds; ++id) {
+            const Long number = index.numberOf[id];
+            if (number < 0)
+                continue;
+            for (const Carrier &carrier : inUse(index.carriers[oa][number]))
+                listed.emplace(id, carrier.position, carrier.level, carrier.table);
+            for (Long position = 0; position < index.nbLinks; ++position) {
+                const DBLinkState &state = index.links[position]->state;
+                for (int p = 0; p < MAXPL; ++p) {
+                    for (const auto table : {FailureTable::backup, FailureTable::freed}) {
+                        if (slotOf(tableOf(state, table, oa, p), id) != 0.0)
+                            used.emplace(id, position, p, table);
+                    }
+                }
+            }
+        }
+        if (listed != used)
+            return "the carriers of class type " + std::to_string(oa) + " are wrong";
+    }
+    return {};
+}
+
 template <class... Lists>
 std::size_t countedIn(const Lists &...lists)
 {
@@ -141,6 +171,20 @@ std::size_t bytesOf(const DBLink &link)
     return bytes;
 }
 
+std::size_t bytesOf(const BackupIndex &index)
+{
+    std::size_t bytes = index.block ? countedBytes(index.block) : 0;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        bytes += index.figures[oa] ? countedBytes(index.figures[oa]) : 0;
+        if (!index.carriers[oa])
+            continue;
+        bytes += countedBytes(index.carriers[oa]);
+        for (const CarrierList &list : std::span{index.carriers[oa], std::size_t(index.nbLinks)})
+            bytes += list.cont ? countedIn(list) : 0;
+    }
+    return bytes;
+}
+
 } // namespace
 
 std::string inconsistencyOf(const DataBase &db, const std::set<Hop> &undefined)
@@ -149,6 +193,8 @@ std::string inconsistencyOf(const DataBase &db, const std::set<Hop> &undefined)
     std::string wrong = countersOf(db, contents);
     if (wrong.empty())
         wrong = neighboursOf(db, contents);
+    if (wrong.empty())
+        wrong = carriersOf(db);
     return wrong.empty() ? reservationsOf(db, contents, undefined) : wrong;
 }
 
@@ -173,6 +219,7 @@ std::size_t ownedBytes(const DataBase &db)
     bytes += countedBytes(db.linkTab.emptyRow);
     for (const void *block : {db.index.block, db.index.workspace})
         bytes += block ? countedBytes(block) : 0;
+    bytes += bytesOf(db.backups);
     for (DBLink **row : slots(db.linkTab)) {
         if (row == db.linkTab.emptyRow)
             continue;

@@ -92,6 +92,7 @@ int DBdestroy(DataBase *dataBase)
     longVecEnd(&dataBase->linkSrcVec);
     longVecEnd(&dataBase->linkDstVec);
     endIndex(dataBase->index);
+    endBackupIndex(dataBase->backups);
     myfree(dataBase);
     return 0;
 }
@@ -310,6 +311,7 @@ int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *ne
     std::swap(link->state, *copy);
     summarize(link->summary, link->state);
     noteStateChange(*dataBase, *link);
+    endBackupIndex(dataBase->backups); // any slot may have changed
     return 0;
 }
 

@@ -12,6 +12,7 @@
 #ifndef TARNEX_DATABASE_DATABASE_H
 #define TARNEX_DATABASE_DATABASE_H
 
+#include "database/backup_index.h"
 #include "database/database_util.h"
 #include "database/network_index.h"
 
@@ -28,6 +29,7 @@ struct DataBase_ {
     LongVec linkDstVec; ///< slot `id`: destination of link `id` plus 1, 0 when none
     Long topology;      ///< counts the changes of nodes and links, modulo 2^32
     NetworkIndex index; ///< for searches, made when the first needs it
+    BackupIndex backups; ///< for searches of backups, made when the first needs it
 };
 using DataBase = DataBase_;
 

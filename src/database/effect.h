@@ -10,6 +10,7 @@
 #define TARNEX_DATABASE_EFFECT_H
 
 #include "database/database.h"
+#include "database/failure_tables.h"
 
 #include <array>
 #include <cstddef>
@@ -30,9 +31,6 @@ struct LSPView {
 
 /** View of a stored or temporary record, valid as long as the record does not change. */
 LSPView viewOf(const DBLabelSwitchedPath &lsp);
-
-/** The two failure tables of a link state. */
-enum class FailureTable : unsigned char { backup, freed };
 
 /** One change of one slot, in every class type. */
 struct SlotChange {

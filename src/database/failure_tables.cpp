@@ -61,6 +61,18 @@ Long nextNeedySlot(const StateTables &tables, int oa, Long from, Long end)
     return end;
 }
 
+Long nextUsedSlot(const DoubleVec &table, Long from, Long end)
+{
+    for (Long k = from; k < end; ++k) {
+        const bool startsBlock = k % blockSlots == 0;
+        if (startsBlock && bitsOf(blockOf(table, k)) == 0)
+            k += blockSlots - 1;
+        else if (table.cont[k] != 0.0)
+            return k;
+    }
+    return end;
+}
+
 Long longestTable(const StateTables &tables, int oa)
 {
     Long longest = 0;

@@ -9,6 +9,24 @@
 
 #include "database/link_state.h"
 
+/** The two failure tables of a link state. */
+enum class FailureTable : unsigned char { backup, freed };
+
+/** One slot of them. */
+struct TableSlot {
+    int oa;             ///< class type
+    int level;          ///< preemption level
+    FailureTable table; ///< which of the two
+    Long slot;          ///< id of the failing link
+};
+
+/** The table of a link state for class type `oa` and level `p`. */
+template <class State>
+auto &tableOf(State &state, FailureTable table, int oa, int p)
+{
+    return table == FailureTable::backup ? state.bbw[oa][p] : state.fbw[oa][p];
+}
+
 /** Slot k of a table indexed by link id; 0 beyond its capacity. */
 template <class Vec>
 auto slotOf(const Vec &table, Long k)
@@ -33,6 +51,9 @@ bool isNeedy(const StateTables &tables, int oa, Long k);
 
 /** The first needy slot from `from` on that lies below `end`; `end` when there is none. */
 Long nextNeedySlot(const StateTables &tables, int oa, Long from, Long end);
+
+/** The first slot from `from` on that is not 0 and lies below `end`; `end` when there is none. */
+Long nextUsedSlot(const DoubleVec &table, Long from, Long end);
 
 /** One more than the last slot of any table of class type `oa`. */
 Long longestTable(const StateTables &tables, int oa);

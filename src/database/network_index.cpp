@@ -172,21 +172,26 @@ void forgetNumbers(DataBase &db)
 {
     db.topology = static_cast<Long>(static_cast<std::uint32_t>(db.topology) + 1);
     endIndex(db.index);
+    endBackupIndex(db.backups);
 }
 
 void noteStateChange(DataBase &db, DBLink &link)
 {
     NetworkIndex &index = db.index;
+    if (db.backups.isCurrent)
+        noteStale(db.backups, db.backups.positionOf[link.number]);
     if (!index.isCurrent || index.isStale[link.number])
         return;
     index.isStale[link.number] = 1;
     index.stale[index.nbStale++] = link.number;
 }
 
+bool numberNetwork(DataBase &db) { return db.index.isCurrent || build(db, db.index); }
+
 bool bringUpToDate(DataBase &db)
 {
     NetworkIndex &index = db.index;
-    if (!index.isCurrent && !build(db, index))
+    if (!numberNetwork(db))
         return false;
     Long kept = 0;
     for (const Long number : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {

@@ -74,6 +74,9 @@ void forgetNumbers(DataBase_ &db);
 /** The stored state of a link has changed, or may change from now on without notice. */
 void noteStateChange(DataBase_ &db, DBLink_ &link);
 
+/** Numbers nodes and links unless the numbers hold; false without memory. */
+[[nodiscard]] bool numberNetwork(DataBase_ &db);
+
 /** Makes the index of a database current, with no stale figures; false without memory. */
 [[nodiscard]] bool bringUpToDate(DataBase_ &db);
 

@@ -241,21 +241,34 @@ void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *s
     spreadOverLevels(pbw, largest, rbw);
 }
 
-DoubleVec &tableOf(DBLinkState &ls, FailureTable table, int oa, int p)
+/** The same for all class types; the effect need not be sorted. */
+void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *summary,
+                       Effect &effect, double (*rbw)[MAXPL])
 {
-    return table == FailureTable::backup ? ls.bbw[oa][p] : ls.fbw[oa][p];
+    effect.slots.sortBySlot();
+    for (int oa = 0; oa < MAXOA; ++oa)
+        reserveWithEffect(db, ls, summary, effect, oa, rbw[oa]);
 }
 
-/** Applies an effect to tables that have the room for it. */
-void apply(const Effect &effect, DBLinkState &ls)
+/**
+ * Applies an effect to tables that have the room for it. Calls `turn(oa, change, isUsed)` for a
+ * slot that becomes 0 or is no longer 0.
+ */
+template <class Turn>
+void apply(const Effect &effect, DBLinkState &ls, Turn turn)
 {
     for (int oa = 0; oa < MAXOA; ++oa)
         ls.pbw[oa][effect.level] += effect.primary[oa];
     for (const SlotChange &change : effect.slots.all()) {
         for (int oa = 0; oa < MAXOA; ++oa) {
             const double amount = effect.amount(change, oa);
-            if (amount != 0.0)
-                tableOf(ls, change.table, oa, effect.level).cont[change.slot] += amount;
+            if (amount == 0.0)
+                continue;
+            double &slot = tableOf(ls, change.table, oa, effect.level).cont[change.slot];
+            const bool wasUsed = slot != 0.0;
+            slot += amount;
+            if ((slot != 0.0) != wasUsed)
+                turn(oa, change, !wasUsed);
         }
     }
 }
@@ -323,7 +336,9 @@ void applyToLink(DataBase &db, DBLink &link, const Effect &effect)
         else if (shiftOf(effect, oa) == Shift::up)
             raised |= 1U << oa;
     }
-    apply(effect, link.state);
+    apply(effect, link.state, [&](int oa, const SlotChange &change, bool isUsed) {
+        noteCarrier(db, link, {oa, effect.level, change.table, change.slot}, isUsed);
+    });
     noteChanges(summary, link.state, effect);
     summary.known = kept | raised;
     for (int oa = 0; oa < MAXOA; ++oa) {
@@ -362,6 +377,11 @@ void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA
     reserve(db, rbw, link.state.pbw, tablesOf(link.state), trusted(&link));
 }
 
+void reservationWith(const DataBase &db, DBLink &link, Effect &effect, double (&rbw)[MAXOA][MAXPL])
+{
+    reserveWithEffect(db, link.state, trusted(&link), effect, rbw);
+}
+
 int makeRoomFor(const Effect &effect, DBLinkState &ls)
 {
     for (const FailureTable table : {FailureTable::backup, FailureTable::freed}) {
@@ -391,7 +411,7 @@ int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView 
     if (link)
         applyToLink(db, *link, effect);
     else
-        apply(effect, ls);
+        apply(effect, ls, [](int, const SlotChange &, bool) {});
     if (listed != 0)
         return -1;
     reserve(db, ls.rbw, ls.pbw, tablesOf(ls), trusted(link));
@@ -464,9 +484,7 @@ int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DB
         std::memcpy(rbw, ls->rbw, sizeof ls->rbw);
         return 0;
     }
-    effect.slots.sortBySlot();
     LinkSummary *summary = trusted(linkStoring(*dataBase, src, dst, *ls));
-    for (int oa = 0; oa < MAXOA; ++oa)
-        reserveWithEffect(*dataBase, *ls, summary, effect, oa, rbw[oa]);
+    reserveWithEffect(*dataBase, *ls, summary, effect, rbw);
     return 0;
 }

@@ -30,6 +30,9 @@
 /** Writes what the tables of a stored link make it reserve; its `rbw` may have been handed in. */
 void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL]);
 
+/** Writes what a stored link would reserve with an effect applied, whose changes get sorted. */
+void reservationWith(const DataBase &db, DBLink &link, Effect &effect, double (&rbw)[MAXOA][MAXPL]);
+
 /**
  * Grows the tables of a state for every change of an effect; without memory some have grown.
  *

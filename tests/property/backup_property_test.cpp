@@ -25,9 +25,9 @@ public:
             if (db->linkSrcVec.cont[id] == 0)
                 continue;
             states[id] = State{DBlinkStateNew()};
-            const DBLinkState *stored =
-                DBgetLinkState(db, DBgetLinkSrc(db, id), DBgetLinkDst(db, id));
-            EXPECT_EQ(DBlinkStateCopy(states[id].get(), stored), 0);
+            const DBLink *stored =
+                linkAt(db->linkTab, DBgetLinkSrc(db, id), DBgetLinkDst(db, id));
+            EXPECT_EQ(DBlinkStateCopy(states[id].get(), &stored->state), 0);
         }
     }
 

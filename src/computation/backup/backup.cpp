@@ -1,9 +1,8 @@
 #include "computation/backup/backup.h"
 
 #include "common/records.h"
+#include "computation/backup/indexed_search.h"
 #include "computation/backup/search.h"
-#include "computation/backup/working_states.h"
-#include "database/reservation.h"
 #include "error/report.h"
 
 #include <algorithm>
@@ -14,22 +13,20 @@ namespace
 
 constexpr Unit here{"computation/backup/backup"};
 
-/** One call of computeBackup. */
+/** One call of computeBackup, by either of the searches. */
+template <class Search>
 class BackupComputation
 {
 public:
-    BackupComputation(DataBase &database, const DBLabelSwitchedPath &protectedLSP,
-                      LSPRequestList &requests, BackupType backupType)
-        : db(database), primary(protectedLSP), path(inUse(protectedLSP.path)), reqList(requests),
-          type(backupType), states(database), search(database, protectedLSP, states, backupType)
+    BackupComputation(const DBLabelSwitchedPath &protectedLSP, LSPRequestList &requests,
+                      BackupType backupType, Search &backupSearch)
+        : primary(protectedLSP), path(inUse(protectedLSP.path)), reqList(requests),
+          type(backupType), search(backupSearch)
     {
     }
 
     int run()
     {
-        if (!states.allocate() || !search.allocate())
-            return here.fail("Cannot allocate a required structure in %s at line %d");
-        states.share();
         if (search.prepare() != 0)
             return -1;
         switch (type) {
@@ -53,23 +50,24 @@ private:
         if (makeRequests(std::max<std::size_t>(path.size(), 1) - 1) != 0)
             return -1;
         for (std::size_t i = path.size(); i-- > 1;) {
-            CPDijkNode *found = nullptr;
+            bool found = false;
             if (searchAround(i, found) != 0)
                 return -1;
             if (!found) {
                 std::fputs("No local link disjoint protection path found\n", stderr);
                 return -1;
             }
-            if (write(reqList.cont[i - 1], found) != 0)
+            if (write(reqList.cont[i - 1]) != 0)
                 return -1;
         }
         return 0;
     }
 
     /** Avoids node i of the primary or, when that cannot be, the link that enters it. */
-    int searchAround(std::size_t i, CPDijkNode *&found)
+    int searchAround(std::size_t i, bool &found)
     {
         const auto targets = path.subspan(i);
+        search.protect(path.subspan(i - 1, 2));
         search.allowAll();
         if (search.forbidLinksInto(path[i]) != 0 || search.run(path[i - 1], targets, found) != 0)
             return -1;
@@ -88,7 +86,7 @@ private:
             return here.fail("Cannot protect a path without link in %s at line %d");
         if (makeRequests(1) != 0)
             return -1;
-        CPDijkNode *found = nullptr;
+        bool found = false;
         if (searchAroundAll(found) != 0)
             return -1;
         if (!found) {
@@ -96,13 +94,14 @@ private:
             std::fputs("No end to end link disjoint protection path found\n", stderr);
             return -1;
         }
-        return write(reqList.cont[0], found);
+        return write(reqList.cont[0]);
     }
 
     /** Avoids every intermediate node of the primary or, when that cannot be, every link. */
-    int searchAroundAll(CPDijkNode *&found)
+    int searchAroundAll(bool &found)
     {
         const auto egress = path.last(1);
+        search.protect(path);
         search.allowAll();
         for (const Long node : path.subspan(1, path.size() - 2)) {
             if (search.forbidLinksInto(node) != 0)
@@ -136,40 +135,25 @@ private:
         return 0;
     }
 
-    /** Puts the path found into a request and its reservation into the working states. */
-    int write(LSPRequest &req, const CPDijkNode *found)
+    /** Puts the path found into a request, and its reservation before the searches to come. */
+    int write(LSPRequest &req)
     {
-        evaluateHops(req, REMOVE);
+        search.takeOut(req);
         req.path.top = 0;
-        for (const CPDijkNode *node = found; node; node = node->from) {
-            if (longVecPushBack(&req.path, node->node->id) != 0) {
-                req.path.top = 0;
-                return -1;
-            }
+        if (search.writePath(req.path) != 0) {
+            req.path.top = 0;
+            return -1;
         }
         std::ranges::reverse(inUse(req.path));
-        evaluateHops(req, SETUP);
+        search.putIn(req);
         return 0;
     }
 
-    /** Applies a request to the working states of its hops; a state that fails is left as it is. */
-    void evaluateHops(const LSPRequest &req, operation op)
-    {
-        const auto hops = inUse(req.path);
-        for (std::size_t k = 0; k + 1 < hops.size(); ++k) {
-            DBLinkState *state = states.writable(DBgetLinkID(&db, hops[k], hops[k + 1]));
-            if (state)
-                static_cast<void>(evalLS(&db, hops[k], hops[k + 1], state, state, &req, op));
-        }
-    }
-
-    DataBase &db;
     const DBLabelSwitchedPath &primary;
     std::span<const Long> path; ///< the primary's nodes, ingress first
     LSPRequestList &reqList;
     BackupType type;
-    WorkingStates states;
-    BackupSearch search;
+    Search &search;
 };
 
 } // namespace
@@ -181,5 +165,15 @@ int computeBackup(DataBase *dataBase, LSPRequestList *reqList, Long lspID, Backu
     const DBLabelSwitchedPath *primary = DBgetLSP(dataBase, lspID);
     if (!primary)
         return here.fail("Cannot find lsp ID %ld in %s at line %d", long{lspID});
-    return BackupComputation{*dataBase, *primary, *reqList, type}.run();
+    IndexedBackupSearch indexed{*dataBase, *primary, *reqList, type};
+    switch (indexed.offer()) {
+    case IndexedBackupSearch::Service::possible:
+        return BackupComputation{*primary, *reqList, type, indexed}.run();
+    case IndexedBackupSearch::Service::noMemory:
+        return here.fail("Cannot allocate a required structure in %s at line %d");
+    case IndexedBackupSearch::Service::impossible:
+        break;
+    }
+    BackupSearch search{*dataBase, *primary, type};
+    return BackupComputation{*primary, *reqList, type, search}.run();
 }

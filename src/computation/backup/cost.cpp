@@ -1,73 +1,38 @@
-#include "computation/backup/backup.h"
+#include "computation/backup/cost.h"
 
-#include "common/records.h"
+#include "computation/backup/backup.h"
 #include "database/reservation.h"
 #include "error/report.h"
-
-#include <algorithm>
-#include <array>
-#include <numeric>
 
 namespace
 {
 
 constexpr Unit here{"computation/backup/backup"};
 
-constexpr double alpha = 10.0 / 11.0; ///< on the extra reservation
-constexpr double beta = 1.0 / 11.0;   ///< on the bandwidth charge
-constexpr double infeasible = -1.0;
-
-double sumOf(const double (&levels)[MAXPL]) { return std::accumulate(levels, levels + MAXPL, 0.0); }
-
-/**
- * The path of a backup that reaches `src` over the chain of `dn` and goes on to `dst`, reduced to
- * what an evaluation of the link reads: where it starts, the hop itself, and where it ends.
- */
-class ReducedPath
+/** Id of the node at which the chain of a search node starts. */
+Long startOf(const CPDijkNode *dn)
 {
-public:
-    ReducedPath(const CPDijkNode *dn, Long src, Long dst) : nodes{startOf(dn), src, dst} {}
-
-    std::span<const Long> path() const
-    {
-        const bool startsAtHop = nodes[0] == nodes[1];
-        return std::span{nodes}.subspan(startsAtHop ? 1 : 0);
-    }
-
-private:
-    static Long startOf(const CPDijkNode *dn)
-    {
-        while (dn->from)
-            dn = dn->from;
-        return dn->node->id;
-    }
-
-    std::array<Long, 3> nodes;
-};
-
-/** One more than the number of entries from `dst` to the end of the protected path of `lsp`. */
-std::ptrdiff_t hopFactor(const DBLabelSwitchedPath &lsp, Long dst)
-{
-    const auto primPath = inUse(lsp.primPath);
-    return primPath.end() - std::ranges::find(primPath, dst) + 1;
+    while (dn->from)
+        dn = dn->from;
+    return dn->node->id;
 }
 
-/** Extra reservation over all class types, at least 0; negative when one exceeds its capacity. */
-double extraReservation(const DBLinkState &now, const double (&rbw)[MAXOA][MAXPL])
+} // namespace
+
+double costOf(const DBLabelSwitchedPath &lsp, Long dst, const double (&cap)[MAXOA],
+              const double (&now)[MAXOA][MAXPL], const double (&then)[MAXOA][MAXPL])
 {
     double after = 0.0;
     double before = 0.0;
     for (int oa = 0; oa < MAXOA; ++oa) {
-        const double afterInClass = sumOf(rbw[oa]);
-        if (afterInClass > now.cap[oa])
+        const double afterInClass = sumOf(then[oa]);
+        if (afterInClass > cap[oa])
             return infeasible;
         after += afterInClass;
-        before += sumOf(now.rbw[oa]);
+        before += sumOf(now[oa]);
     }
-    return std::max(0.0, after - before);
+    return costOf(before, after, hopFactor(lsp, dst), totalBandwidth(lsp));
 }
-
-} // namespace
 
 int backupPrecedence(const DBLabelSwitchedPath &primary)
 {
@@ -81,7 +46,7 @@ double computeCost(DataBase *dataBase, DBLinkState *const *lsList, Long src, Lon
         here.push(WARNING, "Unknown backup type in %s at line %d");
         return infeasible;
     }
-    const ReducedPath reduced{dn, src, dst};
+    const ReducedPath reduced{startOf(dn), src, dst};
     const Candidate backup{{.path = reduced.path(),
                             .primPath = {},
                             .bw = lsp->bw,
@@ -96,9 +61,6 @@ double computeCost(DataBase *dataBase, DBLinkState *const *lsList, Long src, Lon
         here.push(WARNING, "Error while computing new link state in %s at line %d");
         return infeasible;
     }
-    const double inc = extraReservation(*lsList[linkID], rbw);
-    if (inc < 0.0)
-        return infeasible;
-    const double bandwidth = std::accumulate(lsp->bw, lsp->bw + MAXOA, 0.0);
-    return alpha * inc + beta * static_cast<double>(hopFactor(*lsp, dst)) * bandwidth;
+    const DBLinkState &state = *lsList[linkID];
+    return costOf(*lsp, dst, state.cap, state.rbw, rbw);
 }

@@ -1,6 +1,7 @@
 #include "computation/backup/search.h"
 
 #include "common/records.h"
+#include "database/reservation.h"
 #include "error/report.h"
 
 #include <algorithm>
@@ -31,16 +32,14 @@ BackupSearch::~BackupSearch()
     myfree(nodeList);
 }
 
-bool BackupSearch::allocate()
+int BackupSearch::prepare()
 {
     nbIds = db.nodeVec.top;
     nodeList =
         static_cast<CPDijkNode **>(mycalloc(static_cast<std::size_t>(nbIds), sizeof(CPDijkNode *)));
-    return nodeList != nullptr;
-}
-
-int BackupSearch::prepare()
-{
+    if (!nodeList || !states.allocate())
+        return here.fail("Cannot allocate a required structure in %s at line %d");
+    states.share();
     for (Long id = 0; id < nbIds; ++id) {
         DBNode *node = nodeAt(db.nodeVec, id);
         if (!node)
@@ -70,9 +69,9 @@ int BackupSearch::forbidLinksInto(Long node)
     return 0;
 }
 
-int BackupSearch::run(Long start, std::span<const Long> targets, CPDijkNode *&found)
+int BackupSearch::run(Long start, std::span<const Long> targets, bool &found)
 {
-    found = nullptr;
+    found = false;
     reset();
     CPDijkNode *first = nodeOf(start);
     if (!first)
@@ -85,7 +84,8 @@ int BackupSearch::run(Long start, std::span<const Long> targets, CPDijkNode *&fo
             continue;
         next->marked = true;
         if (contains(targets, next->node->id)) {
-            found = next;
+            found = true;
+            end = next;
             return 0;
         }
         if (relaxLinksOf(*next) != 0)
@@ -130,6 +130,26 @@ int BackupSearch::relax(CPDijkNode &settled, CPDijkNode &neighbour)
     neighbour.val = newVal;
     neighbour.from = &settled;
     return CPinsertPQ(&toBeTreated, &neighbour, newVal);
+}
+
+int BackupSearch::writePath(LongVec &path) const
+{
+    for (const CPDijkNode *node = end; node; node = node->from) {
+        if (longVecPushBack(&path, node->node->id) != 0)
+            return -1;
+    }
+    return 0;
+}
+
+/** Applies a request to the working states of its hops; a state that fails is left as it is. */
+void BackupSearch::evaluateHops(const LSPRequest &req, operation op)
+{
+    const auto hops = inUse(req.path);
+    for (std::size_t k = 0; k + 1 < hops.size(); ++k) {
+        DBLinkState *state = states.writable(DBgetLinkID(&db, hops[k], hops[k + 1]));
+        if (state)
+            static_cast<void>(evalLS(&db, hops[k], hops[k + 1], state, state, &req, op));
+    }
 }
 
 CPDijkNode *BackupSearch::nodeOf(Long id) const

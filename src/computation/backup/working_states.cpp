@@ -8,6 +8,17 @@ namespace
 
 constexpr Unit here{"computation/backup/backup"};
 
+/** Whether an id lacks a link, which has been reported then. */
+bool reportIfFree(Long link, Long src, Long dst)
+{
+    if (src != -1 && dst != -1)
+        return false;
+    constexpr Message message{
+        "Warning there is no link numbered %ld : src = %ld, dst = %ld .... in %s at line %ld"};
+    addError(INFO, message.format, long{link}, long{src}, long{dst}, here.name, long{message.line});
+    return true;
+}
+
 DBLinkState *copyOf(const DBLinkState &state)
 {
     Owned<DBLinkState, DBlinkStateDestroy> copy{DBlinkStateNew()};
@@ -45,19 +56,22 @@ void WorkingStates::share()
     for (Long link = 0; link < size; ++link) {
         const Long src = DBgetLinkSrc(&db, link);
         const Long dst = DBgetLinkDst(&db, link);
-        if (src == -1 || dst == -1) {
-            constexpr Message message{
-                "Warning there is no link numbered %ld : src = %ld, dst = %ld .... in %s at line "
-                "%ld"};
-            addError(INFO, message.format, long{link}, long{src}, long{dst}, here.name,
-                     long{message.line});
+        if (reportIfFree(link, src, dst))
             continue;
-        }
         DBLink *stored = linkAt(db.linkTab, src, dst);
         if (stored)
             lsList[link] = &stored->state;
         else
             here.push(WARNING, "Oups there should be a link-state here in %s at line %d");
+    }
+}
+
+void WorkingStates::reportFreeIds(const DataBase &db)
+{
+    for (Long link = 0; link < db.linkSrcVec.top; ++link) {
+        const bool isFree = db.linkSrcVec.cont[link] == 0;
+        if (isFree)
+            reportIfFree(link, -1, -1);
     }
 }
 

@@ -20,6 +20,8 @@ public:
     [[nodiscard]] bool allocate();
     /** Fills the list with the database's states; what is missing is reported and stays empty. */
     void share();
+    /** Reports the link ids that no link has. */
+    static void reportFreeIds(const DataBase &db);
 
     /** The states by link id, null where there is none; as computeCost wants them. */
     DBLinkState *const *list() const { return lsList; }

@@ -1,0 +1,251 @@
+#include "database/backup_index.h"
+
+#include "common/layout.h"
+#include "common/records.h"
+#include "common/vector.h"
+#include "database/database.h"
+#include "database/failure_tables.h"
+#include "database/reservation.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace
+{
+
+double sumOf(const double (&levels)[MAXPL]) { return std::accumulate(levels, levels + MAXPL, 0.0); }
+
+bool areZero(const double (&levels)[MAXPL])
+{
+    return std::ranges::all_of(levels, [](double value) { return value == 0.0; });
+}
+
+template <class T>
+T *makeTable(Long count)
+{
+    return static_cast<T *>(mycalloc(static_cast<std::size_t>(count), sizeof(T)));
+}
+
+std::size_t layOut(BackupIndex &index, void *block)
+{
+    Layout layout{block};
+    layout.place(index.numberOf, index.nbIds);
+    for (Long *BackupIndex::*table :
+         {&BackupIndex::positionOf, &BackupIndex::destination, &BackupIndex::stale})
+        layout.place(index.*table, index.nbLinks);
+    layout.place(index.links, index.nbLinks);
+    layout.place(index.overfull, index.nbLinks);
+    layout.place(index.isAsked, index.nbLinks);
+    layout.place(index.isStale, index.nbLinks);
+    return layout.bytes();
+}
+
+/** Whether the translators lead from the id of every link to that link and to no other. */
+bool areTranslatorsWhole(const DataBase &db)
+{
+    Long translated = 0;
+    for (Long id = 0; id < db.linkSrcVec.top; ++id) {
+        const Long src = db.linkSrcVec.cont[id];
+        const Long dst = slotOf(db.linkDstVec, id);
+        if (src == 0 && dst == 0)
+            continue;
+        const DBLink *link = linkAt(db.linkTab, src - 1, dst - 1);
+        if (!link || link->id != id)
+            return false;
+        ++translated;
+    }
+    return translated == db.index.nbLinks;
+}
+
+/** Numbers the links and lists every one as stale. */
+void number(const DataBase &db, BackupIndex &index)
+{
+    const NetworkIndex &network = db.index;
+    std::fill_n(index.numberOf, index.nbIds, -1);
+    for (Long position = 0; position < index.nbLinks; ++position) {
+        const Long link = network.outLinks[position];
+        index.links[position] = network.links[link];
+        index.positionOf[link] = position;
+        index.destination[position] = network.destination[link];
+        if (network.links[link]->id < index.nbIds)
+            index.numberOf[network.links[link]->id] = link;
+        noteStale(index, position);
+    }
+}
+
+bool build(const DataBase &db, BackupIndex &index)
+{
+    index.nbLinks = db.index.nbLinks;
+    index.nbIds = db.linkSrcVec.top;
+    index.block = mycalloc(1, layOut(index, nullptr));
+    if (!index.block)
+        return false;
+    layOut(index, index.block);
+    index.isUsual = areTranslatorsWhole(db);
+    number(db, index);
+    index.isCurrent = true;
+    return true;
+}
+
+/** Makes the figures of a class type in which nothing is reserved; false without memory. */
+bool addClass(BackupIndex &index, int oa)
+{
+    auto *figures = makeTable<BackupFigures>(index.nbLinks);
+    if (!figures)
+        return false;
+    for (Long position = 0; position < index.nbLinks; ++position)
+        figures[position].capacity = index.links[position]->state.cap[oa];
+    index.figures[oa] = figures;
+    return true;
+}
+
+/** Works the figures of one link out anew; false without memory for those of a class type. */
+bool refresh(const DataBase &db, BackupIndex &index, Long position)
+{
+    DBLink &link = *index.links[position];
+    double rbw[MAXOA][MAXPL];
+    reservationFromTables(db, link, rbw);
+    index.isAsked[position] = !link.summary.isTrusted;
+    index.overfull[position] = 0;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        const double derived = sumOf(rbw[oa]);
+        const auto &largest = link.summary.largest[oa];
+        const DBLinkState &state = link.state;
+        if (derived > state.cap[oa])
+            index.overfull[position] |= static_cast<unsigned char>(1U << oa);
+        const bool isEmpty = areZero(largest) && areZero(state.pbw[oa]) && areZero(state.rbw[oa]);
+        if (isEmpty && !index.figures[oa])
+            continue;
+        if (!index.figures[oa] && !addClass(index, oa))
+            return false;
+        BackupFigures &figures = index.figures[oa][position];
+        std::ranges::copy(largest, figures.largest);
+        std::ranges::copy(state.pbw[oa], figures.pbw);
+        figures.capacity = state.cap[oa];
+        figures.derived = derived;
+        figures.stored = sumOf(state.rbw[oa]);
+    }
+    return true;
+}
+
+bool refreshStale(const DataBase &db, BackupIndex &index)
+{
+    Long kept = 0;
+    for (const Long position : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {
+        if (!refresh(db, index, position))
+            return false;
+        // A state that may change without notice is looked at before every search.
+        index.isStale[position] = index.links[position]->summary.isExposed;
+        if (index.isStale[position])
+            index.stale[kept++] = position;
+    }
+    index.nbStale = kept;
+    return true;
+}
+
+/** Lists a carrier; false without memory. */
+bool add(CarrierList &list, const Carrier &carrier)
+{
+    if (!(list.cont ? vec::makeRoom(list) : vec::make(list, 4)))
+        return false;
+    list.cont[list.top++] = carrier;
+    return true;
+}
+
+void remove(CarrierList &list, const Carrier &carrier)
+{
+    const auto used = inUse(list);
+    const auto found = std::ranges::find_if(used, [&](const Carrier &other) {
+        return other.position == carrier.position && other.level == carrier.level &&
+               other.table == carrier.table;
+    });
+    if (found == used.end())
+        return;
+    *found = used.back();
+    list.top -= 1;
+}
+
+/** Lists the slots of one table of a link that are not 0; false without memory. */
+bool listCarriers(const BackupIndex &index, CarrierList *lists, const Carrier &carrier,
+                  const DoubleVec &table)
+{
+    const Long end = std::min(table.size, index.nbIds);
+    for (Long k = nextUsedSlot(table, 0, end); k < end; k = nextUsedSlot(table, k + 1, end)) {
+        if (index.numberOf[k] >= 0 && !add(lists[index.numberOf[k]], carrier))
+            return false;
+    }
+    return true;
+}
+
+/** Lists the carriers of a class type; false without memory, with a part of them listed. */
+bool listCarriers(BackupIndex &index, int oa)
+{
+    index.carriers[oa] = makeTable<CarrierList>(index.nbLinks);
+    if (!index.carriers[oa])
+        return false;
+    for (Long position = 0; position < index.nbLinks; ++position) {
+        const DBLinkState &state = index.links[position]->state;
+        for (signed char p = 0; p < MAXPL; ++p) {
+            for (const FailureTable table : {FailureTable::backup, FailureTable::freed}) {
+                if (!listCarriers(index, index.carriers[oa], {position, p, table},
+                                  tableOf(state, table, oa, p)))
+                    return false;
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+bool bringBackupsUpToDate(DataBase &db, int oa)
+{
+    BackupIndex &index = db.backups;
+    const bool isDone = numberNetwork(db) && (index.isCurrent || build(db, index)) &&
+                        refreshStale(db, index) && (index.figures[oa] || addClass(index, oa)) &&
+                        (index.carriers[oa] || listCarriers(index, oa));
+    if (!isDone)
+        endBackupIndex(index);
+    return isDone;
+}
+
+void noteStale(BackupIndex &index, Long position)
+{
+    if (index.isStale[position])
+        return;
+    index.isStale[position] = true;
+    index.stale[index.nbStale++] = position;
+}
+
+void noteCarrier(DataBase &db, const DBLink &link, const TableSlot &slot, bool carries)
+{
+    BackupIndex &index = db.backups;
+    CarrierList *lists = index.carriers[slot.oa];
+    if (!lists || slot.slot >= index.nbIds || index.numberOf[slot.slot] < 0)
+        return;
+    CarrierList &list = lists[index.numberOf[slot.slot]];
+    const Carrier carrier{index.positionOf[link.number], static_cast<signed char>(slot.level),
+                          slot.table};
+    if (!carries)
+        remove(list, carrier);
+    else if (!add(list, carrier))
+        endBackupIndex(index);
+}
+
+void endBackupIndex(BackupIndex &index)
+{
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        if (index.figures[oa])
+            myfree(index.figures[oa]);
+        if (!index.carriers[oa])
+            continue;
+        for (CarrierList &list : std::span{index.carriers[oa], std::size_t(index.nbLinks)}) {
+            if (list.cont)
+                vec::release(list);
+        }
+        myfree(index.carriers[oa]);
+    }
+    if (index.block)
+        myfree(index.block);
+    index = {};
+}
