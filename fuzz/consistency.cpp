@@ -123,7 +123,8 @@ std::string reservationsOf(const DataBase &db, Contents &contents, const std::se
 /** Compares the carriers that backups are searched by with the slots that are not 0. */
 std::string carriersOf(const DataBase &db)
 {
-    using Use = std::tuple<Long, Long, int, FailureTable>; ///< failing link, position, level, table
+    /** Failing link, position, level, table and value. */
+    using Use = std::tuple<Long, Long, int, FailureTable, double>;
     const BackupIndex &index = db.backups;
     for (int oa = 0; oa < MAXOA; ++oa) {
         std::multiset<Use> listed;
@@ -132,14 +133,19 @@ std::string carriersOf(const DataBase &db)
             const Long number = index.numberOf[id];
             if (number < 0)
                 continue;
-            for (const Carrier &carrier : inUse(index.carriers[oa][number]))
-                listed.emplace(id, carrier.position, carrier.level, carrier.table);
+            const CarrierList &list = index.carriers[oa][number];
+            for (Long i = 0; i < list.top; ++i) {
+                const Carrier carrier = list.carriers[i];
+                listed.emplace(id, carrier.position(), carrier.level(), carrier.table(),
+                               list.values[i]);
+            }
             for (Long position = 0; position < index.nbLinks; ++position) {
                 const DBLinkState &state = index.links[position]->state;
                 for (int p = 0; p < MAXPL; ++p) {
                     for (const auto table : {FailureTable::backup, FailureTable::freed}) {
-                        if (slotOf(tableOf(state, table, oa, p), id) != 0.0)
-                            used.emplace(id, position, p, table);
+                        const double value = slotOf(tableOf(state, table, oa, p), id);
+                        if (value != 0.0)
+                            used.emplace(id, position, p, table, value);
                     }
                 }
             }
@@ -180,7 +186,7 @@ std::size_t bytesOf(const BackupIndex &index)
             continue;
         bytes += countedBytes(index.carriers[oa]);
         for (const CarrierList &list : std::span{index.carriers[oa], std::size_t(index.nbLinks)})
-            bytes += list.cont ? countedIn(list) : 0;
+            bytes += list.values ? countedBytes(list.values) : 0;
     }
     return bytes;
 }

@@ -2,7 +2,6 @@
 
 #include "common/layout.h"
 #include "common/records.h"
-#include "common/vector.h"
 #include "database/database.h"
 #include "database/failure_tables.h"
 #include "database/reservation.h"
@@ -18,6 +17,12 @@ double sumOf(const double (&levels)[MAXPL]) { return std::accumulate(levels, lev
 bool areZero(const double (&levels)[MAXPL])
 {
     return std::ranges::all_of(levels, [](double value) { return value == 0.0; });
+}
+
+void endList(CarrierList &list)
+{
+    if (list.values)
+        myfree(list.values);
 }
 
 template <class T>
@@ -90,12 +95,18 @@ bool build(const DataBase &db, BackupIndex &index)
 /** Makes the figures of a class type in which nothing is reserved; false without memory. */
 bool addClass(BackupIndex &index, int oa)
 {
-    auto *figures = makeTable<BackupFigures>(index.nbLinks);
-    if (!figures)
+    const auto layOutClass = [&index, oa](void *block) {
+        Layout layout{block};
+        layout.place(index.figures[oa], index.nbLinks);
+        layout.place(index.levels[oa], index.nbLinks);
+        return layout.bytes();
+    };
+    void *block = mycalloc(1, layOutClass(nullptr));
+    if (!block)
         return false;
+    layOutClass(block);
     for (Long position = 0; position < index.nbLinks; ++position)
-        figures[position].capacity = index.links[position]->state.cap[oa];
-    index.figures[oa] = figures;
+        index.figures[oa][position].capacity = index.links[position]->state.cap[oa];
     return true;
 }
 
@@ -118,12 +129,10 @@ bool refresh(const DataBase &db, BackupIndex &index, Long position)
             continue;
         if (!index.figures[oa] && !addClass(index, oa))
             return false;
-        BackupFigures &figures = index.figures[oa][position];
-        std::ranges::copy(largest, figures.largest);
-        std::ranges::copy(state.pbw[oa], figures.pbw);
-        figures.capacity = state.cap[oa];
-        figures.derived = derived;
-        figures.stored = sumOf(state.rbw[oa]);
+        std::ranges::copy(largest, index.levels[oa][position].largest);
+        std::ranges::copy(state.pbw[oa], index.levels[oa][position].pbw);
+        index.figures[oa][position] = {state.cap[oa], derived, sumOf(state.rbw[oa]), 0.0, 0};
+        flatten(index.levels[oa][position], index.figures[oa][position]);
     }
     return true;
 }
@@ -143,35 +152,44 @@ bool refreshStale(const DataBase &db, BackupIndex &index)
     return true;
 }
 
-/** Lists a carrier; false without memory. */
-bool add(CarrierList &list, const Carrier &carrier)
+/** Gives a list the room for so many slots; false, and nothing changed, without memory. */
+bool grow(CarrierList &list, Long size)
 {
-    if (!(list.cont ? vec::makeRoom(list) : vec::make(list, 4)))
+    CarrierList larger{size, list.top, nullptr, nullptr};
+    const auto layOut = [&larger](void *block) {
+        Layout layout{block};
+        layout.place(larger.values, larger.size);
+        layout.place(larger.carriers, larger.size);
+        return layout.bytes();
+    };
+    void *block = mymalloc(layOut(nullptr));
+    if (!block)
         return false;
-    list.cont[list.top++] = carrier;
+    layOut(block);
+    std::copy_n(list.values, list.top, larger.values);
+    std::copy_n(list.carriers, list.top, larger.carriers);
+    endList(list);
+    list = larger;
     return true;
 }
 
-void remove(CarrierList &list, const Carrier &carrier)
+/** Lists a slot; false without memory. */
+bool add(CarrierList &list, Carrier carrier, double value)
 {
-    const auto used = inUse(list);
-    const auto found = std::ranges::find_if(used, [&](const Carrier &other) {
-        return other.position == carrier.position && other.level == carrier.level &&
-               other.table == carrier.table;
-    });
-    if (found == used.end())
-        return;
-    *found = used.back();
-    list.top -= 1;
+    if (list.top == list.size && !grow(list, std::max(2 * list.size, Long{8})))
+        return false;
+    list.carriers[list.top] = carrier;
+    list.values[list.top++] = value;
+    return true;
 }
 
 /** Lists the slots of one table of a link that are not 0; false without memory. */
-bool listCarriers(const BackupIndex &index, CarrierList *lists, const Carrier &carrier,
+bool listCarriers(const BackupIndex &index, CarrierList *lists, Carrier carrier,
                   const DoubleVec &table)
 {
     const Long end = std::min(table.size, index.nbIds);
     for (Long k = nextUsedSlot(table, 0, end); k < end; k = nextUsedSlot(table, k + 1, end)) {
-        if (index.numberOf[k] >= 0 && !add(lists[index.numberOf[k]], carrier))
+        if (index.numberOf[k] >= 0 && !add(lists[index.numberOf[k]], carrier, table.cont[k]))
             return false;
     }
     return true;
@@ -185,7 +203,7 @@ bool listCarriers(BackupIndex &index, int oa)
         return false;
     for (Long position = 0; position < index.nbLinks; ++position) {
         const DBLinkState &state = index.links[position]->state;
-        for (signed char p = 0; p < MAXPL; ++p) {
+        for (int p = 0; p < MAXPL; ++p) {
             for (const FailureTable table : {FailureTable::backup, FailureTable::freed}) {
                 if (!listCarriers(index, index.carriers[oa], {position, p, table},
                                   tableOf(state, table, oa, p)))
@@ -209,6 +227,15 @@ bool bringBackupsUpToDate(DataBase &db, int oa)
     return isDone;
 }
 
+void flatten(const LevelFigures &levels, BackupFigures &figures)
+{
+    int p = MAXPL - 1;
+    while (p > 0 && levels.pbw[p] == 0.0 && levels.largest[p] == levels.largest[p - 1])
+        --p;
+    figures.flatFrom = p;
+    figures.largest = levels.largest[MAXPL - 1];
+}
+
 void noteStale(BackupIndex &index, Long position)
 {
     if (index.isStale[position])
@@ -217,19 +244,24 @@ void noteStale(BackupIndex &index, Long position)
     index.stale[index.nbStale++] = position;
 }
 
-void noteCarrier(DataBase &db, const DBLink &link, const TableSlot &slot, bool carries)
+void noteCarrier(DataBase &db, const DBLink &link, const TableSlot &slot, double value)
 {
     BackupIndex &index = db.backups;
     CarrierList *lists = index.carriers[slot.oa];
     if (!lists || slot.slot >= index.nbIds || index.numberOf[slot.slot] < 0)
         return;
     CarrierList &list = lists[index.numberOf[slot.slot]];
-    const Carrier carrier{index.positionOf[link.number], static_cast<signed char>(slot.level),
-                          slot.table};
-    if (!carries)
-        remove(list, carrier);
-    else if (!add(list, carrier))
+    const Carrier carrier{index.positionOf[link.number], slot.level, slot.table};
+    const auto at = std::find(list.carriers, list.carriers + list.top, carrier) - list.carriers;
+    if (at < list.top && value != 0.0) {
+        list.values[at] = value;
+    } else if (at < list.top) {
+        list.top -= 1;
+        list.carriers[at] = list.carriers[list.top];
+        list.values[at] = list.values[list.top];
+    } else if (value != 0.0 && !add(list, carrier, value)) {
         endBackupIndex(index);
+    }
 }
 
 void endBackupIndex(BackupIndex &index)
@@ -239,10 +271,8 @@ void endBackupIndex(BackupIndex &index)
             myfree(index.figures[oa]);
         if (!index.carriers[oa])
             continue;
-        for (CarrierList &list : std::span{index.carriers[oa], std::size_t(index.nbLinks)}) {
-            if (list.cont)
-                vec::release(list);
-        }
+        for (CarrierList &list : std::span{index.carriers[oa], std::size_t(index.nbLinks)})
+            endList(list);
         myfree(index.carriers[oa]);
     }
     if (index.block)

@@ -4,9 +4,9 @@
  *
  * Invariant: while an index is current, the network's index is too and the numbers of both agree;
  * the figures of a link are those of its stored state unless it is listed as stale; and the
- * carriers of a class type, once listed, are exactly the slots of stored tables that are not 0 and
- * belong to a link. Positions number the links by source and then destination, so that those out of
- * a node stand together.
+ * carriers of a class type, once listed, have exactly the slots of stored tables that are not 0
+ * and belong to a link. Positions number the links by source and then destination, so that those
+ * out of a node stand together.
  *
  * Writers: bringBackupsUpToDate, before a search; noteStateChange, through noteStale, and
  * noteCarrier, when an LSP comes or goes; a search that places backups works on the figures
@@ -19,30 +19,52 @@
 #include "common/types.h"
 #include "database/failure_tables.h"
 
+#include <cstdint>
+
 struct DataBase_;
 struct DBLink_;
 
-/** One class type of one link; bandwidths. */
+/** One class type of one link, all levels together; bandwidths. */
 struct BackupFigures {
-    double largest[MAXPL]; ///< largest need over all single failures, at each level
-    double pbw[MAXPL];     ///< reserved by primaries, at each level
     double capacity;
     double derived; ///< what the tables make it reserve: the levels added up in their order
     double stored;  ///< the same of the reservation that its state holds
+    double largest; ///< largest need over all single failures at level `flatFrom` and those above
+    int flatFrom;   ///< level above which no primary reserves and the largest need stays the same
 };
 
-/** A slot of a link's failure tables that is not 0. */
-struct Carrier {
-    Long position;      ///< of the link that has the tables
-    signed char level;  ///< which
-    FailureTable table; ///< of them
+/** One class type of one link, level by level; bandwidths. */
+struct LevelFigures {
+    double largest[MAXPL]; ///< largest need over all single failures
+    double pbw[MAXPL];     ///< reserved by primaries
 };
 
-/** The links that the failure of one link concerns, in no order. */
+/** Which table of which link holds a slot, in one number. */
+class Carrier
+{
+public:
+    Carrier() = default;
+    Carrier(Long position, int level, FailureTable table)
+        : bits(static_cast<std::uint32_t>(position) << 4 | static_cast<std::uint32_t>(level) << 1 |
+               static_cast<std::uint32_t>(table))
+    {
+    }
+    Long position() const { return static_cast<Long>(bits >> 4); }
+    int level() const { return static_cast<int>(bits >> 1 & 7U); }
+    FailureTable table() const { return static_cast<FailureTable>(bits & 1U); }
+    bool operator==(const Carrier &other) const = default;
+
+private:
+    std::uint32_t bits;
+};
+static_assert(MAXPL <= 8);
+
+/** The slots of one failing link that are not 0, in no order. */
 struct CarrierList {
-    Long size;     ///< capacity
-    Long top;      ///< carriers in use
-    Carrier *cont; ///< counted block, owned; null before the first carrier
+    Long size;      ///< capacity
+    Long top;       ///< slots in use
+    double *values; ///< counted block with `size` values and carriers, owned; null before the first
+    Carrier *carriers; ///< in the same block
 };
 
 /** The index of one database; owns its tables, borrows the links. */
@@ -62,6 +84,7 @@ struct BackupIndex {
     Long nbStale;                  ///< how many
     void *block;                   ///< counted block that holds these tables
     BackupFigures *figures[MAXOA]; ///< by position; null: nothing reserved in the class type
+    LevelFigures *levels[MAXOA];   ///< by position, in the same block
     CarrierList *carriers[MAXOA];  ///< by number of the failing link; null: not listed
 };
 
@@ -71,11 +94,14 @@ struct BackupIndex {
  */
 [[nodiscard]] bool bringBackupsUpToDate(DataBase_ &db, int oa);
 
+/** What the figures of all levels together take from those of each level, but for `derived`. */
+void flatten(const LevelFigures &levels, BackupFigures &figures);
+
 /** The figures of a position no longer hold. */
 void noteStale(BackupIndex &index, Long position);
 
-/** A slot of a stored link's tables has become 0 or is no longer 0. */
-void noteCarrier(DataBase_ &db, const DBLink_ &link, const TableSlot &slot, bool carries);
+/** A slot of a stored link's tables has got another value. */
+void noteCarrier(DataBase_ &db, const DBLink_ &link, const TableSlot &slot, double value);
 
 /** Releases what the index owns. */
 void endBackupIndex(BackupIndex &index);

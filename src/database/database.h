@@ -18,17 +18,17 @@
 
 /** The network. */
 struct DataBase_ {
-    Long id;            ///< the value given to DBnew
-    Long nbNodes;       ///< number of nodes
-    Long nbLinks;       ///< number of links
-    DBNodeVec nodeVec;  ///< nodes by id
-    DBLSPVec lspVec;    ///< LSPs by id
-    DBLinkTab linkTab;  ///< links by end nodes
-    LongVec linkSrcVec; ///< slot `id`: source of link `id` plus 1, 0 when there is no such link;
-                        ///< `top` is one more than the highest link id in use
-    LongVec linkDstVec; ///< slot `id`: destination of link `id` plus 1, 0 when none
-    Long topology;      ///< counts the changes of nodes and links, modulo 2^32
-    NetworkIndex index; ///< for searches, made when the first needs it
+    Long id;             ///< the value given to DBnew
+    Long nbNodes;        ///< number of nodes
+    Long nbLinks;        ///< number of links
+    DBNodeVec nodeVec;   ///< nodes by id
+    DBLSPVec lspVec;     ///< LSPs by id
+    DBLinkTab linkTab;   ///< links by end nodes
+    LongVec linkSrcVec;  ///< slot `id`: source of link `id` plus 1, 0 when there is no such link;
+                         ///< `top` is one more than the highest link id in use
+    LongVec linkDstVec;  ///< slot `id`: destination of link `id` plus 1, 0 when none
+    Long topology;       ///< counts the changes of nodes and links, modulo 2^32
+    NetworkIndex index;  ///< for searches, made when the first needs it
     BackupIndex backups; ///< for searches of backups, made when the first needs it
 };
 using DataBase = DataBase_;

@@ -251,11 +251,11 @@ void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *s
 }
 
 /**
- * Applies an effect to tables that have the room for it. Calls `turn(oa, change, isUsed)` for a
- * slot that becomes 0 or is no longer 0.
+ * Applies an effect to tables that have the room for it. Calls `note(oa, change, value)` for each
+ * slot that has got another value.
  */
-template <class Turn>
-void apply(const Effect &effect, DBLinkState &ls, Turn turn)
+template <class Note>
+void apply(const Effect &effect, DBLinkState &ls, Note note)
 {
     for (int oa = 0; oa < MAXOA; ++oa)
         ls.pbw[oa][effect.level] += effect.primary[oa];
@@ -265,10 +265,8 @@ void apply(const Effect &effect, DBLinkState &ls, Turn turn)
             if (amount == 0.0)
                 continue;
             double &slot = tableOf(ls, change.table, oa, effect.level).cont[change.slot];
-            const bool wasUsed = slot != 0.0;
             slot += amount;
-            if ((slot != 0.0) != wasUsed)
-                turn(oa, change, !wasUsed);
+            note(oa, change, slot);
         }
     }
 }
@@ -336,8 +334,8 @@ void applyToLink(DataBase &db, DBLink &link, const Effect &effect)
         else if (shiftOf(effect, oa) == Shift::up)
             raised |= 1U << oa;
     }
-    apply(effect, link.state, [&](int oa, const SlotChange &change, bool isUsed) {
-        noteCarrier(db, link, {oa, effect.level, change.table, change.slot}, isUsed);
+    apply(effect, link.state, [&](int oa, const SlotChange &change, double value) {
+        noteCarrier(db, link, {oa, effect.level, change.table, change.slot}, value);
     });
     noteChanges(summary, link.state, effect);
     summary.known = kept | raised;
@@ -411,7 +409,7 @@ int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView 
     if (link)
         applyToLink(db, *link, effect);
     else
-        apply(effect, ls, [](int, const SlotChange &, bool) {});
+        apply(effect, ls, [](int, const SlotChange &, double) {});
     if (listed != 0)
         return -1;
     reserve(db, ls.rbw, ls.pbw, tablesOf(ls), trusted(link));

@@ -3,6 +3,7 @@
 #include "common/records.h"
 
 #include <algorithm>
+#include <bit>
 
 FailureNeeds::FailureNeeds(const DataBase &database, const BackupDemand &backupDemand)
     : db(database), demand(backupDemand)
@@ -15,9 +16,8 @@ void FailureNeeds::layOut(Layout &layout)
 {
     const Long nbLinks = db.backups.nbLinks;
     layout.place(placeOf, nbLinks);
-    layout.place(sumAt, nbLinks);
     layout.place(carried, nbLinks);
-    layout.place(row, nbLinks);
+    layout.place(inRow, nbLinks);
 }
 
 void FailureNeeds::begin() { std::fill_n(placeOf, db.backups.nbLinks, -1); }
@@ -30,15 +30,19 @@ void FailureNeeds::clear()
     nbRows = 0;
 }
 
-void FailureNeeds::addFailuresOf(Long link)
+void FailureNeeds::addUp(std::span<const Long> stretch)
 {
     const NetworkIndex &network = db.index;
-    const Long node = network.destination[link];
-    addRow(link, link + 1, link);
-    addRow(network.firstIn[node], network.firstIn[node + 1], link);
-    for (Carried &other : std::span{carried, static_cast<std::size_t>(nbCarried)}) {
-        for (int p = 0; p < MAXPL && other.nbRows < nbRows; ++p)
-            other.largest[p] = std::max(other.largest[p], plain[p]);
+    clear();
+    for (std::size_t i = 1; i < stretch.size(); ++i) {
+        const Long link = linkAt(db.linkTab, stretch[i - 1], stretch[i])->number;
+        const Long node = network.destination[link];
+        addRow(link, link + 1, link);
+        addRow(network.firstIn[node], network.firstIn[node + 1], link);
+    }
+    for (Carried &link : std::span{carried, static_cast<std::size_t>(nbCarried)}) {
+        for (int p = 0; p < MAXPL && link.nbRows < nbRows; ++p)
+            link.largest[p] = std::max(link.largest[p], plain[p]);
     }
 }
 
@@ -48,15 +52,17 @@ void FailureNeeds::addRow(Long first, Long end, Long failing)
     nbInRow = 0;
     nbRows += 1;
     ownBefore = 0.0;
-    const unsigned levels = levelsIn(first, end) | 1U << demand.level;
-    for (int p = 0; p < MAXPL; ++p) {
-        for (Long link = first; link < end && (levels >> p & 1U) != 0; ++link) {
+    unsigned levels = levelsIn(first, end) | 1U << demand.level;
+    while (levels != 0) {
+        const int p = std::countr_zero(levels);
+        levels &= levels - 1;
+        for (Long link = first; link < end; ++link) {
             const bool isOwn = link == failing && p == demand.level;
             addCarriers(link, p, isOwn);
             if (isOwn)
                 addOwn();
         }
-        raise(p);
+        raise(p, levels != 0 ? std::countr_zero(levels) : MAXPL);
     }
 }
 
@@ -65,8 +71,9 @@ unsigned FailureNeeds::levelsIn(Long first, Long end) const
 {
     unsigned levels = 0;
     for (Long link = first; link < end; ++link) {
-        for (const Carrier &carrier : inUse(db.backups.carriers[demand.oa][link]))
-            levels |= 1U << carrier.level;
+        const CarrierList &list = db.backups.carriers[demand.oa][link];
+        for (Long i = 0; i < list.top; ++i)
+            levels |= 1U << list.carriers[i].level();
     }
     return levels;
 }
@@ -74,56 +81,64 @@ unsigned FailureNeeds::levelsIn(Long first, Long end) const
 /** Adds what the tables hold for the failure of a link at one level. */
 void FailureNeeds::addCarriers(Long link, int p, bool isOwn)
 {
-    const Long slot = db.index.links[link]->id;
-    for (const Carrier &carrier : inUse(db.backups.carriers[demand.oa][link])) {
-        if (carrier.level != p)
+    const CarrierList &list = db.backups.carriers[demand.oa][link];
+    for (Long i = 0; i < list.top; ++i) {
+        const Carrier carrier = list.carriers[i];
+        if (carrier.level() != p)
             continue;
-        const DBLinkState &state = db.backups.links[carrier.position]->state;
-        const double value = slotOf(tableOf(state, carrier.table, demand.oa, p), slot);
-        RowSum &sum = sumOn(carrier.position, p);
-        if (carrier.table == FailureTable::freed) {
-            sum.freed += value;
+        const double value = list.values[i];
+        Carried &on = carriedOn(carrier.position(), p);
+        if (carrier.table() == FailureTable::freed) {
+            on.freed += value;
             continue;
         }
-        sum.backup += isOwn ? value + demand.bw : value;
-        sum.hasOwn = sum.hasOwn || isOwn;
+        on.backup += isOwn ? value + demand.bw : value;
+        on.hasOwn = on.hasOwn || isOwn;
     }
 }
 
 /** Adds the backup where the tables have nothing that it comes on top of. */
 void FailureNeeds::addOwn()
 {
-    for (RowSum &sum : std::span{row, static_cast<std::size_t>(nbInRow)})
-        sum.backup += sum.hasOwn ? 0.0 : demand.bw;
+    for (Carried *on : std::span{inRow, static_cast<std::size_t>(nbInRow)})
+        on->backup += on->hasOwn ? 0.0 : demand.bw;
     ownBefore = demand.bw;
 }
 
-/** Raises what is needed at a level to the present sums. */
-void FailureNeeds::raise(int p)
+/** Raises what is needed at the levels `from` to `end` - 1 to the present sums. */
+void FailureNeeds::raise(int from, int end)
 {
-    for (const RowSum &sum : std::span{row, static_cast<std::size_t>(nbInRow)}) {
-        double &largest = carried[sum.place].largest[p];
-        largest = std::max(largest, sum.backup - sum.freed);
+    for (Carried *on : std::span{inRow, static_cast<std::size_t>(nbInRow)}) {
+        const double need = on->backup - on->freed;
+        for (int p = from; p < end; ++p)
+            on->largest[p] = std::max(on->largest[p], need);
     }
 }
 
-/** The sum of the row on a link; when it begins at level `p`, it was the backup alone before. */
-FailureNeeds::RowSum &FailureNeeds::sumOn(Long position, int p)
+/** A link in the row; when its sum begins at level `p`, it was the backup alone before. */
+FailureNeeds::Carried &FailureNeeds::carriedOn(Long position, int p)
 {
     Long &place = placeOf[position];
     if (place < 0) {
         place = nbCarried++;
-        carried[place] = {{}, position, 0};
-        sumAt[place] = 0;
+        carried[place] = {.largest = {},
+                          .backup = 0.0,
+                          .freed = 0.0,
+                          .position = position,
+                          .row = 0,
+                          .nbRows = 0,
+                          .hasOwn = false};
     }
-    Long &at = sumAt[place];
-    const bool isInRow = at < nbInRow && row[at].place == place;
-    if (!isInRow) {
-        at = nbInRow++;
-        row[at] = {place, ownBefore, 0.0, ownBefore != 0.0};
-        carried[place].nbRows += 1;
+    Carried &on = carried[place];
+    if (on.row != nbRows) {
+        on.row = nbRows;
+        on.nbRows += 1;
+        on.backup = ownBefore;
+        on.freed = 0.0;
+        on.hasOwn = ownBefore != 0.0;
         for (int below = 0; below < p; ++below)
-            carried[place].largest[below] = std::max(carried[place].largest[below], plain[below]);
+            on.largest[below] = std::max(on.largest[below], plain[below]);
+        inRow[nbInRow++] = &on;
     }
-    return row[at];
+    return on;
 }

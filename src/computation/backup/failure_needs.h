@@ -11,6 +11,8 @@
 #include "common/layout.h"
 #include "database/database.h"
 
+#include <span>
+
 /** What a backup reserves: bandwidth in one class type at one level. */
 struct BackupDemand {
     int oa;
@@ -27,12 +29,16 @@ public:
     void layOut(Layout &layout);
     /** Makes the tables ready for use; they may hold anything before. */
     void begin();
-    /** Forgets all failures. */
-    void clear();
-    /** Adds the failure of link number `link`, for which the backup is, and of the node it enters;
-     * such links enter different nodes. */
-    void addFailuresOf(Long link);
+    /**
+     * Adds up the failures that a backup of a stretch of a path is for: those of its links and of
+     * the nodes these enter.
+     *
+     * @param stretch node ids, none twice
+     */
+    void addUp(std::span<const Long> stretch);
 
+    /** Whether what the tables of the link at a position hold matters; else the backup is all. */
+    bool isCarriedOn(Long position) const { return placeOf[position] >= 0; }
     /** MAXPL needs, the largest at each level, on the link at a position. */
     const double *on(Long position) const
     {
@@ -44,31 +50,28 @@ private:
     /** A link whose tables hold something for one of the failures. */
     struct Carried {
         double largest[MAXPL]; ///< over the rows so far
+        double backup;         ///< bandwidth activated, in the row that is being added up
+        double freed;          ///< bandwidth freed, in that row
         Long position;
+        Long row;    ///< number of that row
         Long nbRows; ///< rows in which the link has something
-    };
-    /** The row that is being added up, on one link. */
-    struct RowSum {
-        Long place; ///< in `carried`
-        double backup;
-        double freed;
         bool hasOwn; ///< whether the backup is in the sum
     };
 
+    void clear();
     void addRow(Long first, Long end, Long failing);
     unsigned levelsIn(Long first, Long end) const;
     void addCarriers(Long link, int p, bool isOwn);
     void addOwn();
-    void raise(int p);
-    RowSum &sumOn(Long position, int p);
+    void raise(int from, int end);
+    Carried &carriedOn(Long position, int p);
 
     const DataBase &db;
     const BackupDemand &demand;
-    double plain[MAXPL]; ///< needs on a link with nothing in the tables
+    double plain[MAXPL];     ///< needs on a link with nothing in the tables
     Long *placeOf = nullptr; ///< by position: place in `carried`, -1 when the tables hold nothing
-    Long *sumAt = nullptr;   ///< by place in `carried`: place in `row`, if it is there
     Carried *carried = nullptr;
-    RowSum *row = nullptr;
+    Carried **inRow = nullptr; ///< those with something in the row that is being added up
     Long nbCarried = 0;
     Long nbInRow = 0;
     Long nbRows = 0;

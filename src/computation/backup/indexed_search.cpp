@@ -6,11 +6,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace
 {
 
 constexpr double unreached = -1.0;
+
+/** Children of an entry of the frontier. */
+constexpr Long arity = 4;
 
 /** What the backups of an LSP reserve; without bandwidth unless it has some in one class type. */
 BackupDemand demandOf(const DBLabelSwitchedPath &primary)
@@ -66,7 +70,7 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
     if (!workspace)
         return Service::noMemory;
     layOut(workspace);
-    pricing.failureNeeds().begin();
+    pricing.begin();
     if (!db.backups.isUsual)
         return Service::impossible;
     askOnOwnHops(true);
@@ -107,8 +111,8 @@ void IndexedBackupSearch::askOnOwnHops(bool isAsked)
 {
     for (std::size_t i = 1; i < path.size(); ++i) {
         const Long position = positionOf(path[i - 1], path[i]);
-        db.backups.isAsked[position] = isAsked;
-        noteStale(db.backups, position);
+        const bool isTrusted = db.backups.links[position]->summary.isTrusted;
+        db.backups.isAsked[position] = isAsked || !isTrusted;
     }
 }
 
@@ -126,10 +130,7 @@ int IndexedBackupSearch::prepare()
 
 void IndexedBackupSearch::protect(std::span<const Long> stretch)
 {
-    FailureNeeds &needs = pricing.failureNeeds();
-    needs.clear();
-    for (std::size_t i = 1; i < stretch.size(); ++i)
-        needs.addFailuresOf(linkAt(db.linkTab, stretch[i - 1], stretch[i])->number);
+    pricing.failureNeeds().addUp(stretch);
 }
 
 void IndexedBackupSearch::allowAll() { std::fill_n(isForbidden, db.backups.nbLinks, false); }
@@ -148,16 +149,30 @@ int IndexedBackupSearch::forbidLinksInto(Long node)
     return 0;
 }
 
+/** Whether no target can be reached, since every link into it is forbidden. */
+bool IndexedBackupSearch::areShutOff(std::span<const Long> targets) const
+{
+    return std::ranges::all_of(targets, [this](Long target) {
+        const Long node = db.nodeVec.cont[target]->number;
+        const Long *first = db.backups.positionOf + db.index.firstIn[node];
+        const Long *last = db.backups.positionOf + db.index.firstIn[node + 1];
+        return std::all_of(first, last, [this](Long link) { return isForbidden[link]; });
+    });
+}
+
 int IndexedBackupSearch::run(Long from, std::span<const Long> targets, bool &found)
 {
+    found = false;
+    if (areShutOff(targets)) // the egress is when the last link is protected
+        return 0;
     std::fill_n(labels, db.index.nbNodes, Label{unreached, -1, false, false});
     for (const Long target : targets)
         labels[db.nodeVec.cont[target]->number].isTarget = true;
     frontierSize = nbInserted = 0;
+    bound = std::numeric_limits<double>::quiet_NaN();
     start = db.nodeVec.cont[from]->number;
     labels[start].val = 0.0;
     push(0.0, start);
-    found = false;
     while (frontierSize > 0 && !found) {
         end = pop().node;
         if (labels[end].isMarked)
@@ -170,25 +185,38 @@ int IndexedBackupSearch::run(Long from, std::span<const Long> targets, bool &fou
     return 0;
 }
 
+/**
+ * Once a target is reached at some cost, no other node matters that costs as much: what it leads to
+ * costs more.
+ */
+bool IndexedBackupSearch::mayMatter(const Label &label, double val) const
+{
+    const bool improves = label.val == unreached || val < label.val;
+    const bool isBeyond = val >= bound && !(label.isTarget && val == bound);
+    return improves && !label.isMarked && !isBeyond;
+}
+
 /** The value -1 means unreached; a value of 0 replaces only that. */
 void IndexedBackupSearch::relaxLinksOf(Long node)
 {
     const double val = labels[node].val;
+    const double least = val + pricing.leastCost();
     const Long startId = db.index.nodeIds[start];
-    for (Long link = db.index.firstOut[node]; link < db.index.firstOut[node + 1]; ++link) {
-        Label &neighbour = labels[db.backups.destination[link]];
-        if (neighbour.isMarked || isForbidden[link])
+    const Long *destination = db.backups.destination;
+    const Long past = db.index.firstOut[node + 1];
+    for (Long link = db.index.firstOut[node]; link < past; ++link) {
+        Label &neighbour = labels[destination[link]];
+        if (isForbidden[link] || !mayMatter(neighbour, least))
             continue;
         const double cost = pricing.price(link, startId, placed);
-        if (cost < 0.0)
+        if (cost < 0.0 || !mayMatter(neighbour, val + cost))
             continue;
-        const double newVal = val + cost;
-        const bool improves = newVal > 0.0 && newVal < neighbour.val;
-        if (neighbour.val != unreached && !improves)
-            continue;
-        neighbour.val = newVal;
+        neighbour.val = val + cost;
         neighbour.entry = link;
-        push(newVal, db.backups.destination[link]);
+        const bool costsMore = neighbour.val + pricing.leastCost() > neighbour.val;
+        if (neighbour.isTarget && costsMore)
+            bound = neighbour.val;
+        push(neighbour.val, destination[link]);
     }
 }
 
@@ -196,9 +224,9 @@ void IndexedBackupSearch::push(double key, Long node)
 {
     const Entry entry{key, nbInserted++, node};
     Long place = frontierSize++;
-    while (place > 0 && entry.isBefore(frontier[(place - 1) / 2])) {
-        frontier[place] = frontier[(place - 1) / 2];
-        place = (place - 1) / 2;
+    while (place > 0 && entry.isBefore(frontier[(place - 1) / arity])) {
+        frontier[place] = frontier[(place - 1) / arity];
+        place = (place - 1) / arity;
     }
     frontier[place] = entry;
 }
@@ -208,9 +236,10 @@ IndexedBackupSearch::Entry IndexedBackupSearch::pop()
     const Entry next = frontier[0];
     const Entry last = frontier[--frontierSize];
     Long place = 0;
-    for (Long child = 1; child < frontierSize; child = 2 * place + 1) {
-        if (child + 1 < frontierSize && frontier[child + 1].isBefore(frontier[child]))
-            ++child;
+    for (Long child = 1; child < frontierSize; child = arity * place + 1) {
+        const Long past = std::min(child + arity, frontierSize);
+        for (Long sibling = child + 1; sibling < past; ++sibling)
+            child = frontier[sibling].isBefore(frontier[child]) ? sibling : child;
         if (!frontier[child].isBefore(last))
             break;
         frontier[place] = frontier[child];

@@ -51,7 +51,7 @@ private:
 
         bool isBefore(const Entry &other) const
         {
-            return key < other.key || (key == other.key && order > other.order);
+            return bool((key < other.key) | ((key == other.key) & (order > other.order)));
         }
     };
 
@@ -60,6 +60,8 @@ private:
     Long positionOf(Long src, Long dst) const;
     Long nodeBefore(Long node) const;
     void askOnOwnHops(bool isAsked);
+    bool areShutOff(std::span<const Long> targets) const;
+    bool mayMatter(const Label &label, double val) const;
     void relaxLinksOf(Long node);
     void push(double key, Long node);
     Entry pop();
@@ -78,8 +80,9 @@ private:
 
     Label *labels = nullptr;     ///< by node
     bool *isForbidden = nullptr; ///< by position
-    Entry *frontier = nullptr;   ///< binary heap, the next entry first
+    Entry *frontier = nullptr;   ///< heap, the next entry first
     Long frontierSize = 0;
+    double bound = 0.0; ///< least cost at which a target is reached; no number before
     Long nbInserted = 0;
 };
 

@@ -1,11 +1,11 @@
 #include "computation/backup/pricing.h"
 
-#include "computation/backup/cost.h"
 #include "database/reservation.h"
 #include "error/report.h"
 
-#include <cassert>
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace
 {
@@ -31,67 +31,62 @@ void append(const DataBase &db, Long src, Long dst, const LSPView &lsp, Effect &
 
 LinkPricing::LinkPricing(DataBase &database, const DBLabelSwitchedPath &protectedLSP,
                          const BackupDemand &backupDemand, BackupType backupType)
-    : db(database), primary(protectedLSP), demand(backupDemand), type(backupType),
-      bandwidth(totalBandwidth(protectedLSP)), needs(database, backupDemand)
+    : db(database), index(database.backups), primary(protectedLSP), demand(backupDemand),
+      type(backupType), bandwidth(totalBandwidth(protectedLSP)),
+      least(costOf(0.0, 0.0, 1, bandwidth)), ownBit(1U << demand.oa), needs(database, backupDemand)
 {
 }
 
-double LinkPricing::price(Long position, Long start, std::span<const LSPRequest> placed) const
+void LinkPricing::begin()
 {
-    const BackupIndex &index = db.backups;
-    if (index.isAsked[position])
-        return priceExactly(position, start, placed);
-    const BackupFigures &own = index.figures[demand.oa][position];
-    const double reserved = reservedWith(own, needs.on(position));
-    const unsigned others = index.overfull[position] & ~(1U << demand.oa);
-    double cost = infeasible;
-    if (!(reserved > own.capacity) && others == 0) {
-        double after = 0.0;
-        double before = 0.0;
-        for (int oa = 0; oa < MAXOA; ++oa) {
-            if (!index.figures[oa])
-                continue;
-            const BackupFigures &figures = index.figures[oa][position];
-            after += oa == demand.oa ? reserved : figures.derived;
-            before += figures.stored;
-        }
-        const Long dst = db.index.nodeIds[index.destination[position]];
-        cost = costOf(before, after, hopFactor(primary, dst), bandwidth);
+    needs.begin();
+    figures = index.figures[demand.oa];
+    isSimple = primary.primPath.top == 0 &&
+               std::ranges::count(index.figures, nullptr) == std::ssize(index.figures) - 1;
+}
+
+/** Cost when the backup's class type would reserve so much. */
+double LinkPricing::costInClasses(Long position, double reserved) const
+{
+    double after = 0.0;
+    double before = 0.0;
+    for (const BackupFigures *ofClass : index.figures) {
+        if (!ofClass)
+            continue;
+        after += ofClass == figures ? reserved : ofClass[position].derived;
+        before += ofClass[position].stored;
     }
-    assert(cost == priceExactly(position, start, placed));
-    return cost;
+    const Long dst = db.index.nodeIds[index.destination[position]];
+    return costOf(before, after, hopFactor(primary, dst), bandwidth);
 }
 
 void LinkPricing::placeOn(Long position)
 {
-    BackupIndex &index = db.backups;
     if (index.isAsked[position])
         return;
     noteStale(index, position);
-    BackupFigures &own = index.figures[demand.oa][position];
-    const double *atFailure = needs.on(position);
-    own.derived = reservedWith(own, atFailure);
+    BackupFigures &own = figures[position];
+    LevelFigures &levels = index.levels[demand.oa][position];
+    own.derived = reservedOn(position);
     for (int p = 0; p < MAXPL; ++p)
-        own.largest[p] = std::max(own.largest[p], atFailure[p]);
-    for (BackupFigures *figures : index.figures) {
-        if (figures)
-            figures[position].stored = figures[position].derived;
+        levels.largest[p] = std::max(levels.largest[p], needs.on(position)[p]);
+    flatten(levels, own);
+    for (BackupFigures *ofClass : index.figures) {
+        if (ofClass)
+            ofClass[position].stored = ofClass[position].derived;
     }
 }
 
-/** What the class type would reserve on a link, over all levels. */
-double LinkPricing::reservedWith(const BackupFigures &figures, const double *atFailure) const
+/** What the backup's class type would reserve on a link, added up level by level. */
+double LinkPricing::reservedByLevel(Long position) const
 {
-    bool isShared = true;
-    for (int p = 0; p < MAXPL; ++p)
-        isShared = isShared && !(figures.largest[p] < atFailure[p]);
-    if (isShared)
-        return figures.derived;
+    const LevelFigures &levels = index.levels[demand.oa][position];
+    const double *atFailure = needs.on(position);
     double reserved = 0.0;
     double below = 0.0;
     for (int p = 0; p < MAXPL; ++p) {
-        const double largest = std::max(figures.largest[p], atFailure[p]);
-        reserved += figures.pbw[p] + largest - below;
+        const double largest = std::max(levels.largest[p], atFailure[p]);
+        reserved += levels.pbw[p] + largest - below;
         below = largest;
     }
     return reserved;
@@ -101,7 +96,7 @@ double LinkPricing::reservedWith(const BackupFigures &figures, const double *atF
 double LinkPricing::priceExactly(Long position, Long start,
                                  std::span<const LSPRequest> placed) const
 {
-    DBLink &link = *db.backups.links[position];
+    DBLink &link = *index.links[position];
     const Long src = DBgetLinkSrc(&db, link.id);
     const Long dst = DBgetLinkDst(&db, link.id);
     LSPView lsp{.path = {},

@@ -6,8 +6,10 @@
 #define TARNEX_COMPUTATION_BACKUP_PRICING_H
 
 #include "computation/backup/backup.h"
+#include "computation/backup/cost.h"
 #include "computation/backup/failure_needs.h"
 
+#include <cassert>
 #include <span>
 
 class LinkPricing
@@ -20,23 +22,56 @@ public:
     /** What the failures in question need on each link. */
     FailureNeeds &failureNeeds() { return needs; }
 
+    /** Begins with tables that are up to date. */
+    void begin();
+
+    /** What no link costs less than. */
+    double leastCost() const { return least; }
+
     /** The cost of the link at a position for a backup from node `start`; `infeasible` without
      * room. `placed`: requests whose paths carry reservations already, the one placed last first.
      */
-    double price(Long position, Long start, std::span<const LSPRequest> placed) const;
+    double price(Long position, Long start, std::span<const LSPRequest> placed) const
+    {
+        if (index.isAsked[position])
+            return priceExactly(position, start, placed);
+        const BackupFigures &own = figures[position];
+        const double reserved = reservedOn(position);
+        if (reserved > own.capacity || (index.overfull[position] & ~ownBit) != 0)
+            return infeasible;
+        const double cost = isSimple ? costOf(own.stored, reserved, 1, bandwidth)
+                                     : costInClasses(position, reserved);
+        assert(cost == priceExactly(position, start, placed));
+        return cost;
+    }
 
     /** Has the link at a position carry the backup that was priced there. */
     void placeOn(Long position);
 
 private:
     double priceExactly(Long position, Long start, std::span<const LSPRequest> placed) const;
-    double reservedWith(const BackupFigures &figures, const double *atFailure) const;
+    double costInClasses(Long position, double reserved) const;
+    double reservedByLevel(Long position) const;
+
+    /** What the backup's class type would reserve on a link, over all levels. */
+    double reservedOn(Long position) const
+    {
+        const BackupFigures &own = figures[position];
+        if (demand.level <= own.flatFrom || needs.isCarriedOn(position))
+            return reservedByLevel(position);
+        return own.largest < demand.bw ? own.derived + (demand.bw - own.largest) : own.derived;
+    }
 
     DataBase &db;
+    BackupIndex &index;
     const DBLabelSwitchedPath &primary;
     const BackupDemand &demand;
     BackupType type;
     double bandwidth; ///< in all class types
+    double least;
+    unsigned ownBit;                  ///< of the backup's class type
+    BackupFigures *figures = nullptr; ///< of the backup's class type
+    bool isSimple = false; ///< no other class type reserves, and the hop factor is always 1
     FailureNeeds needs;
 };
 
