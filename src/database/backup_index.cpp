@@ -155,7 +155,7 @@ bool refreshStale(const DataBase &db, BackupIndex &index)
 /** Gives a list the room for so many slots; false, and nothing changed, without memory. */
 bool grow(CarrierList &list, Long size)
 {
-    CarrierList larger{size, list.top, nullptr, nullptr};
+    CarrierList larger{size, list.top, list.levels, nullptr, nullptr};
     const auto layOut = [&larger](void *block) {
         Layout layout{block};
         layout.place(larger.values, larger.size);
@@ -178,6 +178,7 @@ bool add(CarrierList &list, Carrier carrier, double value)
 {
     if (list.top == list.size && !grow(list, std::max(2 * list.size, Long{8})))
         return false;
+    list.levels |= 1U << carrier.level();
     list.carriers[list.top] = carrier;
     list.values[list.top++] = value;
     return true;

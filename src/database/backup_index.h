@@ -61,8 +61,9 @@ static_assert(MAXPL <= 8);
 
 /** The slots of one failing link that are not 0, in no order. */
 struct CarrierList {
-    Long size;      ///< capacity
-    Long top;       ///< slots in use
+    Long size;       ///< capacity
+    Long top;        ///< slots in use
+    unsigned levels; ///< a bit for each level that has, or had, a slot
     double *values; ///< counted block with `size` values and carriers, owned; null before the first
     Carrier *carriers; ///< in the same block
 };

@@ -57,8 +57,11 @@ private:
                 std::fputs("No local link disjoint protection path found\n", stderr);
                 return -1;
             }
-            if (write(reqList.cont[i - 1]) != 0)
+            LSPRequest &req = reqList.cont[i - 1];
+            search.takeOut(req);
+            if (write(req) != 0)
                 return -1;
+            search.putIn(req);
         }
         return 0;
     }
@@ -135,17 +138,15 @@ private:
         return 0;
     }
 
-    /** Puts the path found into a request, and its reservation before the searches to come. */
+    /** Puts the path found into a request. */
     int write(LSPRequest &req)
     {
-        search.takeOut(req);
         req.path.top = 0;
         if (search.writePath(req.path) != 0) {
             req.path.top = 0;
             return -1;
         }
         std::ranges::reverse(inUse(req.path));
-        search.putIn(req);
         return 0;
     }
 

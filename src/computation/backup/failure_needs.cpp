@@ -37,12 +37,31 @@ void FailureNeeds::addUp(std::span<const Long> stretch)
     for (std::size_t i = 1; i < stretch.size(); ++i) {
         const Long link = linkAt(db.linkTab, stretch[i - 1], stretch[i])->number;
         const Long node = network.destination[link];
+        carryAlong(network.firstIn[node], network.firstIn[node + 1], link);
         addRow(link, link + 1, link);
         addRow(network.firstIn[node], network.firstIn[node + 1], link);
     }
     for (Carried &link : std::span{carried, static_cast<std::size_t>(nbCarried)}) {
         for (int p = 0; p < MAXPL && link.nbRows < nbRows; ++p)
             link.largest[p] = std::max(link.largest[p], plain[p]);
+    }
+}
+
+/** Picks the links that may need anything but the backup when links `first` to `end` - 1 fail. */
+void FailureNeeds::carryAlong(Long first, Long end, Long failing)
+{
+    for (Long link = first; link < end; ++link) {
+        const CarrierList &list = db.backups.carriers[demand.oa][link];
+        for (Long i = 0; i < list.top; ++i) {
+            const bool isFreed = list.carriers[i].table() == FailureTable::freed;
+            const bool onlyLowers = isFreed && list.values[i] >= 0.0 && link != failing;
+            Long &place = placeOf[list.carriers[i].position()];
+            if (onlyLowers || place >= 0)
+                continue;
+            place = nbCarried++;
+            carried[place] = {};
+            carried[place].position = list.carriers[i].position();
+        }
     }
 }
 
@@ -66,15 +85,12 @@ void FailureNeeds::addRow(Long first, Long end, Long failing)
     }
 }
 
-/** A bit for each level at which one of the links has a carrier. */
+/** A bit for each level at which one of the links may have a carrier. */
 unsigned FailureNeeds::levelsIn(Long first, Long end) const
 {
     unsigned levels = 0;
-    for (Long link = first; link < end; ++link) {
-        const CarrierList &list = db.backups.carriers[demand.oa][link];
-        for (Long i = 0; i < list.top; ++i)
-            levels |= 1U << list.carriers[i].level();
-    }
+    for (Long link = first; link < end; ++link)
+        levels |= db.backups.carriers[demand.oa][link].levels;
     return levels;
 }
 
@@ -82,12 +98,17 @@ unsigned FailureNeeds::levelsIn(Long first, Long end) const
 void FailureNeeds::addCarriers(Long link, int p, bool isOwn)
 {
     const CarrierList &list = db.backups.carriers[demand.oa][link];
+    if ((list.levels >> p & 1U) == 0)
+        return;
     for (Long i = 0; i < list.top; ++i) {
         const Carrier carrier = list.carriers[i];
-        if (carrier.level() != p)
+        const Long place = placeOf[carrier.position()];
+        if (carrier.level() != p || place < 0)
             continue;
         const double value = list.values[i];
-        Carried &on = carriedOn(carrier.position(), p);
+        Carried &on = carried[place];
+        if (on.row != nbRows)
+            enterRow(on, p);
         if (carrier.table() == FailureTable::freed) {
             on.freed += value;
             continue;
@@ -115,30 +136,15 @@ void FailureNeeds::raise(int from, int end)
     }
 }
 
-/** A link in the row; when its sum begins at level `p`, it was the backup alone before. */
-FailureNeeds::Carried &FailureNeeds::carriedOn(Long position, int p)
+/** Begins the sum of a row on a link at level `p`; below it was the backup alone. */
+void FailureNeeds::enterRow(Carried &on, int p)
 {
-    Long &place = placeOf[position];
-    if (place < 0) {
-        place = nbCarried++;
-        carried[place] = {.largest = {},
-                          .backup = 0.0,
-                          .freed = 0.0,
-                          .position = position,
-                          .row = 0,
-                          .nbRows = 0,
-                          .hasOwn = false};
-    }
-    Carried &on = carried[place];
-    if (on.row != nbRows) {
-        on.row = nbRows;
-        on.nbRows += 1;
-        on.backup = ownBefore;
-        on.freed = 0.0;
-        on.hasOwn = ownBefore != 0.0;
-        for (int below = 0; below < p; ++below)
-            on.largest[below] = std::max(on.largest[below], plain[below]);
-        inRow[nbInRow++] = &on;
-    }
-    return on;
+    on.row = nbRows;
+    on.nbRows += 1;
+    on.backup = ownBefore;
+    on.freed = 0.0;
+    on.hasOwn = ownBefore != 0.0;
+    for (int below = 0; below < p; ++below)
+        on.largest[below] = std::max(on.largest[below], plain[below]);
+    inRow[nbInRow++] = &on;
 }

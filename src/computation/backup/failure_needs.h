@@ -1,9 +1,11 @@
 /**
  * What the failures that a backup is for would need on each link, with the backup on it.
  *
- * Most links have nothing in the tables of these failures: there the need is the backup's own
- * bandwidth. The others are found from the failing links (database/backup_index.h), and their rows
- * added up, level by level and inside a level in the order of the links, before a search begins.
+ * On most links that is the backup's own bandwidth: their tables hold nothing for these failures,
+ * or only what the other links into a failing node free, which cannot outweigh the failure of the
+ * protected link alone. The others are found from the failing links (database/backup_index.h), and
+ * their rows added up, level by level and inside a level in the order of the links, before a search
+ * begins.
  */
 #ifndef TARNEX_COMPUTATION_BACKUP_FAILURE_NEEDS_H
 #define TARNEX_COMPUTATION_BACKUP_FAILURE_NEEDS_H
@@ -37,7 +39,7 @@ public:
      */
     void addUp(std::span<const Long> stretch);
 
-    /** Whether what the tables of the link at a position hold matters; else the backup is all. */
+    /** Whether the link at a position may need anything but the backup's bandwidth. */
     bool isCarriedOn(Long position) const { return placeOf[position] >= 0; }
     /** MAXPL needs, the largest at each level, on the link at a position. */
     const double *on(Long position) const
@@ -47,7 +49,7 @@ public:
     }
 
 private:
-    /** A link whose tables hold something for one of the failures. */
+    /** A link that needs more or less than the backup's bandwidth, perhaps. */
     struct Carried {
         double largest[MAXPL]; ///< over the rows so far
         double backup;         ///< bandwidth activated, in the row that is being added up
@@ -64,7 +66,8 @@ private:
     void addCarriers(Long link, int p, bool isOwn);
     void addOwn();
     void raise(int from, int end);
-    Carried &carriedOn(Long position, int p);
+    void carryAlong(Long first, Long end, Long failing);
+    void enterRow(Carried &on, int p);
 
     const DataBase &db;
     const BackupDemand &demand;
