@@ -25,9 +25,9 @@ public:
             if (db->linkSrcVec.cont[id] == 0)
                 continue;
             states[id] = State{DBlinkStateNew()};
-            const DBLink *stored =
-                linkAt(db->linkTab, DBgetLinkSrc(db, id), DBgetLinkDst(db, id));
-            EXPECT_EQ(DBlinkStateCopy(states[id].get(), &stored->state), 0);
+            const DBLinkState &stored =
+                storedState(db, {DBgetLinkSrc(db, id), DBgetLinkDst(db, id)});
+            EXPECT_EQ(DBlinkStateCopy(states[id].get(), &stored), 0);
         }
     }
 
@@ -174,6 +174,35 @@ struct Requests {
 class Backups : public Session
 {
 protected:
+    /** Now and then removes an LSP, replaces a link or a state, or asks for a state. */
+    void disturb(const NetworkPlan &plan, Rng &rng)
+    {
+        const PlannedLink &link = anyOf(rng, plan.links);
+        const PlannedLink &other = anyOf(rng, plan.links);
+        const Long id = randomInt(rng, 160);
+        const State copy{DBlinkStateNew()};
+        switch (randomInt(rng, 8)) {
+        case 0:
+            DBgetLinkState(db, link.src, link.dst);
+            break;
+        case 1:
+            ASSERT_EQ(DBlinkStateCopy(copy.get(), &storedState(db, {other.src, other.dst})), 0);
+            copy->rbw[0][0] += 1.0;
+            copy->cap[randomInt(rng, 2)] = 2.0;
+            ASSERT_EQ(DBsetLinkState(db, link.src, link.dst, copy.get()), 0);
+            break;
+        case 2:
+            std::ranges::fill(copy->cap, link.capacity);
+            ASSERT_EQ(DBremoveLink(db, link.src, link.dst), 0);
+            ASSERT_EQ(DBaddLink(db, link.id, link.src, link.dst, copy.get()), 0);
+            break;
+        default:
+            if (DBgetLSP(db, id))
+                static_cast<void>(DBremoveLSP(db, id));
+        }
+        errorManager.top = 0;
+    }
+
     /** Compares the engine's backups with the plain ones; the number of paths found. */
     int compare(Long primaryId, BackupType type)
     {
@@ -208,22 +237,23 @@ TEST_F(Backups, EqualThoseOfThePlainSearch)
 {
     int found = 0;
     int stored = 0;
-    for (const unsigned seed : {1U, 2U, 3U, 4U, 5U, 6U}) {
+    for (unsigned seed = 1; seed <= 12; ++seed) {
         SCOPED_TRACE(seed);
         Rng rng{seed};
         DBdestroy(db);
         db = DBnew(1);
-        NetworkPlan plan = randomNetwork(rng, 10, 4, seed % 2 == 0 ? 1 : 3);
+        NetworkPlan plan = randomNetwork(rng, 10 + int(seed), 4, seed % 2 == 0 ? 1 : 3);
         for (PlannedLink &link : plan.links)
             link.capacity = 25.0;
         ASSERT_EQ(addNetwork(db, plan), 0);
         tarnexConfig.predicateConfig.capacityClause = true;
-        for (Long id = 0; id < 40 && !HasFailure(); id += 4) {
+        for (Long id = 0; id < 160 && !HasFailure(); id += 4) {
+            disturb(plan, rng);
             PlannedLsp lsp{.id = id,
-                           .precedence = randomInt(rng, MAXPL),
+                           .precedence = randomInt(rng, seed % 3 == 0 ? 2 : MAXPL),
                            .path =
                                hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng)};
-            lsp.bw[static_cast<std::size_t>(randomInt(rng, 2))] = 1.0 / 3.0 + randomInt(rng, 6);
+            lsp.bw[static_cast<std::size_t>(randomInt(rng, 2))] = 1.0 / 3.0 + randomInt(rng, 4);
             lsp.primPath = id % 8 == 0 ? lsp.path : NodePath{}; // weighs the hops of its backups
             if (lsp.path.size() < 2 || DBaddLSP(db, recordOf(lsp).get(), &preempted) != 0)
                 continue;
@@ -247,8 +277,8 @@ TEST_F(Backups, EqualThoseOfThePlainSearch)
             errorManager.top = 0;
         }
     }
-    EXPECT_GT(found, 100);
-    EXPECT_GT(stored, 30);
+    EXPECT_GT(found, 1000);
+    EXPECT_GT(stored, 100);
 }
 
 TEST_F(Backups, RefuseWhatCannotBeProtected)
