@@ -68,7 +68,7 @@ void number(const DataBase &db, BackupIndex &index)
     const NetworkIndex &network = db.index;
     std::fill_n(index.numberOf, index.nbIds, -1);
     for (Long position = 0; position < index.nbLinks; ++position) {
-        const Long link = network.outLinks[position];
+        const Long link = network.outLinks[position].link;
         index.links[position] = network.links[link];
         index.positionOf[link] = position;
         index.destination[position] = network.destination[link];

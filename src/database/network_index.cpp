@@ -1,12 +1,14 @@
 #include "database/network_index.h"
 
 #include "common/layout.h"
+#include "common/link_cost.h"
 #include "common/records.h"
 #include "database/database.h"
 #include "database/reservation.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <span>
 
 namespace
@@ -18,15 +20,23 @@ std::size_t layOut(NetworkIndex &index, void *block)
     layout.place(index.nodeIds, index.nbNodes);
     layout.place(index.firstIn, index.nbNodes + 1);
     layout.place(index.firstOut, index.nbNodes + 1);
-    for (Long *NetworkIndex::*table : {&NetworkIndex::source, &NetworkIndex::destination,
-                                       &NetworkIndex::outLinks, &NetworkIndex::stale})
+    for (Long *NetworkIndex::*table :
+         {&NetworkIndex::source, &NetworkIndex::destination, &NetworkIndex::stale})
         layout.place(index.*table, index.nbLinks);
+    layout.place(index.outLinks, index.nbLinks);
     layout.place(index.links, index.nbLinks);
-    for (LinkFigures *&figures : index.figures)
-        layout.place(figures, index.nbLinks);
-    for (unsigned char *NetworkIndex::*table :
-         {&NetworkIndex::overfull, &NetworkIndex::ownFailureNeeds, &NetworkIndex::isStale})
-        layout.place(index.*table, index.nbLinks);
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        layout.place(index.figures[oa], index.nbLinks);
+        layout.place(index.pieces[oa], index.nbLinks);
+    }
+    for (int p = index.lowestLevel; p < MAXPL; ++p) {
+        layout.place(index.doubtful[p], index.nbLinks);
+        for (int oa = 0; oa < MAXOA; ++oa) {
+            layout.place(index.fits[oa][p], index.nbLinks);
+            layout.place(index.exceeds[oa][p], index.nbLinks);
+        }
+    }
+    layout.place(index.staleClasses, index.nbLinks);
     return layout.bytes();
 }
 
@@ -51,7 +61,7 @@ void number(DataBase &db, NetworkIndex &index)
             index.links[link] = stored;
             index.source[link] = db.nodeVec.cont[from]->number;
             index.destination[link] = node;
-            index.isStale[link] = 1;
+            index.staleClasses[link] = allClasses;
             index.stale[link] = link;
             ++link;
         }
@@ -61,7 +71,8 @@ void number(DataBase &db, NetworkIndex &index)
         const Long id = index.nodeIds[node];
         index.firstOut[node] = position;
         for (const Long to : inUse(db.nodeVec.cont[id]->outNeighb))
-            index.outLinks[position++] = linkAt(db.linkTab, id, to)->number;
+            index.outLinks[position++] = {db.nodeVec.cont[to]->number,
+                                          linkAt(db.linkTab, id, to)->number};
     }
     index.firstOut[index.nbNodes] = position;
     index.nbStale = link;
@@ -84,7 +95,7 @@ Long countReached(const NetworkIndex &index, Long start, bool forward, std::span
         const Long node = queue[i];
         if (forward) {
             for (Long k = index.firstOut[node]; k < index.firstOut[node + 1]; ++k)
-                reach(index.destination[index.outLinks[k]]);
+                reach(index.outLinks[k].node);
         } else {
             for (Long k = index.firstIn[node]; k < index.firstIn[node + 1]; ++k)
                 reach(index.source[k]);
@@ -115,9 +126,10 @@ bool findConnections(NetworkIndex &index)
     return true;
 }
 
-bool build(DataBase &db, NetworkIndex &index)
+bool build(DataBase &db, NetworkIndex &index, int lowestLevel)
 {
     endIndex(index); // an attempt before may have ended half way
+    index.lowestLevel = lowestLevel;
     for (const DBNode *node : slots(db.nodeVec)) {
         index.nbNodes += node ? 1 : 0;
         index.nbLinks += node ? node->inNeighb.top : 0;
@@ -133,37 +145,52 @@ bool build(DataBase &db, NetworkIndex &index)
     return index.isCurrent;
 }
 
-/** Whether the failure of the link itself, or of the node it enters, has a needy slot. */
-bool hasOwnFailureNeeds(const DataBase &db, const DBLink &link, Long destinationId, int oa)
+/** What decides whether a primary fits, in one class type with the levels up to some. */
+struct Occupancy {
+    double capacity;
+    double load;      ///< reserved by primaries
+    double ofOwn;     ///< as in LinkNeeds
+    double ofOthers;  ///< as in LinkNeeds
+    double magnitude; ///< sum of the sizes of what all this was added up from: bounds its rounding
+};
+
+/**
+ * Sets what surely fits and what surely does not, with margins far above what the order of the
+ * additions can change. A primary on the link adds its bandwidth to the load and takes it off the
+ * need of the link's own failures: what remains to be reserved for these does not depend on it.
+ */
+void setLimits(const Occupancy &is, double &fits, double &exceeds)
 {
-    return std::ranges::any_of(inUse(link.summary.needy[oa]), [&](Long slot) {
-        return slot < db.linkDstVec.size && db.linkDstVec.cont[slot] - 1 == destinationId;
-    });
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double share = 1e-11;
+    const double margin = share * is.magnitude;
+    const double room = is.capacity - is.load - is.ofOthers;
+    const double ownRoom = is.capacity - is.load - is.ofOwn;
+    fits = ownRoom >= margin ? room * (1.0 - share) - margin : -infinity;
+    exceeds = ownRoom < -margin ? -infinity : room * (1.0 + share) + margin;
 }
 
-/** Works the figures of one link out anew. */
-void refresh(const DataBase &db, NetworkIndex &index, Long number)
+/** Works the figures of one class type of a link out anew. */
+void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
 {
     DBLink &link = *index.links[number];
-    double rbw[MAXOA][MAXPL];
-    reservationFromTables(db, link, rbw);
-    const auto k = static_cast<std::size_t>(number);
-    index.overfull[k] = index.ownFailureNeeds[k] = 0;
-    const Long destinationId = index.nodeIds[index.destination[number]];
-    for (int oa = 0; oa < MAXOA; ++oa) {
-        LinkFigures figures{link.state.cap[oa], 0.0, 0.0, 0.0};
-        for (int p = 0; p < MAXPL; ++p) {
-            figures.reserved += rbw[oa][p];
-            figures.load += link.state.pbw[oa][p];
-            figures.magnitude += std::abs(rbw[oa][p]) + std::abs(link.state.pbw[oa][p]);
-        }
-        index.figures[oa][number] = figures;
-        const auto bit = static_cast<unsigned char>(1U << oa);
-        if (fitOf(figures, 0.0) != Fit::yes)
-            index.overfull[k] |= bit;
-        if (!link.summary.isTrusted || hasOwnFailureNeeds(db, link, destinationId, oa))
-            index.ownFailureNeeds[k] |= bit;
+    const LinkNeeds needs = failureNeedsOf(db, link, oa);
+    Occupancy now{link.state.cap[oa], 0.0, 0.0, 0.0, needs.magnitude};
+    const unsigned bit = 1U << oa;
+    for (int p = 0; p < MAXPL; ++p) {
+        now.load += link.state.pbw[oa][p];
+        now.ofOwn = needs.ofOwn[p];
+        now.ofOthers = needs.ofOthers[p];
+        now.magnitude += std::abs(link.state.pbw[oa][p]) + now.ofOwn + now.ofOthers;
+        if (p < index.lowestLevel)
+            continue;
+        double &fits = index.fits[oa][p][number];
+        setLimits(now, fits, index.exceeds[oa][p][number]);
+        unsigned char &doubtful = index.doubtful[p][number];
+        doubtful = static_cast<unsigned char>(fits >= 0.0 ? doubtful & ~bit : doubtful | bit);
     }
+    index.figures[oa][number] = {now.capacity, now.load};
+    index.pieces[oa][number] = pieceAt(now.load / now.capacity);
 }
 
 } // namespace
@@ -175,30 +202,36 @@ void forgetNumbers(DataBase &db)
     endBackupIndex(db.backups);
 }
 
-void noteStateChange(DataBase &db, DBLink &link)
+void noteStateChange(DataBase &db, DBLink &link, unsigned classes)
 {
     NetworkIndex &index = db.index;
-    if (db.backups.isCurrent)
+    if (db.backups.isCurrent) // what a state holds may change in every class type
         noteStale(db.backups, db.backups.positionOf[link.number]);
-    if (!index.isCurrent || index.isStale[link.number])
+    if (!index.isCurrent || classes == 0)
         return;
-    index.isStale[link.number] = 1;
-    index.stale[index.nbStale++] = link.number;
+    unsigned char &stale = index.staleClasses[link.number];
+    if (stale == 0)
+        index.stale[index.nbStale++] = link.number;
+    stale = static_cast<unsigned char>(stale | classes);
 }
 
-bool numberNetwork(DataBase &db) { return db.index.isCurrent || build(db, db.index); }
+bool numberNetwork(DataBase &db) { return db.index.isCurrent || build(db, db.index, MAXPL - 1); }
 
-bool bringUpToDate(DataBase &db)
+bool bringUpToDate(DataBase &db, int level)
 {
     NetworkIndex &index = db.index;
-    if (!numberNetwork(db))
+    const bool isUsable = index.isCurrent && index.lowestLevel <= level;
+    if (!isUsable && !build(db, index, level))
         return false;
     Long kept = 0;
     for (const Long number : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {
-        refresh(db, index, number);
+        for (int oa = 0; oa < MAXOA; ++oa) {
+            if ((index.staleClasses[number] >> oa & 1) != 0)
+                refresh(db, index, number, oa);
+        }
         // A state that may change without notice is looked at before every search.
         const bool stays = index.links[number]->summary.isExposed;
-        index.isStale[number] = stays ? 1 : 0;
+        index.staleClasses[number] = stays ? allClasses : 0;
         if (stays)
             index.stale[kept++] = number;
     }

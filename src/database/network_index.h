@@ -20,27 +20,20 @@
 struct DataBase_;
 struct DBLink_;
 
-/** One class type of one link; bandwidths. */
+/** One class type of one link as scores read it; bandwidths. */
 struct LinkFigures {
     double capacity;
-    double reserved; ///< what the tables make the link reserve, over all levels
-    double
-        magnitude; ///< sum of the sizes of what `reserved` was added up from: bounds its rounding
-    double load;   ///< reserved by primaries, over all levels
+    double load; ///< reserved by primaries, over all levels
 };
 
-/** Whether so much more fits into a capacity; `unknown` when rounding may decide. */
-enum class Fit { yes, no, unknown };
+/** A link seen from its source. */
+struct OutLink {
+    Long node; ///< number of its destination
+    Long link;
+};
 
-/** Compares with a margin far above what the order of the additions can change. */
-inline Fit fitOf(const LinkFigures &figures, double bandwidth)
-{
-    const double after = figures.reserved + bandwidth;
-    const double margin = 1e-11 * (figures.magnitude + bandwidth);
-    if (after + margin <= figures.capacity)
-        return Fit::yes;
-    return after - margin > figures.capacity ? Fit::no : Fit::unknown;
-}
+/** All class types, as a bit each. */
+inline constexpr unsigned allClasses = (1U << MAXOA) - 1;
 
 /** The index of one database; owns its block, borrows the links. */
 struct NetworkIndex {
@@ -48,20 +41,23 @@ struct NetworkIndex {
     bool isConnected; ///< whether every node that has links reaches every other one
     Long nbNodes;
     Long nbLinks;
-    Long *nodeIds;               ///< node ids by node number
-    Long *firstIn;               ///< by node: its first link; the next node's is one past its last
-    Long *source;                ///< by link: node number of its source
-    Long *destination;           ///< by link: node number of its destination
-    Long *firstOut;              ///< by node: position of its first out-link in `outLinks`
-    Long *outLinks;              ///< link numbers by source, then destination
-    DBLink_ **links;             ///< by link number
-    LinkFigures *figures[MAXOA]; ///< by link number
-    unsigned char *overfull;     ///< by link: a bit per class type that may exceed its capacity
-    unsigned char
-        *ownFailureNeeds;   ///< by link: a bit per class type in which the failure of the
-                            ///< link itself, or of the node it enters, needs bandwidth on it
-    unsigned char *isStale; ///< by link
-    Long *stale;            ///< the stale links
+    Long *nodeIds;                ///< node ids by node number
+    Long *firstIn;                ///< by node: its first link; the next node's is one past its last
+    Long *source;                 ///< by link: node number of its source
+    Long *destination;            ///< by link: node number of its destination
+    Long *firstOut;               ///< by node: position of its first out-link in `outLinks`
+    OutLink *outLinks;            ///< links by source, then destination
+    DBLink_ **links;              ///< by link number
+    LinkFigures *figures[MAXOA];  ///< by link number
+    unsigned char *pieces[MAXOA]; ///< by link: the piece of the link cost that its load lies on
+    int lowestLevel;            ///< the next three tables are there for the levels from this one on
+    double *fits[MAXOA][MAXPL]; ///< by link: a primary of up to so much fits, as far as the
+                                ///< reservations of the levels up to this one decide
+    double *exceeds[MAXOA][MAXPL];  ///< by link: one of so much or more does not; in between, or
+                                    ///< with no numbers here, the link's tables decide
+    unsigned char *doubtful[MAXPL]; ///< by link: a bit per class type that may exceed its capacity
+    unsigned char *staleClasses;    ///< by link: a bit per class type
+    Long *stale;                    ///< the stale links
     Long nbStale;
     void *block;     ///< counted block that holds all the tables; null before the first search
     void *workspace; ///< counted block that searches use in turn
@@ -71,14 +67,16 @@ struct NetworkIndex {
 /** The numbers no longer hold: releases the index. */
 void forgetNumbers(DataBase_ &db);
 
-/** The stored state of a link has changed, or may change from now on without notice. */
-void noteStateChange(DataBase_ &db, DBLink_ &link);
+/** The stored state of a link has changed in some class types, a bit each, or may change from now
+ * on without notice. */
+void noteStateChange(DataBase_ &db, DBLink_ &link, unsigned classes = allClasses);
 
 /** Numbers nodes and links unless the numbers hold; false without memory. */
 [[nodiscard]] bool numberNetwork(DataBase_ &db);
 
-/** Makes the index of a database current, with no stale figures; false without memory. */
-[[nodiscard]] bool bringUpToDate(DataBase_ &db);
+/** Makes the index of a database current, with no stale figures and with those of the levels from
+ * `level` on; false without memory. */
+[[nodiscard]] bool bringUpToDate(DataBase_ &db, int level = MAXPL - 1);
 
 /** Room of at least so many bytes, with any content, until the next call; null without memory. */
 [[nodiscard]] void *workspaceOf(NetworkIndex &index, std::size_t bytes);

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace
 {
@@ -171,6 +173,14 @@ void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effe
     }
 }
 
+/** Whether rows can be lowered without lowering the largest: at every level each is below, or holds
+ * no need. */
+bool areBelow(const Needs &rows, const Needs &largest)
+{
+    return std::ranges::equal(rows, largest,
+                              [](double row, double most) { return row == 0.0 || row < most; });
+}
+
 /**
  * Whether the largest needs of present tables stay what they are under an effect: no row moves, or
  * rows are only lowered that are below the largest, or hold no need, at every level.
@@ -183,9 +193,29 @@ bool keepsLargest(const DataBase &db, const StateTables &present, const Effect &
         return shift == Shift::none || shift == Shift::down;
     Needs lowered{};
     raiseByChanges(db, present, effect, oa, lowered);
-    return std::ranges::equal(lowered, summary.largest[oa], [](double row, double largest) {
-        return row == 0.0 || row < largest;
-    });
+    return areBelow(lowered, summary.largest[oa]);
+}
+
+/** Sizes of what the tables of a state hold, so that rows add them up. */
+struct SizeTables {
+    StateTables present;
+
+    double backup(int oa, int p, Long k) const { return std::abs(present.backup(oa, p, k)); }
+    double freed(int oa, int p, Long k) const { return -std::abs(present.freed(oa, p, k)); }
+};
+
+/** Raises `largest` by every row that can exceed 0 and has no part in the failure of link `own`. */
+void raiseByFailuresOfOthers(const DataBase &db, const StateTables &tables,
+                             const LinkSummary &summary, Long own, int oa, Needs &largest)
+{
+    const DBNode *entered = nodeEntered(db, own);
+    const auto itself = [](Long link) { return link; };
+    for (const Long k : inUse(summary.needy[oa])) {
+        if (nodeEntered(db, k) != entered)
+            raiseByFailuresOf(db, tables, oa, k, largest);
+        else if (k != own)
+            raiseByRow(tables, oa, std::array{k}, itself, largest);
+    }
 }
 
 /** Whether these are the largest needs that the tables themselves give; for debug builds. */
@@ -326,7 +356,9 @@ void applyToLink(DataBase &db, DBLink &link, const Effect &effect)
     LinkSummary &summary = link.summary;
     unsigned kept = 0;
     unsigned raised = 0;
+    unsigned changed = 0;
     for (int oa = 0; oa < MAXOA; ++oa) {
+        changed |= effect.changes(oa) ? 1U << oa : 0U;
         if (!summary.isTrusted || !summary.knowsLargest(oa, db.topology))
             continue;
         if (keepsLargest(db, tablesOf(link.state), effect, oa, summary))
@@ -343,7 +375,7 @@ void applyToLink(DataBase &db, DBLink &link, const Effect &effect)
         if ((raised >> oa & 1U) != 0)
             raiseByChanges(db, tablesOf(link.state), effect, oa, summary.largest[oa]);
     }
-    noteStateChange(db, link);
+    noteStateChange(db, link, changed);
 }
 
 /** The link from `src` to `dst` if `ls` is its stored state, null if it is a private one. */
@@ -368,6 +400,29 @@ int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL], const double 
         return here.fail("Bad argument (NULL) in %s at line %d");
     reserve(*dataBase, rbw, pbw, {bbw, fbw}, nullptr);
     return 0;
+}
+
+LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa)
+{
+    LinkNeeds needs{};
+    LinkSummary *summary = trusted(&link);
+    if (!summary) {
+        std::ranges::fill(needs.ofOthers, std::numeric_limits<double>::quiet_NaN());
+        return needs;
+    }
+    if (summary->needy[oa].top == 0)
+        return needs;
+    const StateTables tables = tablesOf(link.state);
+    presentLargest(db, tables, summary, oa, needs.ofOthers);
+    raiseByFailuresOf(db, tables, oa, link.id, needs.ofOwn);
+    Needs sizes{};
+    raiseByFailuresOf(db, SizeTables{tables}, oa, link.id, sizes);
+    needs.magnitude = sizes[MAXPL - 1];
+    if (!areBelow(needs.ofOwn, needs.ofOthers)) {
+        std::ranges::fill(needs.ofOthers, 0.0);
+        raiseByFailuresOfOthers(db, tables, *summary, link.id, oa, needs.ofOthers);
+    }
+    return needs;
 }
 
 void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL])

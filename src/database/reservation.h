@@ -27,6 +27,20 @@
                              const double pbw[MAXOA][MAXPL], const DoubleVec bbw[MAXOA][MAXPL],
                              const DoubleVec fbw[MAXOA][MAXPL]);
 
+/**
+ * What single failures need on a stored link in one class type: at each level, counting the levels
+ * up to it, and at least 0.
+ */
+struct LinkNeeds {
+    double ofOwn[MAXPL];    ///< the largest over the failures of the link itself and of the node it
+                            ///< enters, which a primary on the link lowers
+    double ofOthers[MAXPL]; ///< the largest over all failures that it does not lower
+    double magnitude;       ///< sum of the sizes of what any of `ofOwn` was added up from
+};
+
+/** The needs on a stored link; no numbers when its summary cannot be trusted. */
+LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa);
+
 /** Writes what the tables of a stored link make it reserve; its `rbw` may have been handed in. */
 void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL]);
 

@@ -252,7 +252,7 @@ IndexedBackupSearch::Entry IndexedBackupSearch::pop()
 /** The node before one that is reached and is not the start. */
 Long IndexedBackupSearch::nodeBefore(Long node) const
 {
-    return db.index.source[db.index.outLinks[labels[node].entry]];
+    return db.index.source[db.index.outLinks[labels[node].entry].link];
 }
 
 int IndexedBackupSearch::writePath(LongVec &found) const

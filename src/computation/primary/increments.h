@@ -6,9 +6,8 @@
 #ifndef TARNEX_COMPUTATION_PRIMARY_INCREMENTS_H
 #define TARNEX_COMPUTATION_PRIMARY_INCREMENTS_H
 
+#include "common/link_cost.h"
 #include "common/setup.h"
-
-#include <array>
 
 /** What the criteria of one class type read of a link and a request. */
 struct LinkTerms {
@@ -17,23 +16,16 @@ struct LinkTerms {
     double bw;       ///< b, the request's bandwidth
 };
 
-/** Slope of the Fortz-Thorup link cost (2000) at a utilization; no number takes the last piece. */
-inline double slopeAt(double utilization)
+/** Weighted growth of the Fortz-Thorup link cost on one of its pieces. */
+inline double fortzIncrement(const PrimaryComputationConfig &weights, std::size_t piece, double bw)
 {
-    // The breakpoints are single-precision values but for 9/10.
-    constexpr std::array ends{double{1.0F / 3.0F}, double{2.0F / 3.0F}, 9.0 / 10.0, 1.0,
-                              double{11.0F / 10.0F}};
-    constexpr std::array slopes{1.0, 3.0, 10.0, 70.0, 500.0, 5000.0};
-    std::size_t piece = 0;
-    for (const double end : ends)
-        piece += utilization < end ? 0 : 1;
-    return slopes[piece];
+    return weights.Fortz * fortzSlopes[piece] * bw;
 }
 
 /** Weighted growth of the Fortz-Thorup link cost. */
 inline double fortzIncrement(const PrimaryComputationConfig &weights, const LinkTerms &t)
 {
-    return weights.Fortz * slopeAt(t.load / t.capacity) * t.bw;
+    return fortzIncrement(weights, pieceAt(t.load / t.capacity), t.bw);
 }
 
 /** Calls `add` for each criterion of class type `oa` with a weight but Fortz-Thorup and balance. */

@@ -4,8 +4,8 @@
  *
  * The result is that of the topology and the passes (topology.h, search.h), bit for bit: the same
  * links are admitted, the same labels chosen in the same passes. What differs is what is not done:
- * links whose figures leave no doubt are not put to the predicate, no record is made per link, and
- * a pass looks again only at nodes that something changed for.
+ * links whose figures leave no doubt are not put to the predicate (link_appraisal.h), no record is
+ * made per link, and nodes are labelled only as far as it takes (level_search.h, pass_search.h).
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
@@ -25,7 +25,8 @@ enum class IndexedResult {
  * Computes the path of `req`, whose path names source and destination, and writes it there.
  *
  * Usual is a primary without a rerouted LSP and without colours to avoid, under finite weights that
- * leave balance and preemption out, in a network in which all nodes with links reach each other.
+ * leave balance and preemption out and under which no link lowers a score, in a network in which
+ * all nodes with links reach each other.
  *
  * @param cost the path's score, written when one is found
  */
