@@ -35,7 +35,10 @@ int init()
 
 int saveCntx(int sessId)
 {
-    *sessions[sessId] = {centralDB, tarnexConfig, errorManager};
+    SessionItem &session = *sessions[sessId];
+    session.centralDB = centralDB;
+    session.tarnexConfig = tarnexConfig;
+    session.errorManager = errorManager;
     return 0;
 }
 

@@ -7,23 +7,15 @@
 #define TARNEX_TESTS_JVM_JVM_TEST_H
 
 #include "database/dump.h"
-#include "jni_support.h"
+#include "jvm/jvm.h"
 #include "sessions.h"
 #include "support/memory_faults.h"
-
-#include <org_kestro_repository_TARNEX_JNITARNEX.h>
 
 #include <cstdio>
 #include <functional>
 #include <map>
 #include <set>
 #include <utility>
-
-/** Calls a native method, named without its prefix, on `engine`. */
-#define CALL(method, ...)                                                                          \
-    Java_org_kestro_repository_TARNEX_JNITARNEX_jni##method(env, engine __VA_OPT__(, ) __VA_ARGS__)
-
-inline JNIEnv *env = nullptr; ///< of the main thread, the only one that calls the engine
 
 /** The ids of everything in a session. */
 struct Network {
@@ -127,38 +119,6 @@ protected:
         if (currentSessId >= 0)
             saveCntx(currentSessId);
         return trail;
-    }
-
-    static jobject newObject(const char *className)
-    {
-        const LocalRef<jclass> type{env, env->FindClass(className)};
-        return env->NewObject(type.get(), env->GetMethodID(type.get(), "<init>", "()V"));
-    }
-
-    static jfloatArray floats(const std::vector<jfloat> &values)
-    {
-        const auto length = static_cast<jsize>(values.size());
-        jfloatArray array = env->NewFloatArray(length);
-        env->SetFloatArrayRegion(array, 0, length, values.data());
-        return array;
-    }
-
-    static jobjectArray rows(const std::vector<jfloatArray> &values)
-    {
-        const LocalRef<jclass> type{env, env->FindClass("[F")};
-        const auto length = static_cast<jsize>(values.size());
-        jobjectArray array = env->NewObjectArray(length, type.get(), nullptr);
-        for (jsize i = 0; const jfloatArray row : values)
-            env->SetObjectArrayElement(array, i++, row);
-        return array;
-    }
-
-    static std::vector<jint> valuesOf(jarray array)
-    {
-        std::vector<jint> values(static_cast<std::size_t>(env->GetArrayLength(array)));
-        env->GetIntArrayRegion(static_cast<jintArray>(array), 0, static_cast<jsize>(values.size()),
-                               values.data());
-        return values;
     }
 
     /** The ids that the last call preempted, null when it has not said. */
