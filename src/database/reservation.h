@@ -46,9 +46,8 @@ void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA
 [[nodiscard]] int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
                            const DBLabelSwitchedPath *lsp, operation op);
 
-/** As updateLS, with a list that the caller keeps: `effect` holds what was applied. */
-[[nodiscard]] int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView &lsp,
-                             operation op, Effect &effect);
+/** Applies an effect that concerns a stored link, whose tables have the room for it. */
+void updateLink(DataBase &db, DBLink &link, const Effect &effect);
 
 /**
  * Makes `newLS` the state that the link from `src` to `dst`, now in state `oldLS`, would have after
@@ -86,5 +85,13 @@ struct Candidate {
 [[nodiscard]] int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst,
                                         const DBLinkState *ls, Candidate candidate,
                                         double rbw[MAXOA][MAXPL]);
+
+/**
+ * As reservationAfterSetup for a stored link, with the candidate's effect on it already worked out.
+ *
+ * @param roomy class types left out of `rbw`: up to no level do they exceed the link's capacity
+ */
+[[nodiscard]] int reservationWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
+                                        double (&rbw)[MAXOA][MAXPL], ClassTypes &roomy);
 
 #endif
