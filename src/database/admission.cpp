@@ -3,6 +3,7 @@
 #include "common/records.h"
 #include "common/vector.h"
 #include "database/admission_questions.h"
+#include "database/prefetch.h"
 #include "database/reservation.h"
 #include "error/report.h"
 
@@ -65,6 +66,12 @@ public:
     {
         if (longVecInit(&idList, -1) != 0)
             return here.fail("Unable to initialize list of longs in %s at line %d");
+        const LSPView view = viewOf(lsp);
+        static_cast<void>(forEachConcernedHop(lsp, [&](Long src, Long dst, bool) {
+            if (const DBLink *link = linkAt(db.linkTab, src, dst))
+                prefetchRecord(*link, view);
+            return 0;
+        }));
         const int result = forEachConcernedHop(lsp, [this](Long src, Long dst, bool) {
             const int asked = askLink(src, dst);
             return asked == 0 && !allowLSP ? refused : asked;
@@ -86,6 +93,8 @@ private:
         allowLSP = isWholePrimary
                        ? isValidWithEffect(db, link, effects.on(src, dst), lsp, rerouteGain)
                        : isValidLSPLink(&db, src, dst, &link.state, &lsp, rerouteGain);
+        if (isWholePrimary && allowLSP)
+            prefetchChanges(link, effects.on(src, dst));
         idList.top = 0;
         if (chooseReroutedLSPs(lsp.precedence, &link.state, &link.lspList, rerouteGain, &idList) !=
             0)
@@ -117,6 +126,8 @@ int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, LinkEff
         if (!link)
             return 0;
         const bool isListed = isOnPath && op == SETUP;
+        if (isListed)
+            prefetchListed(link->lspList);
         if (isListed && !vec::makeRoom(link->lspList, countHop(path, src, dst)))
             return here.fail("Critical lack of memory in %s at line %d");
         const Effect &effect = effects.on(src, dst);

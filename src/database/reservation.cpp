@@ -6,6 +6,7 @@
 #include "error/report.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cmath>
 #include <cstring>
@@ -85,7 +86,10 @@ void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k,
     raiseByRow(tables, oa, std::array{k}, itself, largest);
 
     // Their ids are looked up once rather than level by level, for all but the largest nodes.
-    const auto linkFrom = [&](Long from) { return DBgetLinkID(&db, from, node->id); };
+    const auto linkFrom = [&](Long from) {
+        const DBLink *link = linkAt(db.linkTab, from, node->id);
+        return link ? link->id : -1;
+    };
     const auto neighbours = inUse(node->inNeighb);
     std::array<Long, 64> links;
     if (neighbours.size() > links.size())
@@ -239,16 +243,6 @@ void presentLargest(const DataBase &db, const StateTables &tables, LinkSummary *
     std::ranges::copy(largest, summary->largest[oa]);
 }
 
-/** Whether what a link reserves, by its state, is what its tables give; for debug builds. */
-[[maybe_unused]] bool followsTables(const DataBase &db, const DBLinkState &ls, int oa)
-{
-    Needs largest{};
-    double rbw[MAXPL];
-    raiseByNeedySlots(db, NeedySlots{db, tablesOf(ls), nullptr}, tablesOf(ls), oa, largest);
-    spreadOverLevels(ls.pbw[oa], largest, rbw);
-    return std::memcmp(rbw, ls.rbw[oa], sizeof rbw) == 0;
-}
-
 /** Whether the capacity suffices for the reservations up to any level. */
 bool isRoomy(const double (&rbw)[MAXPL], double capacity)
 {
@@ -356,6 +350,23 @@ int fillRecord(const DataBase &db, const LSPRequest &req, DBLabelSwitchedPath &r
     return 0;
 }
 
+/** Whether what the state says a link reserves is what the tables give; for debug builds. */
+[[maybe_unused]] bool followsTables(const DataBase &db, const DBLinkState &ls, int oa)
+{
+    double rbw[MAXPL];
+    reservePresent(db, ls, nullptr, oa, rbw);
+    return std::ranges::equal(rbw, ls.rbw[oa], {}, std::bit_cast<std::int64_t, double>,
+                              std::bit_cast<std::int64_t, double>);
+}
+
+/** Whether what the tables themselves give leaves room at every level; for debug builds. */
+[[maybe_unused]] bool isRoomyByTables(const DataBase &db, const DBLinkState &ls, int oa)
+{
+    double rbw[MAXPL];
+    reservePresent(db, ls, nullptr, oa, rbw);
+    return isRoomy(rbw, ls.cap[oa]);
+}
+
 /** No value of a class type has a sign without a size: then adding any 0 changes none. */
 bool hasNoNegativeZero(const double (&values)[MAXPL])
 {
@@ -441,6 +452,7 @@ int evaluate(const DataBase &db, const DBLinkState &ls, LinkSummary *summary, co
             reservePresent(db, ls, summary, oa, rbw[oa]);
         if (roomy)
             roomy->set(oa, !isChanged && summary && summary->roomy.has(oa));
+        assert(!roomy || !roomy->has(oa) || isRoomyByTables(db, ls, oa));
     }
     return 0;
 }
