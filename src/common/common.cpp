@@ -3,7 +3,7 @@
 #include "common/records.h"
 #include "common/vector.h"
 
-#include <cstdlib>
+#include <algorithm>
 
 namespace
 {
@@ -92,7 +92,7 @@ int longListSort(LongList *list)
 {
     if (!vec::isLive(list))
         return here.fail("Bad argument (NULL) in %s at line %d");
-    std::qsort(list->cont, static_cast<std::size_t>(list->top), sizeof(Long), longCompare);
+    std::ranges::sort(inUse(*list));
     return 0;
 }
 
@@ -102,6 +102,8 @@ int longListMerge(LongList *la, LongList *lb, LongList *dest)
         return here.fail("Bad argument (NULL) in %s at line %d");
     longListSort(la);
     longListSort(lb);
+    if (la->top == 0 && lb == dest)
+        return 0;
 
     LongList merged{};
     if (longVecInit(&merged, la->top + lb->top) != 0)

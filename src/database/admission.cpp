@@ -3,8 +3,11 @@
 #include "common/records.h"
 #include "common/vector.h"
 #include "database/admission_questions.h"
+#include "database/prefetch.h"
 #include "database/reservation.h"
 #include "error/report.h"
+
+#include <algorithm>
 
 namespace
 {
@@ -49,8 +52,12 @@ int forEachConcernedHop(const DBLabelSwitchedPath &lsp, Visit visit)
 class AdmissionWalk
 {
 public:
-    AdmissionWalk(DataBase &database, const DBLabelSwitchedPath &newcomer, LongList *preempted)
-        : db(database), lsp(newcomer), preemptList(preempted)
+    /** `linkEffects` are those of setting `newcomer` up. */
+    AdmissionWalk(DataBase &database, const DBLabelSwitchedPath &newcomer, LinkEffects &linkEffects,
+                  LongList *preempted)
+        : db(database), lsp(newcomer), effects(linkEffects), preemptList(preempted),
+          isWholePrimary(lsp.type == primaryLSP &&
+                         std::ranges::all_of(inUse(lsp.path), [](Long node) { return node >= 0; }))
     {
     }
 
@@ -59,6 +66,12 @@ public:
     {
         if (longVecInit(&idList, -1) != 0)
             return here.fail("Unable to initialize list of longs in %s at line %d");
+        const LSPView view = viewOf(lsp);
+        static_cast<void>(forEachConcernedHop(lsp, [&](Long src, Long dst, bool) {
+            if (const DBLink *link = linkAt(db.linkTab, src, dst))
+                prefetchRecord(*link, view);
+            return 0;
+        }));
         const int result = forEachConcernedHop(lsp, [this](Long src, Long dst, bool) {
             const int asked = askLink(src, dst);
             return asked == 0 && !allowLSP ? refused : asked;
@@ -74,13 +87,17 @@ private:
     /** A link that refuses is carried through all steps; the walk stops after it. */
     int askLink(Long src, Long dst)
     {
-        const DBLSPList *lspList = DBgetLinkLSPs(&db, src, dst);
-        if (!lspList)
+        if (!DBgetLinkLSPs(&db, src, dst))
             return here.fail("Unable to get the list of LSPs carried by the link in %s at line %d");
-        const DBLink &link = *linkAt(db.linkTab, src, dst);
-        allowLSP = isValidLSPLink(&db, src, dst, &link.state, &lsp, rerouteGain);
+        DBLink &link = *linkAt(db.linkTab, src, dst);
+        allowLSP = isWholePrimary
+                       ? isValidWithEffect(db, link, effects.on(src, dst), lsp, rerouteGain)
+                       : isValidLSPLink(&db, src, dst, &link.state, &lsp, rerouteGain);
+        if (isWholePrimary && allowLSP)
+            prefetchChanges(link, effects.on(src, dst));
         idList.top = 0;
-        if (chooseReroutedLSPs(lsp.precedence, &link.state, lspList, rerouteGain, &idList) != 0)
+        if (chooseReroutedLSPs(lsp.precedence, &link.state, &link.lspList, rerouteGain, &idList) !=
+            0)
             return here.fail("Unable choose LSPs for rerouting in %s at line %d");
         if (longListMerge(&idList, preemptList, preemptList) != 0)
             return here.fail("Unable to merge lists of longs in %s at line %d");
@@ -89,7 +106,9 @@ private:
 
     DataBase &db;
     const DBLabelSwitchedPath &lsp;
+    LinkEffects &effects;
     LongList *preemptList;
+    bool isWholePrimary; ///< the predicate evaluates others by what it looks up itself
     Scoped<LongList, longVecEnd> idList;
     double rerouteGain[MAXOA] = {}; ///< zeroed once, then left to the predicate
     bool allowLSP = true;
@@ -99,28 +118,33 @@ private:
  * Makes room for everything that updateLinks writes, and for its scratch list, so that it cannot
  * stop half way for lack of memory; 0, or -1 after a message.
  */
-int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, Effect &effect)
+int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, LinkEffects &effects)
 {
     const Path path = inUse(lsp.path);
     return forEachConcernedHop(lsp, [&](Long src, Long dst, bool isOnPath) {
         DBLink *link = linkAt(db.linkTab, src, dst);
         if (!link)
             return 0;
-        effectOf(db, src, dst, viewOf(lsp), op, effect);
+        const bool isListed = isOnPath && op == SETUP;
+        if (isListed)
+            prefetchListed(link->lspList);
+        if (isListed && !vec::makeRoom(link->lspList, countHop(path, src, dst)))
+            return here.fail("Critical lack of memory in %s at line %d");
+        const Effect &effect = effects.on(src, dst);
+        if (!effect.concerned)
+            return 0;
         if (effect.flaw == EffectFlaw::noMemory)
             return report(db, effect);
         if (makeRoomFor(effect, link->state) != 0)
             return -1;
-        const bool isListed = isOnPath && op == SETUP;
-        return makeRoomFor(link->summary, effect) &&
-                       (!isListed || vec::makeRoom(link->lspList, countHop(path, src, dst)))
+        return makeRoomFor(link->summary, effect)
                    ? 0
                    : here.fail("Critical lack of memory in %s at line %d");
     });
 }
 
 /** Stores a copy of `lsp` at its id, with room on its links; null, nothing changed, on failure. */
-DBLabelSwitchedPath *storeCopy(DataBase &db, const DBLabelSwitchedPath &lsp, Effect &effect)
+DBLabelSwitchedPath *storeCopy(DataBase &db, const DBLabelSwitchedPath &lsp, LinkEffects &effects)
 {
     Owned<DBLabelSwitchedPath, DBlspDestroy> copy{DBlspNew()};
     if (!copy)
@@ -128,7 +152,7 @@ DBLabelSwitchedPath *storeCopy(DataBase &db, const DBLabelSwitchedPath &lsp, Eff
     if (DBlspCopy(copy.get(), &lsp) != 0)
         return here.null("Unable to create a valid LSP copy in %s at line %d");
     const bool isStored = DBlspVecSet(&db.lspVec, copy.get(), copy->id) == 0;
-    if (isStored && makeRoom(db, *copy, SETUP, effect) == 0)
+    if (isStored && makeRoom(db, *copy, SETUP, effects) == 0)
         return copy.release();
     if (isStored)
         static_cast<void>(DBlspVecRemove(&db.lspVec, copy->id));
@@ -170,7 +194,7 @@ int updateList(DBLSPList &list, DBLabelSwitchedPath *lsp, operation op)
  * Applies `op` to every link that the stored `lsp` concerns: listed on the links of its path, not
  * on those of the protected path. All links are attempted; -1 when one failed or is gone.
  */
-int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, Effect &effect)
+int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, LinkEffects &effects)
 {
     int result = 0;
     static_cast<void>(forEachConcernedHop(*lsp, [&](Long src, Long dst, bool isOnPath) {
@@ -181,7 +205,11 @@ int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, Effect &ef
         }
         if (isOnPath)
             result |= updateList(link->lspList, lsp, op);
-        result |= updateLink(db, src, dst, link->state, viewOf(*lsp), op, effect);
+        const Effect &effect = effects.on(src, dst);
+        if (effect.concerned) {
+            result |= report(db, effect);
+            updateLink(db, *link, effect);
+        }
         return 0;
     }));
     return result;
@@ -193,25 +221,27 @@ int getpreemptList(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList 
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
-    return AdmissionWalk{*dataBase, *lsp, preemptList}.run();
+    LinkEffects effects{*dataBase, viewOf(*lsp), SETUP};
+    return AdmissionWalk{*dataBase, *lsp, effects, preemptList}.run();
 }
 
 int DBaddLSP(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList *preemptList)
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
-    AdmissionWalk walk{*dataBase, *lsp, preemptList};
+    LinkEffects effects{*dataBase, viewOf(*lsp), SETUP};
+    AdmissionWalk walk{*dataBase, *lsp, effects, preemptList};
     if (walk.run() != 0)
         return -1;
     if (!walk.isAllowed())
         return here.fail("LSP refused by the predicate in %s at line %d");
 
-    Effect effect;
-    DBLabelSwitchedPath *stored = storeCopy(*dataBase, *lsp, effect);
+    DBLabelSwitchedPath *stored = storeCopy(*dataBase, *lsp, effects);
     if (!stored)
         return -1;
     pairWithPartner(*dataBase, *stored);
-    if (updateLinks(*dataBase, stored, SETUP, effect) != 0)
+    effects.changePartner(stored->noContentionId);
+    if (updateLinks(*dataBase, stored, SETUP, effects) != 0)
         return here.fail("LSP addition uncomplete in %s at line %d");
     return 0;
 }
@@ -223,12 +253,12 @@ int DBremoveLSP(DataBase *dataBase, Long id)
     DBLabelSwitchedPath *lsp = DBgetLSP(dataBase, id);
     if (!lsp)
         return here.fail("Trying to remove inexistent LSP (id = %ld) in %s at line %d", long{id});
-    Effect effect;
-    if (makeRoom(*dataBase, *lsp, REMOVE, effect) != 0)
+    LinkEffects effects{*dataBase, viewOf(*lsp), REMOVE};
+    if (makeRoom(*dataBase, *lsp, REMOVE, effects) != 0)
         return here.fail("LSP removal uncomplete in %s at line %d");
 
     const Owned<DBLabelSwitchedPath, DBlspDestroy> removed{lsp};
-    int result = updateLinks(*dataBase, lsp, REMOVE, effect);
+    int result = updateLinks(*dataBase, lsp, REMOVE, effects);
     result |= DBlspVecRemove(&dataBase->lspVec, id);
     unpairPartner(*dataBase, *lsp);
     return result == 0 ? 0 : here.fail("LSP removal uncomplete in %s at line %d");

@@ -6,6 +6,7 @@
 #define TARNEX_DATABASE_ADMISSION_QUESTIONS_H
 
 #include "database/database.h"
+#include "database/effect.h"
 
 /**
  * Tells whether the link from `src` to `dst` in state `ls` can carry `lsp`, possibly by preempting.
@@ -16,6 +17,10 @@
  */
 bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
                     const DBLabelSwitchedPath *lsp, double *gain);
+
+/** As isValidLSPLink for a stored link, with the LSP's effect on it already worked out. */
+bool isValidWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
+                       const DBLabelSwitchedPath &lsp, double *gain);
 
 /**
  * Chooses the LSPs of a link to preempt: whole levels from the least important one, in the level

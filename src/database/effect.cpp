@@ -166,7 +166,8 @@ private:
             return stopAt(head, tail);
         if (link->id >= maxSlots) // never set up, so there is nothing to remove
             return removes || stop(EffectFlaw::noMemory);
-        return effect.slots.append({link->id, table, shared, sign}) || stop(EffectFlaw::noMemory);
+        return effect.slots.append({link->id, table, shared, sign, 0}) ||
+               stop(EffectFlaw::noMemory);
     }
 
     bool checkLink(Long head, Long tail)
@@ -273,6 +274,19 @@ void effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operat
     effect.slots.clear();
     std::ranges::fill(effect.primary, 0.0);
     EffectBuilder{db, src, dst, lsp, effect}.build(op);
+}
+
+const Effect &LinkEffects::on(Long src, Long dst)
+{
+    if (isForAll) {
+        effect.concerned = hopPosition(lsp.path, src, dst) >= 0;
+        return effect;
+    }
+    effectOf(db, src, dst, lsp, op, effect);
+    effect.slots.sortBySlot();
+    isForAll = effect.concerned && effect.flaw != EffectFlaw::noMemory && !isBackup(lsp.type) &&
+               lsp.noContentionId < 0;
+    return effect;
 }
 
 int report(const DataBase &db, const Effect &effect)

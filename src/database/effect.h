@@ -38,7 +38,7 @@ struct SlotChange {
     FailureTable table; ///< `bbw` or `fbw`
     bool partnerAmount; ///< whether the partner amounts apply rather than the LSP's own
     signed char sign;   ///< +1 or -1, before the amount, which carries the operation's sign
-    Long order = 0;     ///< position among the changes, filled in by the list
+    Long order;         ///< position among the changes, filled in by the list
 };
 
 /** The slot changes of one effect; a list of up to 64 needs no heap block. */
@@ -127,6 +127,36 @@ struct Effect {
  */
 void effectOf(const DataBase &db, Long src, Long dst, const LSPView &lsp, operation op,
               Effect &effect);
+
+/**
+ * The effects of one operation of one LSP on the links that it concerns. A primary without a
+ * partner changes the same slots on each of its links; its list is made and sorted once.
+ */
+class LinkEffects
+{
+public:
+    /** What `view` borrows has to stay until the last question. */
+    LinkEffects(const DataBase &database, const LSPView &view, operation applied)
+        : db(database), lsp(view), op(applied)
+    {
+    }
+
+    /**
+     * The effect on the link from `src` to `dst`, sorted by slot and valid until the next question;
+     * where it does not concern the link, nothing else of it counts.
+     */
+    const Effect &on(Long src, Long dst);
+
+    /** The LSP has this partner from now on, -1 for none. */
+    void changePartner(Long id) { lsp.noContentionId = id; }
+
+private:
+    const DataBase &db;
+    LSPView lsp;
+    operation op;
+    bool isForAll = false; ///< whether `effect` is that on every link of the path
+    Effect effect;
+};
 
 /**
  * Pushes the messages of an effect: a WARNING for a missing partner, and what its flaw is.

@@ -6,6 +6,7 @@
 #include "error/report.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cmath>
 #include <cstring>
@@ -86,7 +87,10 @@ void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k,
     raiseByRow(tables, oa, std::array{k}, itself, largest);
 
     // Their ids are looked up once rather than level by level, for all but the largest nodes.
-    const auto linkFrom = [&](Long from) { return DBgetLinkID(&db, from, node->id); };
+    const auto linkFrom = [&](Long from) {
+        const DBLink *link = linkAt(db.linkTab, from, node->id);
+        return link ? link->id : -1;
+    };
     const auto neighbours = inUse(node->inNeighb);
     std::array<Long, 64> links;
     if (neighbours.size() > links.size())
@@ -160,17 +164,38 @@ Shift shiftOf(const Effect &effect, int oa)
     return up && down ? Shift::both : up ? Shift::up : down ? Shift::down : Shift::none;
 }
 
-/** Raises `largest` by the rows of the slots that an effect changes. */
+/** Raises `largest` by the rows of the slots that an effect changes and that `mayNeed` names. */
+template <class Tables, class MayNeed>
+void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effect, int oa,
+                    MayNeed mayNeed, Needs &largest)
+{
+    Long last = -1;
+    for (const SlotChange &change : effect.slots.all()) {
+        if (change.slot != last && mayNeed(change.slot))
+            raiseByFailuresOf(db, tables, oa, change.slot, largest);
+        last = change.slot;
+    }
+}
+
+/** As above, for every slot that an effect changes. */
 template <class Tables>
 void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effect, int oa,
                     Needs &largest)
 {
-    Long last = -1;
-    for (const SlotChange &change : effect.slots.all()) {
-        if (change.slot != last)
-            raiseByFailuresOf(db, tables, oa, change.slot, largest);
-        last = change.slot;
-    }
+    raiseByChanges(
+        db, tables, effect, oa, [](Long) { return true; }, largest);
+}
+
+/** As above, with tables that a summary follows: a node without needy in-links needs nothing. */
+void raiseByChanges(const DataBase &db, const StateTables &tables, const Effect &effect, int oa,
+                    const LongList &needySlots, Needs &largest)
+{
+    const auto entersSameNode = [&](Long slot) {
+        const Long entered = slotOf(db.linkDstVec, slot);
+        return std::ranges::any_of(
+            inUse(needySlots), [&](Long needy) { return slotOf(db.linkDstVec, needy) == entered; });
+    };
+    raiseByChanges(db, tables, effect, oa, entersSameNode, largest);
 }
 
 /** Whether rows can be lowered without lowering the largest: at every level each is below, or holds
@@ -192,7 +217,7 @@ bool keepsLargest(const DataBase &db, const StateTables &present, const Effect &
     if (shift != Shift::down || summary.needy[oa].top == 0)
         return shift == Shift::none || shift == Shift::down;
     Needs lowered{};
-    raiseByChanges(db, present, effect, oa, lowered);
+    raiseByChanges(db, present, effect, oa, summary.needy[oa], lowered);
     return areBelow(lowered, summary.largest[oa]);
 }
 
@@ -231,7 +256,9 @@ void raiseByFailuresOfOthers(const DataBase &db, const StateTables &tables,
 void presentLargest(const DataBase &db, const StateTables &tables, LinkSummary *summary, int oa,
                     Needs &largest)
 {
-    if (summary && summary->knowsLargest(oa, db.topology)) {
+    if (summary)
+        bringToTopology(*summary, db.topology);
+    if (summary && summary->known.has(oa)) {
         std::ranges::copy(summary->largest[oa], largest);
         assert(areLargest(db, tables, oa, largest));
         return;
@@ -241,14 +268,34 @@ void presentLargest(const DataBase &db, const StateTables &tables, LinkSummary *
     assert(!summary || areLargest(db, tables, oa, largest));
     if (!summary)
         return;
-    if (summary->topology != db.topology)
-        summary->known = 0;
-    summary->topology = db.topology;
-    summary->known |= 1U << oa;
+    summary->known.set(oa, true);
     std::ranges::copy(largest, summary->largest[oa]);
 }
 
-/** What class type `oa` of the link reserves with a sorted effect laid over its tables. */
+/** Whether the capacity suffices for the reservations up to any level. */
+bool isRoomy(const double (&rbw)[MAXPL], double capacity)
+{
+    double total = 0.0;
+    bool suffices = !(total > capacity);
+    for (const double reserved : rbw) {
+        total += reserved;
+        suffices = suffices && !(total > capacity);
+    }
+    return suffices;
+}
+
+/** What class type `oa` of a link reserves with the tables as they are. */
+void reservePresent(const DataBase &db, const DBLinkState &ls, LinkSummary *summary, int oa,
+                    double (&rbw)[MAXPL])
+{
+    Needs largest;
+    presentLargest(db, tablesOf(ls), summary, oa, largest);
+    spreadOverLevels(ls.pbw[oa], largest, rbw);
+    if (summary)
+        summary->roomy.set(oa, isRoomy(rbw, ls.cap[oa]));
+}
+
+/** What a class type that an effect changes reserves with the effect, sorted, over the tables. */
 void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *summary,
                        const Effect &effect, int oa, double (&rbw)[MAXPL])
 {
@@ -271,26 +318,19 @@ void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *s
     spreadOverLevels(pbw, largest, rbw);
 }
 
-/** The same for all class types; the effect need not be sorted. */
-void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *summary,
-                       Effect &effect, double (*rbw)[MAXPL])
-{
-    effect.slots.sortBySlot();
-    for (int oa = 0; oa < MAXOA; ++oa)
-        reserveWithEffect(db, ls, summary, effect, oa, rbw[oa]);
-}
-
 /**
- * Applies an effect to tables that have the room for it. Calls `note(oa, change, value)` for each
- * slot that has got another value.
+ * Applies an effect to tables that have the room for it. Of the class types that it does not change
+ * the `settled` ones need not be touched. Calls `note(oa, change, value)` for each slot that has
+ * got another value.
  */
 template <class Note>
-void apply(const Effect &effect, DBLinkState &ls, Note note)
+void apply(const Effect &effect, DBLinkState &ls, ClassTypes settled, Note note)
 {
-    for (int oa = 0; oa < MAXOA; ++oa)
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        if (!effect.changes(oa) && settled.has(oa))
+            continue;
         ls.pbw[oa][effect.level] += effect.primary[oa];
-    for (const SlotChange &change : effect.slots.all()) {
-        for (int oa = 0; oa < MAXOA; ++oa) {
+        for (const SlotChange &change : effect.slots.all()) {
             const double amount = effect.amount(change, oa);
             if (amount == 0.0)
                 continue;
@@ -339,14 +379,48 @@ int fillRecord(const DataBase &db, const LSPRequest &req, DBLabelSwitchedPath &r
     return 0;
 }
 
-/** Writes the reservation that follows from the tables. */
-void reserve(const DataBase &db, double rbw[MAXOA][MAXPL], const double pbw[MAXOA][MAXPL],
-             const StateTables &tables, LinkSummary *summary)
+/** Whether what the state says a link reserves is what the tables give; for debug builds. */
+[[maybe_unused]] bool followsTables(const DataBase &db, const DBLinkState &ls, int oa)
 {
+    double rbw[MAXPL];
+    reservePresent(db, ls, nullptr, oa, rbw);
+    return std::ranges::equal(rbw, ls.rbw[oa], {}, std::bit_cast<std::int64_t, double>,
+                              std::bit_cast<std::int64_t, double>);
+}
+
+/** Whether what the tables themselves give leaves room at every level; for debug builds. */
+[[maybe_unused]] bool isRoomyByTables(const DataBase &db, const DBLinkState &ls, int oa)
+{
+    double rbw[MAXPL];
+    reservePresent(db, ls, nullptr, oa, rbw);
+    return isRoomy(rbw, ls.cap[oa]);
+}
+
+/** No value of a class type has a sign without a size: then adding any 0 changes none. */
+bool hasNoNegativeZero(const double (&values)[MAXPL])
+{
+    return std::ranges::none_of(values,
+                                [](double value) { return value == 0.0 && std::signbit(value); });
+}
+
+/** The summary of a stored link if it can be trusted; null for one that cannot and for no link. */
+LinkSummary *trusted(DBLink *link)
+{
+    return link && link->summary.isTrusted ? &link->summary : nullptr;
+}
+
+/** Has the reservation of a stored link follow its tables; settled class types do. */
+void settle(const DataBase &db, DBLink &link)
+{
+    DBLinkState &ls = link.state;
+    LinkSummary *summary = trusted(&link);
     for (int oa = 0; oa < MAXOA; ++oa) {
-        Needs largest;
-        presentLargest(db, tables, summary, oa, largest);
-        spreadOverLevels(pbw[oa], largest, rbw[oa]);
+        if (!summary || !summary->settled.has(oa)) {
+            reservePresent(db, ls, summary, oa, ls.rbw[oa]);
+            if (summary)
+                summary->settled.set(oa, hasNoNegativeZero(ls.pbw[oa]));
+        }
+        assert(followsTables(db, ls, oa));
     }
 }
 
@@ -354,26 +428,30 @@ void reserve(const DataBase &db, double rbw[MAXOA][MAXPL], const double pbw[MAXO
 void applyToLink(DataBase &db, DBLink &link, const Effect &effect)
 {
     LinkSummary &summary = link.summary;
-    unsigned kept = 0;
-    unsigned raised = 0;
+    bringToTopology(summary, db.topology);
+    ClassTypes raised{};
     unsigned changed = 0;
     for (int oa = 0; oa < MAXOA; ++oa) {
         changed |= effect.changes(oa) ? 1U << oa : 0U;
-        if (!summary.isTrusted || !summary.knowsLargest(oa, db.topology))
+        if (!effect.changes(oa) || !summary.isTrusted || !summary.known.has(oa))
             continue;
-        if (keepsLargest(db, tablesOf(link.state), effect, oa, summary))
-            kept |= 1U << oa;
-        else if (shiftOf(effect, oa) == Shift::up)
-            raised |= 1U << oa;
+        const bool isKept = keepsLargest(db, tablesOf(link.state), effect, oa, summary);
+        raised.set(oa, !isKept && shiftOf(effect, oa) == Shift::up);
+        summary.known.set(oa, isKept || raised.has(oa));
     }
-    apply(effect, link.state, [&](int oa, const SlotChange &change, double value) {
+    const auto note = [&](int oa, const SlotChange &change, double value) {
         noteCarrier(db, link, {oa, effect.level, change.table, change.slot}, value);
-    });
+    };
+    apply(effect, link.state, summary.settled, note);
     noteChanges(summary, link.state, effect);
-    summary.known = kept | raised;
     for (int oa = 0; oa < MAXOA; ++oa) {
-        if ((raised >> oa & 1U) != 0)
-            raiseByChanges(db, tablesOf(link.state), effect, oa, summary.largest[oa]);
+        if (!effect.changes(oa))
+            continue;
+        summary.settled.set(oa, false);
+        summary.roomy.set(oa, false);
+        if (raised.has(oa))
+            raiseByChanges(db, tablesOf(link.state), effect, oa, summary.needy[oa],
+                           summary.largest[oa]);
     }
     noteStateChange(db, link, changed);
 }
@@ -385,10 +463,32 @@ DBLink *linkStoring(const DataBase &db, Long src, Long dst, const DBLinkState &l
     return link && &link->state == &ls ? link : nullptr;
 }
 
-/** The summary of a stored link if it can be trusted; null for one that cannot and for no link. */
-LinkSummary *trusted(DBLink *link)
+/**
+ * Writes what a link reserves with an effect, or, with `roomy`, only the class types that matter to
+ * whether it has the capacity; 0, or -1 after a message.
+ */
+int evaluate(const DataBase &db, const DBLinkState &ls, LinkSummary *summary, const Effect &effect,
+             double rbw[MAXOA][MAXPL], ClassTypes *roomy)
 {
-    return link && link->summary.isTrusted ? &link->summary : nullptr;
+    if (!effect.concerned) {
+        std::memcpy(rbw, ls.rbw, sizeof ls.rbw);
+        return 0;
+    }
+    if (report(db, effect) != 0)
+        return -1;
+    if (summary)
+        bringToTopology(*summary, db.topology);
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        const bool isChanged = effect.changes(oa);
+        if (isChanged)
+            reserveWithEffect(db, ls, summary, effect, oa, rbw[oa]);
+        else if (!roomy || !summary || !summary->roomy.has(oa))
+            reservePresent(db, ls, summary, oa, rbw[oa]);
+        if (roomy)
+            roomy->set(oa, !isChanged && summary && summary->roomy.has(oa));
+        assert(!roomy || !roomy->has(oa) || isRoomyByTables(db, ls, oa));
+    }
+    return 0;
 }
 
 } // namespace
@@ -398,7 +498,11 @@ int computeRBW(const DataBase *dataBase, double rbw[MAXOA][MAXPL], const double 
 {
     if (!dataBase || !rbw || !pbw || !bbw || !fbw)
         return here.fail("Bad argument (NULL) in %s at line %d");
-    reserve(*dataBase, rbw, pbw, {bbw, fbw}, nullptr);
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        Needs largest;
+        presentLargest(*dataBase, {bbw, fbw}, nullptr, oa, largest);
+        spreadOverLevels(pbw[oa], largest, rbw[oa]);
+    }
     return 0;
 }
 
@@ -427,48 +531,33 @@ LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa)
 
 void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL])
 {
-    reserve(db, rbw, link.state.pbw, tablesOf(link.state), trusted(&link));
-}
-
-void reservationWith(const DataBase &db, DBLink &link, Effect &effect, double (&rbw)[MAXOA][MAXPL])
-{
-    reserveWithEffect(db, link.state, trusted(&link), effect, rbw);
+    for (int oa = 0; oa < MAXOA; ++oa)
+        reservePresent(db, link.state, trusted(&link), oa, rbw[oa]);
 }
 
 int makeRoomFor(const Effect &effect, DBLinkState &ls)
 {
-    for (const FailureTable table : {FailureTable::backup, FailureTable::freed}) {
-        for (int oa = 0; oa < MAXOA; ++oa) {
-            Long longest = 0;
-            for (const SlotChange &change : effect.slots.all()) {
-                if (change.table == table && effect.amount(change, oa) != 0.0)
-                    longest = std::max(longest, change.slot + 1);
-            }
-            if (!vec::grow(tableOf(ls, table, oa, effect.level), longest))
-                return here.fail("Critical lack of memory in %s at line %d");
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        if (!effect.changes(oa))
+            continue;
+        Long longest[] = {0, 0};
+        for (const SlotChange &change : effect.slots.all()) {
+            Long &needed = longest[change.table == FailureTable::backup ? 0 : 1];
+            if (effect.amount(change, oa) != 0.0)
+                needed = std::max(needed, change.slot + 1);
         }
+        if (!vec::grow(ls.bbw[oa][effect.level], longest[0]) ||
+            !vec::grow(ls.fbw[oa][effect.level], longest[1]))
+            return here.fail("Critical lack of memory in %s at line %d");
     }
     return 0;
 }
 
-int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView &lsp, operation op,
-               Effect &effect)
+void updateLink(DataBase &db, DBLink &link, const Effect &effect)
 {
-    effectOf(db, src, dst, lsp, op, effect);
-    const int listed = report(db, effect);
-    if (!effect.concerned || effect.flaw == EffectFlaw::noMemory)
-        return listed;
-    if (makeRoomFor(effect, ls) != 0)
-        return -1;
-    DBLink *link = linkStoring(db, src, dst, ls);
-    if (link)
-        applyToLink(db, *link, effect);
-    else
-        apply(effect, ls, [](int, const SlotChange &, double) {});
-    if (listed != 0)
-        return -1;
-    reserve(db, ls.rbw, ls.pbw, tablesOf(ls), trusted(link));
-    return 0;
+    applyToLink(db, link, effect);
+    if (effect.isWhole())
+        settle(db, link);
 }
 
 int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
@@ -477,7 +566,20 @@ int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
     if (!dataBase || !ls || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
     Effect effect;
-    return updateLink(*dataBase, src, dst, *ls, viewOf(*lsp), op, effect);
+    effectOf(*dataBase, src, dst, viewOf(*lsp), op, effect);
+    const int listed = report(*dataBase, effect);
+    if (!effect.concerned || effect.flaw == EffectFlaw::noMemory)
+        return listed;
+    if (makeRoomFor(effect, *ls) != 0)
+        return -1;
+    if (DBLink *link = linkStoring(*dataBase, src, dst, *ls)) {
+        updateLink(*dataBase, *link, effect);
+        return listed;
+    }
+    apply(effect, *ls, {}, [](int, const SlotChange &, double) {});
+    if (effect.isWhole())
+        static_cast<void>(computeRBW(dataBase, ls->rbw, ls->pbw, ls->bbw, ls->fbw));
+    return listed;
 }
 
 int evalLS(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS, DBLinkState *oldLS,
@@ -517,6 +619,12 @@ int DBevalLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
     return evalLS(dataBase, src, dst, newLS, oldLS, req, REMOVE);
 }
 
+int reservationWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
+                          double (&rbw)[MAXOA][MAXPL], ClassTypes *roomy)
+{
+    return evaluate(db, link.state, trusted(&link), effect, rbw, roomy);
+}
+
 int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
                           Candidate candidate, double rbw[MAXOA][MAXPL])
 {
@@ -529,15 +637,7 @@ int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DB
     if (candidate.lsp.path.size() < 2)
         return here.fail("Wrong path in request in %s at line %d");
 
-    Effect effect;
-    effectOf(*dataBase, src, dst, candidate.lsp, SETUP, effect);
-    if (report(*dataBase, effect) != 0)
-        return -1;
-    if (!effect.concerned) {
-        std::memcpy(rbw, ls->rbw, sizeof ls->rbw);
-        return 0;
-    }
-    LinkSummary *summary = trusted(linkStoring(*dataBase, src, dst, *ls));
-    reserveWithEffect(*dataBase, *ls, summary, effect, rbw);
-    return 0;
+    LinkEffects effects{*dataBase, candidate.lsp, SETUP};
+    return evaluate(*dataBase, *ls, trusted(linkStoring(*dataBase, src, dst, *ls)),
+                    effects.on(src, dst), rbw, nullptr);
 }

@@ -44,9 +44,6 @@ LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa);
 /** Writes what the tables of a stored link make it reserve; its `rbw` may have been handed in. */
 void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL]);
 
-/** Writes what a stored link would reserve with an effect applied, whose changes get sorted. */
-void reservationWith(const DataBase &db, DBLink &link, Effect &effect, double (&rbw)[MAXOA][MAXPL]);
-
 /**
  * Grows the tables of a state for every change of an effect; without memory some have grown.
  *
@@ -63,9 +60,8 @@ void reservationWith(const DataBase &db, DBLink &link, Effect &effect, double (&
 [[nodiscard]] int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
                            const DBLabelSwitchedPath *lsp, operation op);
 
-/** As updateLS, with a list that the caller keeps: `effect` holds what was applied. */
-[[nodiscard]] int updateLink(DataBase &db, Long src, Long dst, DBLinkState &ls, const LSPView &lsp,
-                             operation op, Effect &effect);
+/** Applies an effect that concerns a stored link, whose tables have the room for it. */
+void updateLink(DataBase &db, DBLink &link, const Effect &effect);
 
 /**
  * Makes `newLS` the state that the link from `src` to `dst`, now in state `oldLS`, would have after
@@ -103,5 +99,14 @@ struct Candidate {
 [[nodiscard]] int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst,
                                         const DBLinkState *ls, Candidate candidate,
                                         double rbw[MAXOA][MAXPL]);
+
+/**
+ * As reservationAfterSetup for a stored link, with the effect on it already worked out and sorted.
+ *
+ * @param roomy class types left out of `rbw`: up to no level do they exceed the link's capacity;
+ *        null when all are wanted
+ */
+[[nodiscard]] int reservationWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
+                                        double (&rbw)[MAXOA][MAXPL], ClassTypes *roomy);
 
 #endif

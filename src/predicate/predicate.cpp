@@ -13,11 +13,18 @@ namespace
 
 constexpr Unit here{"predicate/predicate"};
 
-/** The capacity test on reservations `rbw[oa][p]` that include the newcomer's own. */
-bool fitsCapacity(const double rbw[MAXOA][MAXPL], const double cap[MAXOA], int precedence,
-                  double *gain)
+/**
+ * The capacity test on reservations `rbw[oa][p]` that include the newcomer's own; the `roomy` class
+ * types are not in there and known to fit.
+ */
+bool fitsCapacity(const double rbw[MAXOA][MAXPL], ClassTypes roomy, const double cap[MAXOA],
+                  int precedence, double *gain)
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
+        if (roomy.has(oa)) {
+            gain[oa] = 0.0;
+            continue;
+        }
         double occupied = 0.0;
         double total = 0.0;
         for (int p = 0; p < MAXPL; ++p) {
@@ -38,19 +45,31 @@ bool avoidsColor(const LongList &forbidden, Long color)
     return std::ranges::find(inUse(forbidden), color) == inUse(forbidden).end();
 }
 
-/** Runs the tests that are switched on for a candidate on one link. */
+/** The tests that are switched on, of a link that would reserve `rbw` with the newcomer. */
+bool passesTests(const double rbw[MAXOA][MAXPL], ClassTypes roomy, const DBLinkState &ls,
+                 int precedence, const LongList &forbidLinks, double *gain)
+{
+    const PredicateConfig &config = tarnexConfig.predicateConfig;
+    if (config.capacityClause && !fitsCapacity(rbw, roomy, ls.cap, precedence, gain))
+        return false;
+    return !config.colorClause || avoidsColor(forbidLinks, ls.color);
+}
+
+/** Refuses a link that cannot be evaluated. */
+bool refuseUnknown()
+{
+    here.push(CRITICAL, "Unable to update link state in %s at line %d");
+    return false;
+}
+
+/** Runs the tests for a candidate on one link. */
 bool admits(const DataBase *db, Long src, Long dst, const DBLinkState *ls,
             const Candidate &candidate, const LongList &forbidLinks, double *gain)
 {
     double rbw[MAXOA][MAXPL];
-    if (reservationAfterSetup(db, src, dst, ls, candidate, rbw) != 0) {
-        here.push(CRITICAL, "Unable to update link state in %s at line %d");
-        return false;
-    }
-    const PredicateConfig &config = tarnexConfig.predicateConfig;
-    if (config.capacityClause && !fitsCapacity(rbw, ls->cap, candidate.lsp.precedence, gain))
-        return false;
-    return !config.colorClause || avoidsColor(forbidLinks, ls->color);
+    if (reservationAfterSetup(db, src, dst, ls, candidate, rbw) != 0)
+        return refuseUnknown();
+    return passesTests(rbw, {}, *ls, candidate.lsp.precedence, forbidLinks, gain);
 }
 
 /** The path of a candidate if it is known in full, else the one hop that is asked about. */
@@ -98,9 +117,19 @@ bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *l
     return admits(dataBase, src, dst, ls, candidate, lsp->forbidLinks, gain);
 }
 
+bool isValidWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
+                       const DBLabelSwitchedPath &lsp, double *gain)
+{
+    double rbw[MAXOA][MAXPL];
+    ClassTypes roomy;
+    if (reservationWithEffect(db, link, effect, rbw, &roomy) != 0)
+        return refuseUnknown();
+    return passesTests(rbw, roomy, link.state, lsp.precedence, lsp.forbidLinks, gain);
+}
+
 bool capacityClause(const DBLinkState *ls, const LSPRequest *req, double *gain)
 {
-    return fitsCapacity(ls->rbw, ls->cap, req->precedence, gain);
+    return fitsCapacity(ls->rbw, {}, ls->cap, req->precedence, gain);
 }
 
 bool colorClause(const DBLinkState *ls, const LSPRequest *req)

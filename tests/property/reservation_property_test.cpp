@@ -165,6 +165,22 @@ TEST_F(AdmissionProperty, PreemptionTakesWholeLevelsThenTheBestFit)
     }
 }
 
+TEST_F(AdmissionProperty, RefusesALinkThatAClassTypeOverfillsWhichTheLspDoesNotUse)
+{
+    tarnexConfig.predicateConfig = {false, true, false};
+    build(networkOf("1:0-1/10"));
+    ASSERT_EQ(add({20, primaryLSP, 0, {0, 8}, {0, 1}}), 0);
+    ASSERT_EQ(add(lsp(21, 0, 1, {0, 1})), 0);
+    const State narrower{DBlinkStateNew()};
+    ASSERT_EQ(DBlinkStateCopy(narrower.get(), &linkAt(db->linkTab, 0, 1)->state), 0);
+    narrower->cap[1] = 7;
+    ASSERT_EQ(DBsetLinkState(db, 0, 1, narrower.get()), 0);
+    for (const Long id : {22, 23}) {
+        EXPECT_EQ(add(lsp(id, 0, 1, {0, 1})), -1);
+        expectTrail({"LSP refused by the predicate"});
+    }
+}
+
 TEST_F(AdmissionProperty, ListsWhatGivesWayAndChangesNothingWhenRefused)
 {
     const Trail lacking{"Not enough preemptable bandwidth for LSP selection",

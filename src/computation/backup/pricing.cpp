@@ -4,7 +4,6 @@
 #include "error/report.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 
 namespace
@@ -112,19 +111,16 @@ double LinkPricing::priceExactly(Long position, Long start,
             append(db, src, dst, lsp, effect);
     }
     double now[MAXOA][MAXPL];
-    if (effect.concerned)
-        reservationWith(db, link, effect, now);
-    else
-        std::memcpy(now, link.state.rbw, sizeof now);
-
+    double then[MAXOA][MAXPL];
+    effect.slots.sortBySlot();
+    int result = reservationWithEffect(db, link, effect, now, nullptr);
     const ReducedPath reduced{start, src, dst};
     lsp.path = reduced.path();
     append(db, src, dst, lsp, effect);
-    if (effect.flaw != EffectFlaw::none) {
-        here.push(WARNING, "Error while computing new link state in %s at line %d");
-        return infeasible;
-    }
-    double then[MAXOA][MAXPL];
-    reservationWith(db, link, effect, then);
-    return costOf(primary, dst, link.state.cap, now, then);
+    effect.slots.sortBySlot();
+    result |= reservationWithEffect(db, link, effect, then, nullptr);
+    if (result == 0)
+        return costOf(primary, dst, link.state.cap, now, then);
+    here.push(WARNING, "Error while computing new link state in %s at line %d");
+    return infeasible;
 }
