@@ -85,6 +85,8 @@ Churn::Churn(Rng choices, Amounts kind) : rng(choices), amounts(kind), loses(ran
         plain.add(link);
     }
     require(addNetwork(db, plan) == 0, "no network");
+    for (const PlannedLink &link : plan.links) // a class type that no LSP has
+        linkAt(db->linkTab, link.src, link.dst)->state.cap[5] = 0.0;
 }
 
 Churn::~Churn()

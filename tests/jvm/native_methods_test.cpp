@@ -236,7 +236,7 @@ TEST_F(NativeMethods, SurviveEveryLackOfMemory)
             }
         }
     }
-    EXPECT_GT(faults, 3000);
+    EXPECT_GT(faults, 1500);
 }
 
 TEST_F(NativeMethods, LeaveNoLocalReferenceBehind)

@@ -108,7 +108,7 @@ void LinkAppraisal::judgeClass(int oa, unsigned char *verdicts) const
 Verdict LinkAppraisal::settle(Long link)
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
-        if (req.bw[oa] == 0.0 && index.exceeds[oa][level][link] <= 0.0)
+        if (req.bw[oa] == 0.0 && index.exceeds[oa][level][link] < 0.0)
             return refused;
     }
     return ask(link) ? admitted : refused;
