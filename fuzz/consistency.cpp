@@ -133,11 +133,12 @@ std::string carriersOf(const DataBase &db)
             const Long number = index.numberOf[id];
             if (number < 0)
                 continue;
-            const CarrierList &list = index.carriers[oa][number];
-            for (Long i = 0; i < list.top; ++i) {
-                const Carrier carrier = list.carriers[i];
-                listed.emplace(id, carrier.position(), carrier.level(), carrier.table(),
-                               list.values[i]);
+            for (const auto table : {FailureTable::backup, FailureTable::freed}) {
+                const CarrierList &list = index.carriersOf(oa, number, table);
+                for (Long i = 0; i < list.top; ++i) {
+                    const Carrier carrier = list.carriers[i];
+                    listed.emplace(id, carrier.position(), carrier.level(), table, list.values[i]);
+                }
             }
             for (Long position = 0; position < index.nbLinks; ++position) {
                 const DBLinkState &state = index.links[position]->state;
@@ -185,7 +186,8 @@ std::size_t bytesOf(const BackupIndex &index)
         if (!index.carriers[oa])
             continue;
         bytes += countedBytes(index.carriers[oa]);
-        for (const CarrierList &list : std::span{index.carriers[oa], std::size_t(index.nbLinks)})
+        for (const CarrierList &list :
+             std::span{index.carriers[oa], 2 * std::size_t(index.nbLinks)})
             bytes += list.values ? countedBytes(list.values) : 0;
     }
     return bytes;

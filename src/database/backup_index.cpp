@@ -155,7 +155,8 @@ bool refreshStale(const DataBase &db, BackupIndex &index)
 /** Gives a list the room for so many slots; false, and nothing changed, without memory. */
 bool grow(CarrierList &list, Long size)
 {
-    CarrierList larger{size, list.top, list.levels, nullptr, nullptr};
+    CarrierList larger = list;
+    larger.size = size;
     const auto layOut = [&larger](void *block) {
         Layout layout{block};
         layout.place(larger.values, larger.size);
@@ -179,18 +180,22 @@ bool add(CarrierList &list, Carrier carrier, double value)
     if (list.top == list.size && !grow(list, std::max(2 * list.size, Long{8})))
         return false;
     list.levels |= 1U << carrier.level();
+    list.hasBelow0 = list.hasBelow0 || !(value >= 0.0);
     list.carriers[list.top] = carrier;
     list.values[list.top++] = value;
     return true;
 }
 
 /** Lists the slots of one table of a link that are not 0; false without memory. */
-bool listCarriers(const BackupIndex &index, CarrierList *lists, Carrier carrier,
-                  const DoubleVec &table)
+bool listCarriers(const BackupIndex &index, const TableSlot &kind, Carrier carrier)
 {
+    const DBLinkState &state = index.links[carrier.position()]->state;
+    const DoubleVec &table = tableOf(state, kind.table, kind.oa, kind.level);
     const Long end = std::min(table.size, index.nbIds);
     for (Long k = nextUsedSlot(table, 0, end); k < end; k = nextUsedSlot(table, k + 1, end)) {
-        if (index.numberOf[k] >= 0 && !add(lists[index.numberOf[k]], carrier, table.cont[k]))
+        const Long failing = index.numberOf[k];
+        if (failing >= 0 &&
+            !add(index.carriersOf(kind.oa, failing, kind.table), carrier, table.cont[k]))
             return false;
     }
     return true;
@@ -199,15 +204,13 @@ bool listCarriers(const BackupIndex &index, CarrierList *lists, Carrier carrier,
 /** Lists the carriers of a class type; false without memory, with a part of them listed. */
 bool listCarriers(BackupIndex &index, int oa)
 {
-    index.carriers[oa] = makeTable<CarrierList>(index.nbLinks);
+    index.carriers[oa] = makeTable<CarrierList>(2 * index.nbLinks);
     if (!index.carriers[oa])
         return false;
     for (Long position = 0; position < index.nbLinks; ++position) {
-        const DBLinkState &state = index.links[position]->state;
         for (int p = 0; p < MAXPL; ++p) {
             for (const FailureTable table : {FailureTable::backup, FailureTable::freed}) {
-                if (!listCarriers(index, index.carriers[oa], {position, p, table},
-                                  tableOf(state, table, oa, p)))
+                if (!listCarriers(index, {oa, p, table, 0}, {position, p}))
                     return false;
             }
         }
@@ -248,14 +251,14 @@ void noteStale(BackupIndex &index, Long position)
 void noteCarrier(DataBase &db, const DBLink &link, const TableSlot &slot, double value)
 {
     BackupIndex &index = db.backups;
-    CarrierList *lists = index.carriers[slot.oa];
-    if (!lists || slot.slot >= index.nbIds || index.numberOf[slot.slot] < 0)
+    if (!index.carriers[slot.oa] || slot.slot >= index.nbIds || index.numberOf[slot.slot] < 0)
         return;
-    CarrierList &list = lists[index.numberOf[slot.slot]];
-    const Carrier carrier{index.positionOf[link.number], slot.level, slot.table};
+    CarrierList &list = index.carriersOf(slot.oa, index.numberOf[slot.slot], slot.table);
+    const Carrier carrier{index.positionOf[link.number], slot.level};
     const auto at = std::find(list.carriers, list.carriers + list.top, carrier) - list.carriers;
     if (at < list.top && value != 0.0) {
         list.values[at] = value;
+        list.hasBelow0 = list.hasBelow0 || !(value >= 0.0);
     } else if (at < list.top) {
         list.top -= 1;
         list.carriers[at] = list.carriers[list.top];
@@ -272,7 +275,7 @@ void endBackupIndex(BackupIndex &index)
             myfree(index.figures[oa]);
         if (!index.carriers[oa])
             continue;
-        for (CarrierList &list : std::span{index.carriers[oa], std::size_t(index.nbLinks)})
+        for (CarrierList &list : std::span{index.carriers[oa], 2 * std::size_t(index.nbLinks)})
             endList(list);
         myfree(index.carriers[oa]);
     }

@@ -39,19 +39,17 @@ struct LevelFigures {
     double pbw[MAXPL];     ///< reserved by primaries
 };
 
-/** Which table of which link holds a slot, in one number. */
+/** Which link holds a slot, at which level, in one number. */
 class Carrier
 {
 public:
     Carrier() = default;
-    Carrier(Long position, int level, FailureTable table)
-        : bits(static_cast<std::uint32_t>(position) << 4 | static_cast<std::uint32_t>(level) << 1 |
-               static_cast<std::uint32_t>(table))
+    Carrier(Long position, int level)
+        : bits(static_cast<std::uint32_t>(position) << 3 | static_cast<std::uint32_t>(level))
     {
     }
-    Long position() const { return static_cast<Long>(bits >> 4); }
-    int level() const { return static_cast<int>(bits >> 1 & 7U); }
-    FailureTable table() const { return static_cast<FailureTable>(bits & 1U); }
+    Long position() const { return static_cast<Long>(bits >> 3); }
+    int level() const { return static_cast<int>(bits & 7U); }
     bool operator==(const Carrier &other) const = default;
 
 private:
@@ -59,11 +57,12 @@ private:
 };
 static_assert(MAXPL <= 8);
 
-/** The slots of one failing link that are not 0, in no order. */
+/** The slots of one failing link in one kind of table that are not 0, in no order. */
 struct CarrierList {
     Long size;       ///< capacity
     Long top;        ///< slots in use
     unsigned levels; ///< a bit for each level that has, or had, a slot
+    bool hasBelow0;  ///< whether one has, or had, a value that is not 0 or more
     double *values; ///< counted block with `size` values and carriers, owned; null before the first
     Carrier *carriers; ///< in the same block
 };
@@ -86,7 +85,13 @@ struct BackupIndex {
     void *block;                   ///< counted block that holds these tables
     BackupFigures *figures[MAXOA]; ///< by position; null: nothing reserved in the class type
     LevelFigures *levels[MAXOA];   ///< by position, in the same block
-    CarrierList *carriers[MAXOA];  ///< by number of the failing link; null: not listed
+    CarrierList *carriers[MAXOA];  ///< two by number of the failing link; null: not listed
+
+    /** The slots of a failing link in class type `oa`, which is listed. */
+    CarrierList &carriersOf(int oa, Long number, FailureTable table) const
+    {
+        return carriers[oa][2 * number + static_cast<Long>(table)];
+    }
 };
 
 /**

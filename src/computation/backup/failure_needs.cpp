@@ -50,18 +50,24 @@ void FailureNeeds::addUp(std::span<const Long> stretch)
 /** Picks the links that may need anything but the backup when links `first` to `end` - 1 fail. */
 void FailureNeeds::carryAlong(Long first, Long end, Long failing)
 {
+    const BackupIndex &index = db.backups;
     for (Long link = first; link < end; ++link) {
-        const CarrierList &list = db.backups.carriers[demand.oa][link];
-        for (Long i = 0; i < list.top; ++i) {
-            const bool isFreed = list.carriers[i].table() == FailureTable::freed;
-            const bool onlyLowers = isFreed && list.values[i] >= 0.0 && link != failing;
-            Long &place = placeOf[list.carriers[i].position()];
-            if (onlyLowers || place >= 0)
-                continue;
-            place = nbCarried++;
-            carried[place] = {};
-            carried[place].position = list.carriers[i].position();
-        }
+        carryAlong(index.carriersOf(demand.oa, link, FailureTable::backup));
+        const CarrierList &freed = index.carriersOf(demand.oa, link, FailureTable::freed);
+        if (link == failing || freed.hasBelow0)
+            carryAlong(freed);
+    }
+}
+
+void FailureNeeds::carryAlong(const CarrierList &list)
+{
+    for (Long i = 0; i < list.top; ++i) {
+        Long &place = placeOf[list.carriers[i].position()];
+        if (place >= 0)
+            continue;
+        place = nbCarried++;
+        carried[place] = {};
+        carried[place].position = list.carriers[i].position();
     }
 }
 
@@ -89,32 +95,38 @@ void FailureNeeds::addRow(Long first, Long end, Long failing)
 unsigned FailureNeeds::levelsIn(Long first, Long end) const
 {
     unsigned levels = 0;
-    for (Long link = first; link < end; ++link)
-        levels |= db.backups.carriers[demand.oa][link].levels;
+    for (Long link = first; link < end; ++link) {
+        for (const auto table : {FailureTable::backup, FailureTable::freed})
+            levels |= db.backups.carriersOf(demand.oa, link, table).levels;
+    }
     return levels;
 }
 
 /** Adds what the tables hold for the failure of a link at one level. */
 void FailureNeeds::addCarriers(Long link, int p, bool isOwn)
 {
-    const CarrierList &list = db.backups.carriers[demand.oa][link];
+    const auto addFreed = [](Carried &on, double value) { on.freed += value; };
+    const auto addBackup = [&](Carried &on, double value) {
+        on.backup += isOwn ? value + demand.bw : value;
+        on.hasOwn = on.hasOwn || isOwn;
+    };
+    forEachCarried(db.backups.carriersOf(demand.oa, link, FailureTable::freed), p, addFreed);
+    forEachCarried(db.backups.carriersOf(demand.oa, link, FailureTable::backup), p, addBackup);
+}
+
+/** Calls `add(on, value)` for what a list holds at one level, on the links that matter. */
+template <class Add>
+void FailureNeeds::forEachCarried(const CarrierList &list, int p, Add add)
+{
     if ((list.levels >> p & 1U) == 0)
         return;
     for (Long i = 0; i < list.top; ++i) {
-        const Carrier carrier = list.carriers[i];
-        const Long place = placeOf[carrier.position()];
-        if (carrier.level() != p || place < 0)
+        const Long place = placeOf[list.carriers[i].position()];
+        if (place < 0 || list.carriers[i].level() != p)
             continue;
-        const double value = list.values[i];
-        Carried &on = carried[place];
-        if (on.row != nbRows)
-            enterRow(on, p);
-        if (carrier.table() == FailureTable::freed) {
-            on.freed += value;
-            continue;
-        }
-        on.backup += isOwn ? value + demand.bw : value;
-        on.hasOwn = on.hasOwn || isOwn;
+        if (carried[place].row != nbRows)
+            enterRow(carried[place], p);
+        add(carried[place], list.values[i]);
     }
 }
 

@@ -64,9 +64,12 @@ private:
     void addRow(Long first, Long end, Long failing);
     unsigned levelsIn(Long first, Long end) const;
     void addCarriers(Long link, int p, bool isOwn);
+    template <class Add>
+    void forEachCarried(const CarrierList &list, int p, Add add);
     void addOwn();
     void raise(int from, int end);
     void carryAlong(Long first, Long end, Long failing);
+    void carryAlong(const CarrierList &list);
     void enterRow(Carried &on, int p);
 
     const DataBase &db;
