@@ -29,8 +29,8 @@ public:
     void allowAll();
     int forbidLink(Long src, Long dst);
     int forbidLinksInto(Long node);
-    int run(Long start, std::span<const Long> targets, bool &found);
-    int writePath(LongVec &path) const;
+    int run(Long from, std::span<const Long> targets, bool &found);
+    int writePath(LongVec &found) const;
     void takeOut(const LSPRequest & /*req*/) {} ///< only requests without a path are served
     void putIn(const LSPRequest &req);
     ///@}

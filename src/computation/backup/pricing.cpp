@@ -105,8 +105,8 @@ double LinkPricing::priceExactly(Long position, Long start,
                 .type = type,
                 .noContentionId = -1};
     Effect effect;
-    for (auto req = placed.rbegin(); req != placed.rend(); ++req) {
-        lsp.path = inUse(req->path);
+    for (std::size_t i = placed.size(); i-- > 0;) {
+        lsp.path = inUse(placed[i].path);
         if (hasHop(lsp.path, src, dst))
             append(db, src, dst, lsp, effect);
     }

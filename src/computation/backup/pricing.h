@@ -37,10 +37,10 @@ public:
             return priceExactly(position, start, placed);
         const BackupFigures &own = figures[position];
         const double reserved = reservedOn(position);
-        if (reserved > own.capacity || (index.overfull[position] & ~ownBit) != 0)
-            return infeasible;
-        const double cost = isSimple ? costOf(own.stored, reserved, 1, bandwidth)
-                                     : costInClasses(position, reserved);
+        const bool lacksRoom = reserved > own.capacity || (index.overfull[position] & ~ownBit) != 0;
+        const double cost = lacksRoom  ? infeasible
+                            : isSimple ? costOf(own.stored, reserved, 1, bandwidth)
+                                       : costInClasses(position, reserved);
         assert(cost == priceExactly(position, start, placed));
         return cost;
     }
