@@ -121,32 +121,29 @@ std::string reservationsOf(const DataBase &db, Contents &contents, const std::se
 }
 
 /** Compares the carriers that backups are searched by with the slots that are not 0. */
-std::string carriersOf(const DataBase &db)
+std::string carriersOf(const DataBase &db, const Contents &contents)
 {
-    /** Failing link, position, level, table and value. */
+    /** Failing link, link, level, table and value. */
     using Use = std::tuple<Long, Long, int, FailureTable, double>;
-    const BackupIndex &index = db.backups;
     for (int oa = 0; oa < MAXOA; ++oa) {
         std::multiset<Use> listed;
         std::multiset<Use> used;
-        for (Long id = 0; index.carriers[oa] && id < index.nbIds; ++id) {
-            const Long number = index.numberOf[id];
-            if (number < 0)
-                continue;
-            for (const auto table : {FailureTable::backup, FailureTable::freed}) {
-                const CarrierList &list = index.carriersOf(oa, number, table);
+        if (!db.carriers.lists[oa])
+            continue;
+        for (const auto table : {FailureTable::backup, FailureTable::freed}) {
+            for (Long id = 0; id < db.carriers.nbIds[oa]; ++id) {
+                const CarrierList &list = db.carriers.of(oa, id, table);
                 for (Long i = 0; i < list.top; ++i) {
                     const Carrier carrier = list.carriers[i];
-                    listed.emplace(id, carrier.position(), carrier.level(), table, list.values[i]);
+                    listed.emplace(id, carrier.linkId(), carrier.level(), table, list.values[i]);
                 }
             }
-            for (Long position = 0; position < index.nbLinks; ++position) {
-                const DBLinkState &state = index.links[position]->state;
+            for (const auto &[hop, link] : contents.links) {
                 for (int p = 0; p < MAXPL; ++p) {
-                    for (const auto table : {FailureTable::backup, FailureTable::freed}) {
-                        const double value = slotOf(tableOf(state, table, oa, p), id);
-                        if (value != 0.0)
-                            used.emplace(id, position, p, table, value);
+                    const auto values = slots(tableOf(storedState(&db, hop), table, oa, p));
+                    for (std::size_t id = 0; id < values.size(); ++id) {
+                        if (values[id] != 0.0)
+                            used.emplace(Long(id), link.id, p, table, values[id]);
                     }
                 }
             }
@@ -178,16 +175,15 @@ std::size_t bytesOf(const DBLink &link)
     return bytes;
 }
 
-std::size_t bytesOf(const BackupIndex &index)
+std::size_t bytesOf(const FailureCarriers &carriers)
 {
-    std::size_t bytes = index.block ? countedBytes(index.block) : 0;
+    std::size_t bytes = 0;
     for (int oa = 0; oa < MAXOA; ++oa) {
-        bytes += index.figures[oa] ? countedBytes(index.figures[oa]) : 0;
-        if (!index.carriers[oa])
+        if (!carriers.lists[oa])
             continue;
-        bytes += countedBytes(index.carriers[oa]);
+        bytes += countedBytes(carriers.lists[oa]);
         for (const CarrierList &list :
-             std::span{index.carriers[oa], 2 * std::size_t(index.nbLinks)})
+             std::span{carriers.lists[oa], 2 * std::size_t(carriers.nbIds[oa])})
             bytes += list.values ? countedBytes(list.values) : 0;
     }
     return bytes;
@@ -202,7 +198,7 @@ std::string inconsistencyOf(const DataBase &db, const std::set<Hop> &undefined)
     if (wrong.empty())
         wrong = neighboursOf(db, contents);
     if (wrong.empty())
-        wrong = carriersOf(db);
+        wrong = carriersOf(db, contents);
     return wrong.empty() ? reservationsOf(db, contents, undefined) : wrong;
 }
 
@@ -225,9 +221,11 @@ std::size_t ownedBytes(const DataBase &db)
                      countedIn(lsp->forbidLinks, lsp->path, lsp->primPath, lsp->backLSPIDs);
     }
     bytes += countedBytes(db.linkTab.emptyRow);
-    for (const void *block : {db.index.block, db.index.workspace})
+    for (const void *block : {db.index.block, db.index.workspace, db.backups.block})
         bytes += block ? countedBytes(block) : 0;
-    bytes += bytesOf(db.backups);
+    for (const BackupFigures *figures : db.backups.figures)
+        bytes += figures ? countedBytes(figures) : 0;
+    bytes += bytesOf(db.carriers);
     for (DBLink **row : slots(db.linkTab)) {
         if (row == db.linkTab.emptyRow)
             continue;

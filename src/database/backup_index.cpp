@@ -19,24 +19,12 @@ bool areZero(const double (&levels)[MAXPL])
     return std::ranges::all_of(levels, [](double value) { return value == 0.0; });
 }
 
-void endList(CarrierList &list)
-{
-    if (list.values)
-        myfree(list.values);
-}
-
-template <class T>
-T *makeTable(Long count)
-{
-    return static_cast<T *>(mycalloc(static_cast<std::size_t>(count), sizeof(T)));
-}
-
 std::size_t layOut(BackupIndex &index, void *block)
 {
     Layout layout{block};
-    layout.place(index.numberOf, index.nbIds);
-    for (Long *BackupIndex::*table :
-         {&BackupIndex::positionOf, &BackupIndex::destination, &BackupIndex::stale})
+    layout.place(index.positionOfId, index.nbIds);
+    for (Long *BackupIndex::*table : {&BackupIndex::positionOf, &BackupIndex::idOf,
+                                      &BackupIndex::destination, &BackupIndex::stale})
         layout.place(index.*table, index.nbLinks);
     layout.place(index.links, index.nbLinks);
     layout.place(index.overfull, index.nbLinks);
@@ -66,14 +54,15 @@ bool areTranslatorsWhole(const DataBase &db)
 void number(const DataBase &db, BackupIndex &index)
 {
     const NetworkIndex &network = db.index;
-    std::fill_n(index.numberOf, index.nbIds, -1);
+    std::fill_n(index.positionOfId, index.nbIds, -1);
     for (Long position = 0; position < index.nbLinks; ++position) {
         const Long link = network.outLinks[position].link;
         index.links[position] = network.links[link];
         index.positionOf[link] = position;
         index.destination[position] = network.destination[link];
-        if (network.links[link]->id < index.nbIds)
-            index.numberOf[network.links[link]->id] = link;
+        index.idOf[link] = network.links[link]->id;
+        if (index.idOf[link] < index.nbIds)
+            index.positionOfId[index.idOf[link]] = position;
         noteStale(index, position);
     }
 }
@@ -152,72 +141,6 @@ bool refreshStale(const DataBase &db, BackupIndex &index)
     return true;
 }
 
-/** Gives a list the room for so many slots; false, and nothing changed, without memory. */
-bool grow(CarrierList &list, Long size)
-{
-    CarrierList larger = list;
-    larger.size = size;
-    const auto layOut = [&larger](void *block) {
-        Layout layout{block};
-        layout.place(larger.values, larger.size);
-        layout.place(larger.carriers, larger.size);
-        return layout.bytes();
-    };
-    void *block = mymalloc(layOut(nullptr));
-    if (!block)
-        return false;
-    layOut(block);
-    std::copy_n(list.values, list.top, larger.values);
-    std::copy_n(list.carriers, list.top, larger.carriers);
-    endList(list);
-    list = larger;
-    return true;
-}
-
-/** Lists a slot; false without memory. */
-bool add(CarrierList &list, Carrier carrier, double value)
-{
-    if (list.top == list.size && !grow(list, std::max(2 * list.size, Long{8})))
-        return false;
-    list.levels |= 1U << carrier.level();
-    list.hasBelow0 = list.hasBelow0 || !(value >= 0.0);
-    list.carriers[list.top] = carrier;
-    list.values[list.top++] = value;
-    return true;
-}
-
-/** Lists the slots of one table of a link that are not 0; false without memory. */
-bool listCarriers(const BackupIndex &index, const TableSlot &kind, Carrier carrier)
-{
-    const DBLinkState &state = index.links[carrier.position()]->state;
-    const DoubleVec &table = tableOf(state, kind.table, kind.oa, kind.level);
-    const Long end = std::min(table.size, index.nbIds);
-    for (Long k = nextUsedSlot(table, 0, end); k < end; k = nextUsedSlot(table, k + 1, end)) {
-        const Long failing = index.numberOf[k];
-        if (failing >= 0 &&
-            !add(index.carriersOf(kind.oa, failing, kind.table), carrier, table.cont[k]))
-            return false;
-    }
-    return true;
-}
-
-/** Lists the carriers of a class type; false without memory, with a part of them listed. */
-bool listCarriers(BackupIndex &index, int oa)
-{
-    index.carriers[oa] = makeTable<CarrierList>(2 * index.nbLinks);
-    if (!index.carriers[oa])
-        return false;
-    for (Long position = 0; position < index.nbLinks; ++position) {
-        for (int p = 0; p < MAXPL; ++p) {
-            for (const FailureTable table : {FailureTable::backup, FailureTable::freed}) {
-                if (!listCarriers(index, {oa, p, table, 0}, {position, p}))
-                    return false;
-            }
-        }
-    }
-    return true;
-}
-
 } // namespace
 
 bool bringBackupsUpToDate(DataBase &db, int oa)
@@ -225,7 +148,7 @@ bool bringBackupsUpToDate(DataBase &db, int oa)
     BackupIndex &index = db.backups;
     const bool isDone = numberNetwork(db) && (index.isCurrent || build(db, index)) &&
                         refreshStale(db, index) && (index.figures[oa] || addClass(index, oa)) &&
-                        (index.carriers[oa] || listCarriers(index, oa));
+                        (!index.isUsual || listCarriers(db, oa));
     if (!isDone)
         endBackupIndex(index);
     return isDone;
@@ -248,36 +171,11 @@ void noteStale(BackupIndex &index, Long position)
     index.stale[index.nbStale++] = position;
 }
 
-void noteCarrier(DataBase &db, const DBLink &link, const TableSlot &slot, double value)
-{
-    BackupIndex &index = db.backups;
-    if (!index.carriers[slot.oa] || slot.slot >= index.nbIds || index.numberOf[slot.slot] < 0)
-        return;
-    CarrierList &list = index.carriersOf(slot.oa, index.numberOf[slot.slot], slot.table);
-    const Carrier carrier{index.positionOf[link.number], slot.level};
-    const auto at = std::find(list.carriers, list.carriers + list.top, carrier) - list.carriers;
-    if (at < list.top && value != 0.0) {
-        list.values[at] = value;
-        list.hasBelow0 = list.hasBelow0 || !(value >= 0.0);
-    } else if (at < list.top) {
-        list.top -= 1;
-        list.carriers[at] = list.carriers[list.top];
-        list.values[at] = list.values[list.top];
-    } else if (value != 0.0 && !add(list, carrier, value)) {
-        endBackupIndex(index);
-    }
-}
-
 void endBackupIndex(BackupIndex &index)
 {
-    for (int oa = 0; oa < MAXOA; ++oa) {
-        if (index.figures[oa])
-            myfree(index.figures[oa]);
-        if (!index.carriers[oa])
-            continue;
-        for (CarrierList &list : std::span{index.carriers[oa], 2 * std::size_t(index.nbLinks)})
-            endList(list);
-        myfree(index.carriers[oa]);
+    for (BackupFigures *figures : index.figures) {
+        if (figures)
+            myfree(figures);
     }
     if (index.block)
         myfree(index.block);

@@ -93,6 +93,7 @@ int DBdestroy(DataBase *dataBase)
     longVecEnd(&dataBase->linkDstVec);
     endIndex(dataBase->index);
     endBackupIndex(dataBase->backups);
+    endCarriers(dataBase->carriers);
     myfree(dataBase);
     return 0;
 }
@@ -176,6 +177,10 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState
     result |= longVecSet(&dataBase->linkDstVec, id, dst + 1);
     raiseTops(*dataBase, id);
     dataBase->nbLinks += 1;
+    if (result == 0)
+        listCarriersOf(*dataBase, *linkAt(dataBase->linkTab, src, dst));
+    else
+        endCarriers(dataBase->carriers); // its id may come again
     return result == 0 ? 0 : here.fail("Link addition uncomplete in %s at line %d");
 }
 
@@ -193,6 +198,7 @@ int DBremoveLink(DataBase *dataBase, Long src, Long dst)
 
     const Long id = link->id;
     forgetNumbers(*dataBase);
+    unlistCarriersOf(*dataBase, *link);
     int result = 0;
     result |= removeValue(from->outNeighb, dst);
     result |= removeValue(to->inNeighb, src);
@@ -308,10 +314,11 @@ int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *ne
         return here.fail(
             "Impossible to set linkstate on link (src = %ld, dst = %ld) in %s at line %d",
             long{src}, long{dst});
+    unlistCarriersOf(*dataBase, *link);
     std::swap(link->state, *copy);
+    listCarriersOf(*dataBase, *link);
     summarize(link->summary, link->state);
     noteStateChange(*dataBase, *link);
-    endBackupIndex(dataBase->backups); // any slot may have changed
     return 0;
 }
 

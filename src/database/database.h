@@ -14,6 +14,7 @@
 
 #include "database/backup_index.h"
 #include "database/database_util.h"
+#include "database/failure_carriers.h"
 #include "database/network_index.h"
 
 /** The network. */
@@ -30,6 +31,7 @@ struct DataBase_ {
     Long topology;       ///< counts the changes of nodes and links, modulo 2^32
     NetworkIndex index;  ///< for searches, made when the first needs it
     BackupIndex backups; ///< for searches of backups, made when the first needs it
+    FailureCarriers carriers; ///< likewise
 };
 using DataBase = DataBase_;
 

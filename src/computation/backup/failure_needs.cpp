@@ -50,10 +50,9 @@ void FailureNeeds::addUp(std::span<const Long> stretch)
 /** Picks the links that may need anything but the backup when links `first` to `end` - 1 fail. */
 void FailureNeeds::carryAlong(Long first, Long end, Long failing)
 {
-    const BackupIndex &index = db.backups;
     for (Long link = first; link < end; ++link) {
-        carryAlong(index.carriersOf(demand.oa, link, FailureTable::backup));
-        const CarrierList &freed = index.carriersOf(demand.oa, link, FailureTable::freed);
+        carryAlong(carriersOf(link, FailureTable::backup));
+        const CarrierList &freed = carriersOf(link, FailureTable::freed);
         if (link == failing || freed.hasBelow0)
             carryAlong(freed);
     }
@@ -62,12 +61,12 @@ void FailureNeeds::carryAlong(Long first, Long end, Long failing)
 void FailureNeeds::carryAlong(const CarrierList &list)
 {
     for (Long i = 0; i < list.top; ++i) {
-        Long &place = placeOf[list.carriers[i].position()];
-        if (place >= 0)
+        const Long position = db.backups.positionOfId[list.carriers[i].linkId()];
+        if (placeOf[position] >= 0)
             continue;
-        place = nbCarried++;
-        carried[place] = {};
-        carried[place].position = list.carriers[i].position();
+        placeOf[position] = nbCarried;
+        carried[nbCarried] = {};
+        carried[nbCarried++].position = position;
     }
 }
 
@@ -91,13 +90,19 @@ void FailureNeeds::addRow(Long first, Long end, Long failing)
     }
 }
 
+/** What the failure of a link changes, by its number. */
+const CarrierList &FailureNeeds::carriersOf(Long link, FailureTable table) const
+{
+    return db.carriers.of(demand.oa, db.backups.idOf[link], table);
+}
+
 /** A bit for each level at which one of the links may have a carrier. */
 unsigned FailureNeeds::levelsIn(Long first, Long end) const
 {
     unsigned levels = 0;
     for (Long link = first; link < end; ++link) {
         for (const auto table : {FailureTable::backup, FailureTable::freed})
-            levels |= db.backups.carriersOf(demand.oa, link, table).levels;
+            levels |= carriersOf(link, table).levels;
     }
     return levels;
 }
@@ -110,8 +115,8 @@ void FailureNeeds::addCarriers(Long link, int p, bool isOwn)
         on.backup += isOwn ? value + demand.bw : value;
         on.hasOwn = on.hasOwn || isOwn;
     };
-    forEachCarried(db.backups.carriersOf(demand.oa, link, FailureTable::freed), p, addFreed);
-    forEachCarried(db.backups.carriersOf(demand.oa, link, FailureTable::backup), p, addBackup);
+    forEachCarried(carriersOf(link, FailureTable::freed), p, addFreed);
+    forEachCarried(carriersOf(link, FailureTable::backup), p, addBackup);
 }
 
 /** Calls `add(on, value)` for what a list holds at one level, on the links that matter. */
@@ -121,7 +126,7 @@ void FailureNeeds::forEachCarried(const CarrierList &list, int p, Add add)
     if ((list.levels >> p & 1U) == 0)
         return;
     for (Long i = 0; i < list.top; ++i) {
-        const Long place = placeOf[list.carriers[i].position()];
+        const Long place = placeOf[db.backups.positionOfId[list.carriers[i].linkId()]];
         if (place < 0 || list.carriers[i].level() != p)
             continue;
         if (carried[place].row != nbRows)

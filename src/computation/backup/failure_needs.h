@@ -3,9 +3,9 @@
  *
  * On most links that is the backup's own bandwidth: their tables hold nothing for these failures,
  * or only what the other links into a failing node free, which cannot outweigh the failure of the
- * protected link alone. The others are found from the failing links (database/backup_index.h), and
- * their rows added up, level by level and inside a level in the order of the links, before a search
- * begins.
+ * protected link alone. The others are found from the failing links (database/failure_carriers.h),
+ * and their rows added up, level by level and inside a level in the order of the links, before a
+ * search begins.
  */
 #ifndef TARNEX_COMPUTATION_BACKUP_FAILURE_NEEDS_H
 #define TARNEX_COMPUTATION_BACKUP_FAILURE_NEEDS_H
@@ -62,6 +62,7 @@ private:
 
     void clear();
     void addRow(Long first, Long end, Long failing);
+    const CarrierList &carriersOf(Long link, FailureTable table) const;
     unsigned levelsIn(Long first, Long end) const;
     void addCarriers(Long link, int p, bool isOwn);
     template <class Add>
