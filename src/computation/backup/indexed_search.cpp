@@ -48,9 +48,8 @@ bool isSimple(std::span<const Long> path)
 IndexedBackupSearch::IndexedBackupSearch(DataBase &database,
                                          const DBLabelSwitchedPath &protectedLSP,
                                          const LSPRequestList &requests, BackupType backupType)
-    : db(database), primary(protectedLSP), path(inUse(protectedLSP.path)), reqList(requests),
-      type(backupType), demand(demandOf(protectedLSP)),
-      pricing(database, protectedLSP, demand, backupType)
+    : db(database), path(inUse(protectedLSP.path)), reqList(requests), type(backupType),
+      demand(demandOf(protectedLSP)), pricing(database, protectedLSP, demand, backupType)
 {
 }
 

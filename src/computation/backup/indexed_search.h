@@ -67,7 +67,6 @@ private:
     Entry pop();
 
     DataBase &db;
-    const DBLabelSwitchedPath &primary;
     std::span<const Long> path; ///< the primary's nodes, ingress first
     const LSPRequestList &reqList;
     BackupType type;
