@@ -53,6 +53,15 @@ public:
     double cost() const { return pathScore; }
     /** By node on the path that was found: the one before it. */
     const Long *predecessors() const { return before; }
+    /** After a doubtful outcome, by node: what remains to the destination, or as much as from the
+     * source. */
+    const double *bounds()
+    {
+        const double farthest = remaining[src];
+        std::transform(remaining, remaining + index.nbNodes, remaining,
+                       [farthest](double one) { return std::min(one, farthest); });
+        return remaining;
+    }
 
 private:
     static constexpr double infinity = std::numeric_limits<double>::infinity();

@@ -107,9 +107,9 @@ private:
     }
 
     template <class Search>
-    IndexedResult runPasses(Search &search, double &cost)
+    IndexedResult runPasses(Search &search, double &cost, const double *bounds = nullptr)
     {
-        search.run(dst);
+        search.run(dst, bounds);
         if (!search.isReached(dst))
             return IndexedResult::unreachable;
         cost = search.costOf(dst);
@@ -163,7 +163,7 @@ private:
         case ClearSearch::Outcome::doubtful:
             break;
         }
-        return runPasses(passes, cost);
+        return runPasses(passes, cost, clear.bounds());
     }
 
     IndexedResult runListed(double &cost)
