@@ -4,6 +4,7 @@
 #include "common/records.h"
 #include "common/setup.h"
 #include "common/vector.h"
+#include "computation/primary/clear_search.h"
 #include "computation/primary/level_search.h"
 #include "computation/primary/link_appraisal.h"
 #include "computation/primary/pass_search.h"
@@ -106,9 +107,9 @@ private:
     }
 
     template <class Search>
-    IndexedResult runPasses(Search &search, double &cost)
+    IndexedResult runPasses(Search &search, double &cost, const double *bounds = nullptr)
     {
-        search.run(dst);
+        search.run(dst, bounds);
         if (!search.isReached(dst))
             return IndexedResult::unreachable;
         cost = search.costOf(dst);
@@ -141,15 +142,28 @@ private:
     IndexedResult runGraded(double &cost)
     {
         GradedTerms terms;
-        PassSearch search{index, terms, src};
+        ClearSearch clear{index, terms, src};
+        PassSearch passes{index, terms, src};
         const auto place = [&](Layout &layout) {
             layout.place(terms.grades, index.nbLinks);
-            search.place(layout);
+            clear.place(layout);
+            passes.place(layout);
         };
         if (!layOut(place))
             return IndexedResult::noMemory;
         appraisal.judge(terms.grades);
-        return appraisal.fill(terms) ? runPasses(search, cost) : IndexedResult::notTried;
+        if (!appraisal.fill(terms))
+            return IndexedResult::notTried;
+        switch (clear.run(dst)) {
+        case ClearSearch::Outcome::found:
+            cost = clear.cost();
+            return finish(clear.predecessors());
+        case ClearSearch::Outcome::unreachable:
+            return IndexedResult::unreachable;
+        case ClearSearch::Outcome::doubtful:
+            break;
+        }
+        return runPasses(passes, cost, clear.bounds());
     }
 
     IndexedResult runListed(double &cost)

@@ -41,9 +41,11 @@ public:
         layout.place(toExpand, index.nbNodes / 64 + 1);
     }
 
-    /** Labels nodes until the label of `dst`, and those on its path, are final. */
-    void run(Long dst)
+    /** Labels nodes until the label of `dst`, and those on its path, are final; `bounds`, unless it
+     * is null, has by node what the links from there to `dst` add at least. */
+    void run(Long dst, const double *bounds = nullptr)
     {
+        remaining = bounds;
         std::fill_n(cost, index.nbNodes, notReached);
         std::fill_n(toLookAt, index.nbNodes / 64 + 1, 0);
         std::fill_n(toExpand, index.nbNodes / 64 + 1, 0);
@@ -53,10 +55,11 @@ public:
         do {
             top = nbReached;
             nbChanged = 0;
+            least = infinity;
             for (Long i = nextToLookAt(0, top); i < top; i = nextToLookAt(i + 1, top))
                 lookAt(order[i], i);
             commit();
-        } while (nbReached > top || (nbChanged > 0 && !isFinal(dst)));
+        } while ((nbReached > top || nbChanged > 0) && !isFinal(dst));
     }
 
     bool isReached(Long node) const { return cost[node] >= 0.0; }
@@ -110,12 +113,19 @@ private:
 
     static bool improves(double score, double on) { return score - on < -improvementMargin; }
 
-    /** After a pass that reached no node: whether what is on offer can neither improve the label of
-     * `node` nor one on its path, which is lower by a link at least. */
+    /** Whether nothing that is on offer, and no node that is yet to be reached, can lead to a lower
+     * label of `node` or of one on its path: it would have to lower that of `node` by the margin,
+     * but for rounding. */
     bool isFinal(Long node) const
     {
-        return cost[node] < least + terms.leastIncrement() &&
-               !isMarked(toLookAt, offers[node].position);
+        const double rounding = 1e-15 * index.nbNodes * cost[node];
+        return cost[node] + rounding < least + 0.5 * improvementMargin;
+    }
+
+    /** Takes note of a score that a node has or is offered. */
+    void note(double score, Long node)
+    {
+        least = std::min(least, remaining ? score + remaining[node] : score);
     }
 
     double scoreOver(Long link) const { return terms.extended(cost[index.source[link]], link); }
@@ -161,28 +171,35 @@ private:
             const double score = terms.extended(own, out->link);
             const double present = cost[out->node];
             allReached &= present >= 0.0;
-            if (!improves(score, present))
-                continue;
-            Offer &offer = offers[out->node];
-            offer.last = std::max(offer.last, out->link);
-            offer.least = std::min(offer.least, score);
-            least = std::min(least, score);
-            mark(toLookAt, offer.position);
+            if (improves(score, present))
+                offer(*out, score);
         }
         return allReached;
     }
 
+    void offer(const OutLink &out, double score)
+    {
+        Offer &offered = offers[out.node];
+        offered.last = std::max(offered.last, out.link);
+        offered.least = std::min(offered.least, score);
+        note(score, out.node);
+        mark(toLookAt, offered.position);
+    }
+
+    /** Reaches what links of a node lead to, and offers its label to what was reached behind it. */
     void expand(Long node, Long i)
     {
         unmark(toExpand, i);
         const double own = cost[node];
         const OutLink *end = index.outLinks + index.firstOut[node + 1];
         for (const OutLink *out = index.outLinks + index.firstOut[node]; out < end; ++out) {
-            if (isReached(out->node))
-                continue;
             const double score = terms.extended(own, out->link);
-            if (score >= 0.0)
+            if (isReached(out->node)) {
+                if (improves(score, cost[out->node]) && offers[out->node].position > i)
+                    offer(*out, score);
+            } else if (score >= 0.0) {
                 reach(out->node, node, score);
+            }
         }
     }
 
@@ -192,7 +209,8 @@ private:
         cost[node] = score;
         before[node] = from;
         order[i] = node;
-        offers[node] = {infinity, unknown, i};
+        offers[node] = {infinity, none, i};
+        note(score, node);
         mark(toLookAt, i);
         if (!offerOn(node))
             mark(toExpand, i);
@@ -201,14 +219,14 @@ private:
     /** Makes the pass's choices the labels of the next pass. */
     void commit()
     {
-        least = infinity;
         for (Long i = 0; i < nbChanged; ++i) {
             const Change &change = changes[i];
             Offer &offer = offers[change.node];
             cost[change.node] = change.score;
             before[change.node] = index.source[change.link];
             const bool mayImprove = improves(change.least, change.score);
-            least = std::min(least, mayImprove ? change.least : infinity);
+            if (mayImprove)
+                note(change.least, change.node);
             if (mayImprove || isMarked(toLookAt, offer.position)) {
                 offer.last = unknown;
                 mark(toLookAt, offer.position);
@@ -221,6 +239,7 @@ private:
     const NetworkIndex &index;
     const Terms &terms;
     Long src;
+    const double *remaining = nullptr; ///< by node: added on the way to the destination at least
     double *cost = nullptr;            ///< by node, committed
     Long *before = nullptr;            ///< by node: its predecessor on the committed path
     Long *order = nullptr;             ///< nodes in the order in which they are reached
@@ -230,7 +249,8 @@ private:
     std::uint64_t *toExpand = nullptr; ///< likewise: links lead to nodes that are not reached yet
     Long nbReached = 0;
     Long nbChanged = 0;
-    double least = 0.0; ///< of the scores that the next pass may choose from, if all are reached
+    double least = 0.0; ///< of what is known to come to the destination by way of the scores that
+                        ///< this pass and the next choose from
 };
 
 #endif
