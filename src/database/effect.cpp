@@ -4,7 +4,6 @@
 #include "error/report.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace
@@ -40,9 +39,6 @@ double partnerAmount(const LSPView &lsp, const DBLabelSwitchedPath &partner, int
         return lsp.bw[oa];
     return std::max(0.0, lsp.bw[oa] - partner.bw[oa]);
 }
-
-/** No table can have more slots: a larger block does not fit its size word. */
-constexpr Long maxSlots = std::numeric_limits<Long>::max() / Long{sizeof(double)} - 2;
 
 /** Builds one effect; a helper that meets a flaw notes it and returns false. */
 class EffectBuilder

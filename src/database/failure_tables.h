@@ -9,6 +9,11 @@
 
 #include "database/link_state.h"
 
+#include <limits>
+
+/** No table can have more slots: a larger block does not fit its size word. */
+inline constexpr Long maxSlots = std::numeric_limits<Long>::max() / Long{sizeof(double)} - 2;
+
 /** The two failure tables of a link state. */
 enum class FailureTable : unsigned char { backup, freed };
 

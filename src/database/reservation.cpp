@@ -321,7 +321,7 @@ LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa)
 {
     LinkNeeds needs{};
     LinkSummary *summary = trusted(&link);
-    if (!summary) {
+    if (!summary || link.id >= maxSlots) { // no table could have the slot of such a link
         std::ranges::fill(needs.ofOthers, std::numeric_limits<double>::quiet_NaN());
         return needs;
     }

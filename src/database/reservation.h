@@ -38,7 +38,8 @@ struct LinkNeeds {
     double magnitude;       ///< sum of the sizes of what any of `ofOwn` was added up from
 };
 
-/** The needs on a stored link; no numbers when its summary cannot be trusted. */
+/** The needs on a stored link; no numbers when its summary cannot be trusted or nothing can be set
+ * up on it. */
 LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa);
 
 /** Writes what the tables of a stored link make it reserve; its `rbw` may have been handed in. */

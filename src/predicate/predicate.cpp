@@ -121,7 +121,7 @@ bool isValidWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
                        const DBLabelSwitchedPath &lsp, double *gain)
 {
     double rbw[MAXOA][MAXPL];
-    ClassTypes roomy;
+    ClassTypes roomy{};
     if (reservationWithEffect(db, link, effect, rbw, &roomy) != 0)
         return refuseUnknown();
     return passesTests(rbw, roomy, link.state, lsp.precedence, lsp.forbidLinks, gain);

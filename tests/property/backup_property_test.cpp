@@ -281,6 +281,26 @@ TEST_F(Backups, EqualThoseOfThePlainSearch)
     EXPECT_GT(stored, 100);
 }
 
+TEST_F(Backups, KeepTheFirstWayToANodeAmongLinksWithoutCost)
+{
+    ASSERT_EQ(addNetwork(db, networkOf("0:0-1 1:0-2 2:0-3 3:3-2 4:2-1")), 0);
+    const State reserved{DBlinkStateNew()};
+    reserved->cap[0] = 100.0;
+    reserved->rbw[0][0] = 1.0; // which a backup adds nothing to
+    for (const auto &[src, dst] : {Hop{0, 3}, Hop{3, 2}})
+        ASSERT_EQ(DBsetLinkState(db, src, dst, reserved.get()), 0);
+    const PlannedLsp primary{.id = 5, .bw = {5e-324}, .path = {0, 1}};
+    ASSERT_EQ(DBaddLSP(db, recordOf(primary).get(), &preempted), 0);
+    Requests requests;
+    LongList &path = requests.list.cont[0].path;
+    for (const Trail &trail : {Trail{}, Trail(2, "Cannot determine the link to protect")}) {
+        EXPECT_EQ(computeBackup(db, &requests.list, 5, GLOBAL_BACKUP), 0);
+        EXPECT_EQ(idsIn(path), (NodePath{0, 2, 1}));
+        expectTrail(trail);
+        path.cont[0] = 3; // what does not start on the primary is taken out with a message per hop
+    }
+}
+
 TEST_F(Backups, RefuseWhatCannotBeProtected)
 {
     ASSERT_EQ(addNetwork(db, networkOf("0:1-2 2:2-3 3:1-3")), 0);

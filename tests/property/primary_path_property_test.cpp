@@ -160,6 +160,17 @@ TEST_F(PrimaryPathProperty, DriverWritesThePathOrSaysWhy)
     }
 }
 
+TEST_F(PrimaryPathProperty, PathsAvoidALinkWhoseIdNoTableHasRoomFor)
+{
+    weights.load[0] = 1;
+    tarnexConfig.predicateConfig.capacityClause = true;
+    build(networkOf("268435455:0-1 1:1-0 2:0-2 3:2-1"));
+    ask(0.25, {0, -1, 1});
+    EXPECT_EQ(computePrimaryPath(db, request.get()), 0);
+    EXPECT_EQ(idsIn(request->path), (NodePath{0, 2, 1}));
+    errorManager.top = 0; // the predicate says why, and a debug build asks it again
+}
+
 TEST_F(PrimaryPathProperty, AnIndexThatFoundNoMemoryIsMadeAnew)
 {
     build(networkOf("1:0-1 2:1-0 3:2-0 4:0-2 5:3-0 6:0-3 7:4-0 8:0-4"));

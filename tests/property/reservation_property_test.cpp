@@ -168,15 +168,16 @@ TEST_F(AdmissionProperty, PreemptionTakesWholeLevelsThenTheBestFit)
 TEST_F(AdmissionProperty, RefusesALinkThatAClassTypeOverfillsWhichTheLspDoesNotUse)
 {
     tarnexConfig.predicateConfig = {false, true, false};
-    build(networkOf("1:0-1/10"));
+    build(networkOf("1:0-1/10 2:0-2/10 3:2-0/10"));
     ASSERT_EQ(add({20, primaryLSP, 0, {0, 8}, {0, 1}}), 0);
     ASSERT_EQ(add(lsp(21, 0, 1, {0, 1})), 0);
     const State narrower{DBlinkStateNew()};
     ASSERT_EQ(DBlinkStateCopy(narrower.get(), &linkAt(db->linkTab, 0, 1)->state), 0);
     narrower->cap[1] = 7;
     ASSERT_EQ(DBsetLinkState(db, 0, 1, narrower.get()), 0);
-    for (const Long id : {22, 23}) {
-        EXPECT_EQ(add(lsp(id, 0, 1, {0, 1})), -1);
+    // The last leaves node 0 for node 2 first, so the link gets nothing; it is overfull even so.
+    for (const NodePath &path : {NodePath{0, 1}, {0, 1}, {0, 2, 0, 1}}) {
+        EXPECT_EQ(add(lsp(22, 0, 1, path)), -1);
         expectTrail({"LSP refused by the predicate"});
     }
 }

@@ -97,6 +97,7 @@ private:
             std::fputs("No end to end link disjoint protection path found\n", stderr);
             return -1;
         }
+        search.takeOut(reqList.cont[0]);
         return write(reqList.cont[0]);
     }
 

@@ -78,13 +78,15 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
 }
 
 /**
- * Whether the tables can tell everything: bandwidth in one class type, a path of links that passes
- * no node twice, and no reservation of the requests to take out first.
+ * Whether the tables can tell everything: bandwidth in one class type that every link has a cost
+ * for, a path of links that passes no node twice, and no reservation of the requests to take out
+ * first.
  */
 bool IndexedBackupSearch::isUsual() const
 {
     const bool isKnownType = type == LOCAL_BACKUP || type == GLOBAL_BACKUP;
-    if (!isKnownType || !(demand.bw > 0.0) || demand.level < 0 || demand.level >= MAXPL ||
+    const bool costsSomething = demand.bw > 0.0 && pricing.leastCost() > 0.0;
+    if (!isKnownType || !costsSomething || demand.level < 0 || demand.level >= MAXPL ||
         path.size() < 2 || !isSimple(path))
         return false;
     for (std::size_t i = 1; i < path.size(); ++i) {
@@ -195,7 +197,6 @@ bool IndexedBackupSearch::mayMatter(const Label &label, double val) const
     return improves && !label.isMarked && !isBeyond;
 }
 
-/** The value -1 means unreached; a value of 0 replaces only that. */
 void IndexedBackupSearch::relaxLinksOf(Long node)
 {
     const double val = labels[node].val;
