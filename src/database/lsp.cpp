@@ -128,8 +128,10 @@ int DBlspCompare(const DBLabelSwitchedPath *LSPa, const DBLabelSwitchedPath *LSP
     if (LSPa->precedence != LSPb->precedence)
         return LSPa->precedence > LSPb->precedence ? 1 : -1;
     for (int oa = 0; oa < MAXOA; ++oa) {
-        if (LSPa->bw[oa] != LSPb->bw[oa])
-            return LSPa->bw[oa] > LSPb->bw[oa] ? 1 : -1;
+        if (LSPa->bw[oa] > LSPb->bw[oa])
+            return 1;
+        if (LSPa->bw[oa] < LSPb->bw[oa])
+            return -1;
     }
     return longCompare(&LSPb->id, &LSPa->id);
 }
