@@ -207,6 +207,8 @@ int DBremoveLink(DataBase *dataBase, Long src, Long dst)
     result |= longVecSet(&dataBase->linkDstVec, id, 0);
     lowerTop(dataBase->linkSrcVec);
     dataBase->nbLinks -= 1;
+    if (dataBase->nbLinks == 0)
+        endCarriers(dataBase->carriers);
     return result == 0 ? 0 : here.fail("Link removal uncomplete in %s at line %d");
 }
 

@@ -9,7 +9,7 @@
  * Writers: listCarriers, for the first search of backups in a class type; noteCarrier, after that,
  * when an LSP comes or goes; listCarriersOf and unlistCarriersOf, when a link comes or goes or gets
  * another state. Without memory to follow a change all lists are dropped, and made anew by the next
- * search.
+ * search; they go with the last link, too.
  */
 #ifndef TARNEX_DATABASE_FAILURE_CARRIERS_H
 #define TARNEX_DATABASE_FAILURE_CARRIERS_H
