@@ -5,7 +5,6 @@
 #include "database/database.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace
 {
@@ -73,26 +72,26 @@ CarrierList *listFor(FailureCarriers &carriers, const TableSlot &slot)
     CarrierList *&lists = carriers.lists[slot.oa];
     Long &nbIds = carriers.nbIds[slot.oa];
     if (slot.slot >= nbIds) {
-        constexpr std::int64_t most = std::numeric_limits<Long>::max() / 2;
-        const std::int64_t wanted = std::min(most, 2 * std::int64_t{slot.slot} + 2);
+        const Long wanted = std::min(2 * slot.slot + 2, maxListedIds);
         void *more = mygrow(lists, 2 * static_cast<std::size_t>(wanted) * sizeof(CarrierList));
         if (!more)
             return nullptr;
         lists = static_cast<CarrierList *>(more);
-        nbIds = static_cast<Long>(wanted);
+        nbIds = wanted;
     }
     return &lists[2 * slot.slot + static_cast<Long>(slot.table)];
 }
 
-/** Calls `visit(slot, value)` for the slots of a link that are not 0, until it returns false. */
+/** Calls `visit(slot, value)` for the listed slots of a link, until it returns false. */
 template <class Visit>
 bool forEachSlot(const DBLink &link, int oa, Visit visit)
 {
     for (int p = 0; p < MAXPL; ++p) {
         for (const FailureTable kind : {FailureTable::backup, FailureTable::freed}) {
             const DoubleVec &table = tableOf(link.state, kind, oa, p);
-            for (Long k = nextUsedSlot(table, 0, table.size); k < table.size;
-                 k = nextUsedSlot(table, k + 1, table.size)) {
+            const Long end = std::min(table.size, maxListedIds);
+            for (Long k = nextUsedSlot(table, 0, end); k < end;
+                 k = nextUsedSlot(table, k + 1, end)) {
                 if (!visit(TableSlot{oa, p, kind, k}, table.cont[k]))
                     return false;
             }
@@ -117,7 +116,7 @@ bool listCarriers(DataBase &db, int oa)
     FailureCarriers &carriers = db.carriers;
     if (carriers.lists[oa])
         return true;
-    carriers.nbIds[oa] = std::max(db.linkSrcVec.top, Long{1});
+    carriers.nbIds[oa] = std::clamp(db.linkSrcVec.top, Long{1}, maxListedIds);
     carriers.lists[oa] = static_cast<CarrierList *>(
         mycalloc(2 * static_cast<std::size_t>(carriers.nbIds[oa]), sizeof(CarrierList)));
     const std::span links{db.index.links, static_cast<std::size_t>(db.index.nbLinks)};
@@ -131,7 +130,7 @@ bool listCarriers(DataBase &db, int oa)
 
 void noteCarrier(DataBase &db, const DBLink &link, const TableSlot &slot, double value)
 {
-    if (!db.carriers.lists[slot.oa])
+    if (!db.carriers.lists[slot.oa] || slot.slot >= maxListedIds)
         return;
     CarrierList *list = listFor(db.carriers, slot);
     if (!list || !set(*list, {link.id, slot.level}, value))

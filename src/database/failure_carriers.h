@@ -3,8 +3,9 @@
  * are not 0 on any link. A link's tables are indexed by failing link, and a search of backups asks
  * for few failures on all links.
  *
- * Invariant: once a class type is listed, its lists have exactly the slots of the stored links that
- * are not 0, with their values; but for links whose state somebody outside may write.
+ * Invariant: once a class type is listed, its lists have exactly the slots below maxListedIds of
+ * the stored links that are not 0, with their values; but for links whose state somebody outside
+ * may write.
  *
  * Writers: listCarriers, for the first search of backups in a class type; noteCarrier, after that,
  * when an LSP comes or goes; listCarriersOf and unlistCarriersOf, when a link comes or goes or gets
@@ -39,6 +40,9 @@ private:
     std::uint32_t bits;
 };
 static_assert(MAXPL <= 8);
+
+/** Failing links with this id or a larger one are not listed. */
+inline constexpr Long maxListedIds = 1 << 22;
 
 /** The slots of one failing link in one kind of table that are not 0, in no order. */
 struct CarrierList {

@@ -78,16 +78,16 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
 }
 
 /**
- * Whether the tables can tell everything: bandwidth in one class type that every link has a cost
- * for, a path of links that passes no node twice, and no reservation of the requests to take out
- * first.
+ * Whether the tables can tell everything: link ids that can be listed, bandwidth in one class type
+ * that every link has a cost for, a path of links that passes no node twice, and no reservation of
+ * the requests to take out first.
  */
 bool IndexedBackupSearch::isUsual() const
 {
     const bool isKnownType = type == LOCAL_BACKUP || type == GLOBAL_BACKUP;
     const bool costsSomething = demand.bw > 0.0 && pricing.leastCost() > 0.0;
     if (!isKnownType || !costsSomething || demand.level < 0 || demand.level >= MAXPL ||
-        path.size() < 2 || !isSimple(path))
+        path.size() < 2 || !isSimple(path) || db.linkSrcVec.top > maxListedIds)
         return false;
     for (std::size_t i = 1; i < path.size(); ++i) {
         if (!linkAt(db.linkTab, path[i - 1], path[i]))
