@@ -192,6 +192,9 @@ protected:
             ASSERT_EQ(DBsetLinkState(db, link.src, link.dst, copy.get()), 0);
             break;
         case 2:
+            if (id % 2 == 0) { // comes back with what another link holds
+                ASSERT_EQ(DBlinkStateCopy(copy.get(), &storedState(db, {other.src, other.dst})), 0);
+            }
             std::ranges::fill(copy->cap, link.capacity);
             ASSERT_EQ(DBremoveLink(db, link.src, link.dst), 0);
             ASSERT_EQ(DBaddLink(db, link.id, link.src, link.dst, copy.get()), 0);
