@@ -7,12 +7,9 @@
 #include "database/reservation.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace
 {
-
-double sumOf(const double (&levels)[MAXPL]) { return std::accumulate(levels, levels + MAXPL, 0.0); }
 
 bool areZero(const double (&levels)[MAXPL])
 {

@@ -17,6 +17,9 @@
 
 #include "common/common.h"
 
+#include <cstddef>
+#include <numeric>
+
 /** Capacity and reservations of one link. */
 struct DBLinkState_ {
     Long color;                        ///< tested against a request's forbidden colours
@@ -29,6 +32,13 @@ struct DBLinkState_ {
     DoubleVec remoteFbw[MAXOA][MAXPL]; ///< same shape as fbw; no operation reads it
 };
 using DBLinkState = DBLinkState_;
+
+/** Bandwidths of all levels, or of all class types, added up in their order. */
+template <std::size_t count>
+double sumOf(const double (&bandwidths)[count])
+{
+    return std::accumulate(bandwidths, bandwidths + count, 0.0);
+}
 
 /** New state: all zero, every vector of capacity 1; null on failure. */
 [[nodiscard]] DBLinkState *DBlinkStateNew();

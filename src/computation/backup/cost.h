@@ -12,17 +12,9 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <numeric>
 
 /** The cost of a link that has no room. */
 inline constexpr double infeasible = -1.0;
-
-/** Bandwidths of all levels, or of all class types, added up in their order. */
-template <std::size_t count>
-double sumOf(const double (&bandwidths)[count])
-{
-    return std::accumulate(bandwidths, bandwidths + count, 0.0);
-}
 
 /** What the LSP reserves in all class types together. */
 inline double totalBandwidth(const DBLabelSwitchedPath &lsp) { return sumOf(lsp.bw); }
