@@ -7,10 +7,10 @@
  * The load is steady: what a benchmark adds beyond the LSPs in place it removes again, and where it
  * keeps the newest it removes the oldest that has no backup.
  */
+#include "admission/admission.h"
 #include "common/setup.h"
-#include "computation/backup/backup.h"
-#include "computation/primary/primaryPath.h"
-#include "database/admission.h"
+#include "computation/backup/driver.h"
+#include "computation/primary/driver.h"
 #include "error/error.h"
 #include "measure.h"
 #include "support/random_network.h"

@@ -6,7 +6,7 @@
  * linked into this program, so both sides find the same session.
  */
 #include "common/setup.h"
-#include "computation/primary/primaryPath.h"
+#include "computation/primary/driver.h"
 #include "jvm/jvm.h"
 #include "measure.h"
 #include "support/random_network.h"

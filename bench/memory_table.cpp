@@ -2,8 +2,8 @@
  * Prints what networks cost in memory: counted and resident bytes without LSPs and with two LSPs
  * per node on eight preemption levels, ids dense and sparse, each network in a process of its own.
  */
+#include "admission/admission.h"
 #include "common/setup.h"
-#include "database/admission.h"
 #include "error/error.h"
 #include "measure.h"
 #include "support/random_network.h"

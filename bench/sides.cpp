@@ -1,8 +1,8 @@
 #include "sides.h"
 
+#include "admission/admission.h"
 #include "common/setup.h"
-#include "computation/primary/primaryPath.h"
-#include "database/admission.h"
+#include "computation/primary/driver.h"
 #include "error/error.h"
 #include "measure.h"
 

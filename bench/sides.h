@@ -4,7 +4,7 @@
 #ifndef TARNEX_BENCH_SIDES_H
 #define TARNEX_BENCH_SIDES_H
 
-#include "computation/backup/backup.h"
+#include "computation/backup/driver.h"
 #include "peer.h"
 
 #include <deque>

@@ -3,7 +3,7 @@
  * add up leaves as an exception, which the fuzzer takes for a crash. At its end the process tells
  * what it has met.
  */
-#include "churn.h"
+#include "support/churn.h"
 
 #include <cstdio>
 #include <stdexcept>

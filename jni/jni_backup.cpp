@@ -2,10 +2,10 @@
  * The native method for backup paths of org.kestro.repository.TARNEX.JNITARNEX (unit
  * "jni_interface").
  */
+#include "admission/admission.h"
 #include "common/records.h"
 #include "common/setup.h"
-#include "computation/backup/backup.h"
-#include "database/admission.h"
+#include "computation/backup/driver.h"
 #include "error/report.h"
 #include "jni_support.h"
 #include "session_call.h"

@@ -3,11 +3,11 @@
  * between Java and the engine and do nothing else. Signatures are checked against the header that
  * the Java compiler generates.
  */
+#include "admission/admission.h"
 #include "common/records.h"
 #include "common/setup.h"
-#include "computation/primary/primaryPath.h"
-#include "database/admission.h"
-#include "database/dump.h"
+#include "computation/primary/driver.h"
+#include "database/books/dump.h"
 #include "error/report.h"
 #include "jni_support.h"
 #include "session_call.h"

@@ -10,7 +10,7 @@
 #define TARNEX_JNI_SESSIONS_H
 
 #include "common/setup.h"
-#include "database/database.h"
+#include "database/books/network.h"
 #include "error/error.h"
 
 #include <jni.h>

@@ -2,7 +2,7 @@
 
 #include "common/records.h"
 #include "common/setup.h"
-#include "database/reservation.h"
+#include "database/reservations/question.h"
 #include "error/report.h"
 
 #include <algorithm>

@@ -11,7 +11,8 @@
 #define TARNEX_PREDICATE_PREDICATE_H
 
 #include "computation/computation.h"
-#include "database/admission_questions.h"
+#include "database/books/network.h"
+#include "database/reservations/effect.h"
 
 /**
  * Tells whether the link from `src` to `dst`, now in state `ls`, may carry `req`. A path that is
@@ -22,6 +23,20 @@
  */
 bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
                         const LSPRequest *req, double *gain);
+
+/**
+ * Tells whether the link from `src` to `dst` in state `ls` can carry `lsp`, possibly by preempting.
+ *
+ * @param gain MAXOA bandwidths that preemption must free, per class type; written by the capacity
+ *             test as far as it gets, so zeroed in advance by the caller
+ * @return true when admitted; false when refused or, after a message, when the question failed
+ */
+bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
+                    const DBLabelSwitchedPath *lsp, double *gain);
+
+/** As isValidLSPLink for a stored link, with the LSP's effect on it already worked out. */
+bool isValidWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
+                       const DBLabelSwitchedPath &lsp, double *gain);
 
 /**
  * Capacity test on an evaluated state, in which the request is already reserved: what the request

@@ -6,7 +6,7 @@
 #ifndef TARNEX_TESTS_JVM_JVM_TEST_H
 #define TARNEX_TESTS_JVM_JVM_TEST_H
 
-#include "database/dump.h"
+#include "database/books/dump.h"
 #include "jvm/jvm.h"
 #include "sessions.h"
 #include "support/memory_faults.h"

@@ -1,5 +1,5 @@
-#include "computation/backup/backup.h"
-#include "database/reservation.h"
+#include "computation/backup/driver.h"
+#include "database/reservations/question.h"
 #include "property/session.h"
 
 #include <map>

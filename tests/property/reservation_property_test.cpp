@@ -1,6 +1,6 @@
-#include "churn.h"
 #include "property/session.h"
 #include "rerouting/rerouting.h"
+#include "support/churn.h"
 #include "support/memory_probe.h"
 
 #include <cstdlib>

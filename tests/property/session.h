@@ -5,8 +5,8 @@
 #ifndef TARNEX_TESTS_PROPERTY_SESSION_H
 #define TARNEX_TESTS_PROPERTY_SESSION_H
 
+#include "admission/admission.h"
 #include "common/setup.h"
-#include "database/admission.h"
 #include "error/error.h"
 #include "support/plain_evaluation.h"
 

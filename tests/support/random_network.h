@@ -7,7 +7,7 @@
 
 #include "common/records.h"
 #include "computation/computation.h"
-#include "database/database.h"
+#include "database/books/network.h"
 
 #include <array>
 #include <cstdint>

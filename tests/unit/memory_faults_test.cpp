@@ -1,9 +1,9 @@
+#include "admission/admission.h"
 #include "common/setup.h"
-#include "computation/backup/backup.h"
-#include "computation/primary/primaryPath.h"
-#include "consistency.h"
-#include "database/admission.h"
-#include "database/reservation.h"
+#include "computation/backup/driver.h"
+#include "computation/primary/driver.h"
+#include "database/reservations/question.h"
+#include "support/consistency.h"
 #include "support/memory_faults.h"
 
 #include <functional>

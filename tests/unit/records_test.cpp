@@ -1,4 +1,4 @@
-#include "computation/primary/topology.h"
+#include "computation/primary/plain/topology.h"
 #include "support/memory_faults.h"
 
 namespace

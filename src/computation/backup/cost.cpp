@@ -1,7 +1,7 @@
 #include "computation/backup/cost.h"
 
-#include "computation/backup/backup.h"
-#include "database/reservation.h"
+#include "computation/backup/driver.h"
+#include "database/reservations/question.h"
 #include "error/report.h"
 
 namespace

@@ -7,7 +7,7 @@
 #define TARNEX_COMPUTATION_BACKUP_COST_H
 
 #include "common/records.h"
-#include "database/database.h"
+#include "database/books/network.h"
 
 #include <algorithm>
 #include <array>

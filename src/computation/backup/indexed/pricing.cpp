@@ -1,0 +1,126 @@
+#include "computation/backup/indexed/pricing.h"
+
+#include "database/reservations/question.h"
+#include "error/report.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+constexpr Unit here{"computation/backup/backup"};
+
+/** Appends what `lsp` changes on a link to an effect with the same amounts. */
+void append(const DataBase &db, Long src, Long dst, const LSPView &lsp, Effect &effect)
+{
+    Effect added;
+    effectOf(db, src, dst, lsp, SETUP, added);
+    effect.concerned = effect.concerned || added.concerned;
+    effect.flaw = std::max(effect.flaw, added.flaw);
+    effect.level = added.level;
+    std::ranges::copy(added.own, effect.own);
+    for (const SlotChange &change : added.slots.all()) {
+        if (!effect.slots.append(change))
+            effect.flaw = EffectFlaw::noMemory;
+    }
+}
+
+} // namespace
+
+LinkPricing::LinkPricing(DataBase &database, const DBLabelSwitchedPath &protectedLSP,
+                         const BackupDemand &backupDemand, BackupType backupType)
+    : db(database), index(database.backups), primary(protectedLSP), demand(backupDemand),
+      type(backupType), bandwidth(totalBandwidth(protectedLSP)),
+      least(costOf(0.0, 0.0, 1, bandwidth)), ownBit(1U << demand.oa), needs(database, backupDemand)
+{
+}
+
+void LinkPricing::begin()
+{
+    needs.begin();
+    figures = index.figures[demand.oa];
+    isSimple = primary.primPath.top == 0 &&
+               std::ranges::count(index.figures, nullptr) == std::ssize(index.figures) - 1;
+}
+
+/** Cost when the backup's class type would reserve so much. */
+double LinkPricing::costInClasses(Long position, double reserved) const
+{
+    double after = 0.0;
+    double before = 0.0;
+    for (const BackupFigures *ofClass : index.figures) {
+        if (!ofClass)
+            continue;
+        after += ofClass == figures ? reserved : ofClass[position].derived;
+        before += ofClass[position].stored;
+    }
+    const Long dst = db.index.nodeIds[index.destination[position]];
+    return costOf(before, after, hopFactor(primary, dst), bandwidth);
+}
+
+void LinkPricing::placeOn(Long position)
+{
+    if (index.isAsked[position])
+        return;
+    noteStale(index, position);
+    BackupFigures &own = figures[position];
+    LevelFigures &levels = index.levels[demand.oa][position];
+    own.derived = reservedOn(position);
+    for (int p = 0; p < MAXPL; ++p)
+        levels.largest[p] = std::max(levels.largest[p], needs.on(position)[p]);
+    flatten(levels, own);
+    for (BackupFigures *ofClass : index.figures) {
+        if (ofClass)
+            ofClass[position].stored = ofClass[position].derived;
+    }
+}
+
+/** What the backup's class type would reserve on a link, added up level by level. */
+double LinkPricing::reservedByLevel(Long position) const
+{
+    const LevelFigures &levels = index.levels[demand.oa][position];
+    const double *atFailure = needs.on(position);
+    double reserved = 0.0;
+    double below = 0.0;
+    for (int p = 0; p < MAXPL; ++p) {
+        const double largest = std::max(levels.largest[p], atFailure[p]);
+        reserved += levels.pbw[p] + largest - below;
+        below = largest;
+    }
+    return reserved;
+}
+
+/** The price from the stored tables, with the effects of the placed backups and this one on it. */
+double LinkPricing::priceExactly(Long position, Long start,
+                                 std::span<const LSPRequest> placed) const
+{
+    DBLink &link = *index.links[position];
+    const Long src = DBgetLinkSrc(&db, link.id);
+    const Long dst = DBgetLinkDst(&db, link.id);
+    LSPView lsp{.path = {},
+                .primPath = inUse(primary.path),
+                .bw = primary.bw,
+                .precedence = demand.level,
+                .type = type,
+                .noContentionId = -1};
+    Effect effect;
+    for (std::size_t i = placed.size(); i-- > 0;) {
+        lsp.path = inUse(placed[i].path);
+        if (hasHop(lsp.path, src, dst))
+            append(db, src, dst, lsp, effect);
+    }
+    double now[MAXOA][MAXPL];
+    double then[MAXOA][MAXPL];
+    effect.slots.sortBySlot();
+    int result = reservationWithEffect(db, link, effect, now, nullptr);
+    const ReducedPath reduced{start, src, dst};
+    lsp.path = reduced.path();
+    append(db, src, dst, lsp, effect);
+    effect.slots.sortBySlot();
+    result |= reservationWithEffect(db, link, effect, then, nullptr);
+    if (result == 0)
+        return costOf(primary, dst, link.state.cap, now, then);
+    here.push(WARNING, "Error while computing new link state in %s at line %d");
+    return infeasible;
+}

@@ -1,0 +1,79 @@
+/**
+ * What each link costs the backup that is sought, from the tables of
+ * database/indices/backup_index.h: to the bit what computeCost gives on working states that carry
+ * the backups placed before.
+ */
+#ifndef TARNEX_COMPUTATION_BACKUP_INDEXED_PRICING_H
+#define TARNEX_COMPUTATION_BACKUP_INDEXED_PRICING_H
+
+#include "computation/backup/cost.h"
+#include "computation/backup/driver.h"
+#include "computation/backup/indexed/failure_needs.h"
+
+#include <cassert>
+#include <span>
+
+class LinkPricing
+{
+public:
+    /** Prices backups of `protectedLSP`; all must outlive this. */
+    LinkPricing(DataBase &database, const DBLabelSwitchedPath &protectedLSP,
+                const BackupDemand &backupDemand, BackupType backupType);
+
+    /** What the failures in question need on each link. */
+    FailureNeeds &failureNeeds() { return needs; }
+
+    /** Begins with tables that are up to date. */
+    void begin();
+
+    /** What no link costs less than. */
+    double leastCost() const { return least; }
+
+    /** The cost of the link at a position for a backup from node `start`; `infeasible` without
+     * room. `placed`: requests whose paths carry reservations already, the one placed last first.
+     */
+    double price(Long position, Long start, std::span<const LSPRequest> placed) const
+    {
+        if (index.isAsked[position])
+            return priceExactly(position, start, placed);
+        const BackupFigures &own = figures[position];
+        const double reserved = reservedOn(position);
+        const bool lacksRoom = reserved > own.capacity || (index.overfull[position] & ~ownBit) != 0;
+        const double cost = lacksRoom  ? infeasible
+                            : isSimple ? costOf(own.stored, reserved, 1, bandwidth)
+                                       : costInClasses(position, reserved);
+        assert(cost == priceExactly(position, start, placed));
+        return cost;
+    }
+
+    /** Has the link at a position carry the backup that was priced there. */
+    void placeOn(Long position);
+
+private:
+    double priceExactly(Long position, Long start, std::span<const LSPRequest> placed) const;
+    double costInClasses(Long position, double reserved) const;
+    double reservedByLevel(Long position) const;
+
+    /** What the backup's class type would reserve on a link, over all levels. */
+    double reservedOn(Long position) const
+    {
+        const BackupFigures &own = figures[position];
+        if (demand.level <= own.flatFrom || needs.isCarriedOn(position))
+            return reservedByLevel(position);
+        return own.largest < demand.bw ? own.derived + (demand.bw - own.largest) : own.derived;
+    }
+
+    DataBase &db;
+    BackupIndex &index;
+    const DBLabelSwitchedPath &primary;
+    const BackupDemand &demand;
+    BackupType type;
+    double bandwidth; ///< in all class types
+    double least;
+    unsigned ownBit;                  ///< of the backup's class type
+    BackupFigures *figures = nullptr; ///< of the backup's class type
+    bool isSimple = false; ///< no other class type reserves, and the hop factor is always 1
+    FailureNeeds needs;
+};
+
+#endif

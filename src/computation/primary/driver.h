@@ -1,0 +1,23 @@
+/**
+ * Primary path computation (unit "computation/primary/primaryPath"): working topology, search and
+ * write-back. The database is read, never changed; whether the LSP is set up is the caller's
+ * affair.
+ */
+#ifndef TARNEX_COMPUTATION_PRIMARY_DRIVER_H
+#define TARNEX_COMPUTATION_PRIMARY_DRIVER_H
+
+#include "computation/primary/plain/topology.h"
+
+/**
+ * Computes the path of lowest score for `req`, whose path names the source first and the
+ * destination last, and writes it into `req->path` as node ids. The path's score is added to COST.
+ *
+ * @return 0, or -1 after a message, for instance when the destination cannot be reached; the
+ * content of `req->path` is then undefined
+ */
+[[nodiscard]] int computePrimaryPath(DataBase *dataBase, LSPRequest *req);
+
+/** Replaces `req->path` by the committed path of a searched topology; 0, or -1 after a message. */
+[[nodiscard]] int updateRequest(const BKTopology *topo, LSPRequest *req);
+
+#endif

@@ -1,0 +1,168 @@
+/**
+ * The search (search.h) where it has only one way to end, under increments of few grades (unit
+ * "computation/primary/primaryPath").
+ *
+ * Whatever order the passes look at links in, the score they end with is above the least that any
+ * path has by no more than the margin for each link and the rounding. Where only one path comes as
+ * near to the least score, it is the one that they end with, and its links give the score.
+ *
+ * What remains from each node to the destination is found in ascending order, against the links.
+ * Scores that grew by the same increment come up in that order, so they wait in one queue.
+ */
+#ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
+#define TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
+
+#include "common/layout.h"
+#include "computation/primary/indexed/link_terms.h"
+#include "computation/primary/plain/search.h"
+#include "database/indices/network_index.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+/** One search. */
+class ClearSearch
+{
+public:
+    enum class Outcome { found, unreachable, doubtful };
+
+    ClearSearch(const NetworkIndex &networkIndex, const GradedTerms &linkTerms, Long sourceNode)
+        : index(networkIndex), terms(linkTerms), src(sourceNode)
+    {
+    }
+
+    /** Places the tables that the search works on. */
+    void place(Layout &layout)
+    {
+        layout.place(remaining, index.nbNodes);
+        layout.place(before, index.nbNodes);
+        for (Queue &queue : queues)
+            layout.place(queue.front, index.nbNodes + 1);
+    }
+
+    /** Finds the path to `dst` unless several are about as good. */
+    Outcome run(Long dst)
+    {
+        if (!findRemaining(dst))
+            return Outcome::unreachable;
+        return follow(dst) ? Outcome::found : Outcome::doubtful;
+    }
+
+    /** Of the path that was found. */
+    double cost() const { return pathScore; }
+    /** By node on the path that was found: the one before it. */
+    const Long *predecessors() const { return before; }
+    /** After a doubtful outcome, by node: what remains to the destination, or as much as from the
+     * source. */
+    const double *bounds()
+    {
+        const double farthest = remaining[src];
+        std::transform(remaining, remaining + index.nbNodes, remaining,
+                       [farthest](double one) { return std::min(one, farthest); });
+        return remaining;
+    }
+
+private:
+    static constexpr double infinity = std::numeric_limits<double>::infinity();
+    static constexpr Long none = -1;
+
+    /** A node and what remains from it on some way. */
+    struct Entry {
+        double score;
+        Long node;
+    };
+
+    /** Entries in ascending order, and one of no finite score behind them. No node enters a queue
+     * twice: its second entry would not be the lower one. */
+    struct Queue {
+        Entry *front = nullptr;
+        Entry *end = nullptr;
+
+        void push(double score, Long node)
+        {
+            *end++ = {score, node};
+            end->score = infinity;
+        }
+    };
+
+    /** Works out what remains from the nodes up to the source; whether the source is among them. */
+    bool findRemaining(Long dst)
+    {
+        std::fill_n(remaining, index.nbNodes, infinity);
+        for (Queue &queue : queues) {
+            queue.end = queue.front;
+            queue.front->score = infinity;
+        }
+        remaining[dst] = 0.0;
+        Long node = dst;
+        for (; node != src && node != none; node = takeNearest())
+            reachBackFrom(node);
+        return node == src;
+    }
+
+    void reachBackFrom(Long node)
+    {
+        const double own = remaining[node];
+        const Long end = index.firstIn[node + 1];
+        for (Long link = index.firstIn[node]; link < end; ++link) {
+            const unsigned char grade = terms.grades[link];
+            const double score = own + terms.increments[grade];
+            const Long from = index.source[link];
+            if (!(score < remaining[from]))
+                continue;
+            remaining[from] = score;
+            queues[grade].push(score, from);
+        }
+    }
+
+    /** Takes the node from which least remains out of the queues. */
+    Long takeNearest()
+    {
+        for (;;) {
+            Queue *nearest = queues.data();
+            for (Queue &queue : queues)
+                nearest = queue.front->score < nearest->front->score ? &queue : nearest;
+            if (nearest->front->score == infinity)
+                return none;
+            const Entry entry = *nearest->front++;
+            if (entry.score == remaining[entry.node])
+                return entry.node;
+        }
+    }
+
+    /** Follows the path of the least score; false where another comes near to it. */
+    bool follow(Long dst)
+    {
+        const double nearness = index.nbNodes * (2.0 * improvementMargin + 1e-15 * remaining[src]);
+        // What remains from a node may be unknown where it is as much as from the source.
+        if (!(terms.leastIncrement() > 2.0 * nearness))
+            return false;
+        for (Long node = src; node != dst;) {
+            const OutLink *next = nullptr;
+            const OutLink *end = index.outLinks + index.firstOut[node + 1];
+            for (const OutLink *out = index.outLinks + index.firstOut[node]; out < end; ++out) {
+                const double offered = terms.extended(remaining[out->node], out->link);
+                if (!(offered <= remaining[node] + nearness))
+                    continue;
+                if (next)
+                    return false;
+                next = out;
+            }
+            pathScore = terms.extended(pathScore, next->link);
+            before[next->node] = node;
+            node = next->node;
+        }
+        return true;
+    }
+
+    const NetworkIndex &index;
+    const GradedTerms &terms;
+    Long src;
+    double *remaining = nullptr; ///< by node: the least score from it to the destination so far
+    Long *before = nullptr;
+    std::array<Queue, GradedTerms::refused> queues; ///< by grade
+    double pathScore = 0.0;
+};
+
+#endif

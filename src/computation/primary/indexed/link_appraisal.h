@@ -1,0 +1,78 @@
+/**
+ * Which links a usual request may use, and what each adds to the score (unit
+ * "computation/primary/primaryPath"). Both follow from the figures of the network's index; a link
+ * about which they leave a doubt is put to the predicate.
+ */
+#ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_LINK_APPRAISAL_H
+#define TARNEX_COMPUTATION_PRIMARY_INDEXED_LINK_APPRAISAL_H
+
+#include "common/setup.h"
+#include "computation/computation.h"
+#include "computation/primary/indexed/link_terms.h"
+#include "database/books/network.h"
+
+#include <array>
+
+/** What is known of a link for a request; the largest of several holds. */
+enum Verdict : unsigned char { admitted = 0, unsettled = 1, refused = 2 };
+
+/** Some class types. */
+struct ClassList {
+    std::array<int, MAXOA> items{};
+    int count = 0;
+
+    void add(int oa) { items[static_cast<std::size_t>(count++)] = oa; }
+    const int *begin() const { return items.data(); }
+    const int *end() const { return items.data() + count; }
+};
+
+/** Appraises the links for one request, over an index that is up to date for its level. */
+class LinkAppraisal
+{
+public:
+    /** Which form the increments of the links take. */
+    enum class Form { alike, graded, listed };
+
+    LinkAppraisal(DataBase &database, const LSPRequest &request);
+
+    /** The level up to which the reservations must fit the capacity. */
+    static int levelFor(const LSPRequest &request);
+
+    /** The cheapest form that holds under the weights. */
+    Form form() const;
+    /** How many increments each link has. */
+    Long termsPerLink() const;
+
+    /** Writes for each link whether it is admitted or refused. */
+    void judge(unsigned char *verdicts);
+
+    /** @name Fill in the increments of every link that is not refused.
+     * False when one is below 0 or so large that they might not add up to a finite number. */
+    ///@{
+    /** Turns the verdicts that `terms` has for grades into grades. */
+    [[nodiscard]] bool fill(GradedTerms &terms) const;
+    [[nodiscard]] bool fill(ListedTerms &terms, const unsigned char *verdicts) const;
+    /** The increments that all links have alike: writes only those of the first. */
+    [[nodiscard]] bool fillFirst(ListedTerms &terms) const;
+    ///@}
+
+private:
+    template <class Add>
+    void forEachTerm(Long link, Add add) const;
+    bool fillOne(Long link, double *own) const;
+    void judgeClass(int oa, unsigned char *verdicts) const;
+    bool areRight(const unsigned char *verdicts);
+    Verdict settle(Long link);
+    bool ask(Long link);
+
+    DataBase &db;
+    const NetworkIndex &index = db.index;
+    const LSPRequest &req;
+    const PrimaryComputationConfig &weights = tarnexConfig.primaryComputationConfig;
+    int level;
+    ClassList requested;
+    ClassList scored; ///< whose increments depend on a weight
+    unsigned requestedBits = 0;
+};
+
+#endif

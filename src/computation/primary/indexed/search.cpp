@@ -1,0 +1,207 @@
+#include "computation/primary/indexed/search.h"
+
+#include "common/layout.h"
+#include "common/records.h"
+#include "common/setup.h"
+#include "common/vector.h"
+#include "computation/primary/indexed/clear_search.h"
+#include "computation/primary/indexed/level_search.h"
+#include "computation/primary/indexed/link_appraisal.h"
+#include "computation/primary/indexed/pass_search.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+/** Whether the weights are finite and leave out what depends on more than link and request. */
+bool areUsual(const PrimaryComputationConfig &w)
+{
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        const double sum = std::abs(w.load[oa]) + std::abs(w.sqLoad[oa]) + std::abs(w.relLoad[oa]) +
+                           std::abs(w.sqRelLoad[oa]) + std::abs(w.delay[oa]) + std::abs(w.Fortz);
+        if (!std::isfinite(sum) || w.loadBal[oa] != 0.0 || w.rerouting[oa] != 0.0)
+            return false;
+    }
+    return true;
+}
+
+bool isUsual(const LSPRequest &req)
+{
+    const auto path = inUse(req.path);
+    const bool isOpen =
+        path.size() > 2 && std::ranges::any_of(path, [](Long id) { return id < 0; });
+    const bool isFinite =
+        std::ranges::all_of(req.bw, [](double bw) { return std::isfinite(bw) && bw >= 0.0; });
+    const PredicateConfig &config = tarnexConfig.predicateConfig;
+    return req.type == primaryLSP && isOpen && isFinite && req.rerouteInfo.id < 0 &&
+           req.precedence >= 0 && req.precedence < MAXPL &&
+           (!config.colorClause || req.forbidLinks.top == 0) &&
+           areUsual(tarnexConfig.primaryComputationConfig);
+}
+
+/** Writes the path from node number `src` to `dst`; false without memory. */
+bool writePath(const NetworkIndex &index, const Long *before, Long src, Long dst, LongList &path)
+{
+    Long length = 1;
+    for (Long node = dst; node != src; node = before[node])
+        ++length;
+    if (length > path.size && !vec::grow(path, length))
+        return false;
+    path.top = length;
+    for (Long node = dst; length-- > 1; node = before[node])
+        path.cont[length] = index.nodeIds[node];
+    path.cont[0] = index.nodeIds[src];
+    return true;
+}
+
+/** Number of a node that has links; -1 for any other id. */
+Long linkedNode(const DataBase &db, Long id)
+{
+    const DBNode *node = nodeAt(db.nodeVec, id);
+    return node && node->inNeighb.top + node->outNeighb.top > 0 ? node->number : -1;
+}
+
+/** One search from a node to another, in the form that the request allows. */
+class Routing
+{
+public:
+    Routing(DataBase &db, LSPRequest &request, Long source, Long destination)
+        : index(db.index), req(request), appraisal(db, request), src(source), dst(destination)
+    {
+    }
+
+    IndexedResult run(double &cost)
+    {
+        switch (appraisal.form()) {
+        case LinkAppraisal::Form::alike:
+            return runAlike(cost);
+        case LinkAppraisal::Form::graded:
+            return runGraded(cost);
+        case LinkAppraisal::Form::listed:
+            return runListed(cost);
+        }
+        return IndexedResult::notTried;
+    }
+
+private:
+    /** Gives the tables that `place` places their room in the workspace; false without memory. */
+    template <class Place>
+    bool layOut(Place place)
+    {
+        Layout measured{nullptr};
+        place(measured);
+        void *workspace = workspaceOf(index, measured.bytes());
+        if (!workspace)
+            return false;
+        Layout layout{workspace};
+        place(layout);
+        return true;
+    }
+
+    IndexedResult finish(const Long *before)
+    {
+        return writePath(index, before, src, dst, req.path) ? IndexedResult::found
+                                                            : IndexedResult::noMemory;
+    }
+
+    template <class Search>
+    IndexedResult runPasses(Search &search, double &cost, const double *bounds = nullptr)
+    {
+        search.run(dst, bounds);
+        if (!search.isReached(dst))
+            return IndexedResult::unreachable;
+        cost = search.costOf(dst);
+        return finish(search.predecessors());
+    }
+
+    IndexedResult runAlike(double &cost)
+    {
+        ListedTerms terms{appraisal.termsPerLink()};
+        unsigned char *verdicts = nullptr;
+        LevelSearch search{index, src};
+        const auto place = [&](Layout &layout) {
+            layout.place(verdicts, index.nbLinks);
+            layout.place(terms.terms, terms.perLink);
+            search.place(layout);
+        };
+        if (!layOut(place))
+            return IndexedResult::noMemory;
+        if (!appraisal.fillFirst(terms))
+            return IndexedResult::notTried;
+        appraisal.judge(verdicts);
+        if (!search.run(verdicts, dst))
+            return IndexedResult::unreachable;
+        cost = 0.0;
+        for (Long node = dst; node != src; node = search.predecessors()[node])
+            cost = terms.extended(cost, 0);
+        return finish(search.predecessors());
+    }
+
+    IndexedResult runGraded(double &cost)
+    {
+        GradedTerms terms;
+        ClearSearch clear{index, terms, src};
+        PassSearch passes{index, terms, src};
+        const auto place = [&](Layout &layout) {
+            layout.place(terms.grades, index.nbLinks);
+            clear.place(layout);
+            passes.place(layout);
+        };
+        if (!layOut(place))
+            return IndexedResult::noMemory;
+        appraisal.judge(terms.grades);
+        if (!appraisal.fill(terms))
+            return IndexedResult::notTried;
+        switch (clear.run(dst)) {
+        case ClearSearch::Outcome::found:
+            cost = clear.cost();
+            return finish(clear.predecessors());
+        case ClearSearch::Outcome::unreachable:
+            return IndexedResult::unreachable;
+        case ClearSearch::Outcome::doubtful:
+            break;
+        }
+        return runPasses(passes, cost, clear.bounds());
+    }
+
+    IndexedResult runListed(double &cost)
+    {
+        ListedTerms terms{appraisal.termsPerLink()};
+        unsigned char *verdicts = nullptr;
+        PassSearch search{index, terms, src};
+        const auto place = [&](Layout &layout) {
+            layout.place(verdicts, index.nbLinks);
+            layout.place(terms.terms, std::int64_t{index.nbLinks} * terms.perLink);
+            search.place(layout);
+        };
+        if (!layOut(place))
+            return IndexedResult::noMemory;
+        appraisal.judge(verdicts);
+        return appraisal.fill(terms, verdicts) ? runPasses(search, cost) : IndexedResult::notTried;
+    }
+
+    NetworkIndex &index;
+    LSPRequest &req;
+    LinkAppraisal appraisal;
+    Long src;
+    Long dst;
+};
+
+} // namespace
+
+IndexedResult searchIndexed(DataBase &db, LSPRequest &req, double &cost)
+{
+    if (!isUsual(req))
+        return IndexedResult::notTried;
+    if (!bringUpToDate(db, LinkAppraisal::levelFor(req)))
+        return IndexedResult::noMemory;
+    if (!db.index.isConnected)
+        return IndexedResult::notTried;
+    const Long src = linkedNode(db, req.path.cont[0]);
+    const Long dst = linkedNode(db, req.path.cont[req.path.top - 1]);
+    if (src < 0 || dst < 0 || src == dst)
+        return IndexedResult::notTried;
+    return Routing{db, req, src, dst}.run(cost);
+}

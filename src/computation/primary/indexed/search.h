@@ -1,0 +1,35 @@
+/**
+ * The path of a usual request, found over the network's index (unit
+ * "computation/primary/primaryPath").
+ *
+ * The result is that of the topology and the passes (topology.h, search.h), bit for bit: the same
+ * links are admitted, the same labels chosen in the same passes. What differs is what is not done:
+ * links whose figures leave no doubt are not put to the predicate (link_appraisal.h), no record is
+ * made per link, and nodes are labelled only as far as it takes (level_search.h, pass_search.h).
+ */
+#ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
+#define TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
+
+#include "computation/computation.h"
+#include "database/books/network.h"
+
+/** How a search over the index ended. */
+enum class IndexedResult {
+    found,       ///< the path is in the request
+    unreachable, ///< there is none
+    noMemory,
+    notTried ///< the request, the configuration or the network is not of the usual kind
+};
+
+/**
+ * Computes the path of `req`, whose path names source and destination, and writes it there.
+ *
+ * Usual is a primary without a rerouted LSP and without colours to avoid, under finite weights that
+ * leave balance and preemption out and under which no link lowers a score, in a network in which
+ * all nodes with links reach each other.
+ *
+ * @param cost the path's score, written when one is found
+ */
+[[nodiscard]] IndexedResult searchIndexed(DataBase &db, LSPRequest &req, double &cost);
+
+#endif

@@ -1,0 +1,180 @@
+#include "database/indices/backup_index.h"
+
+#include "common/layout.h"
+#include "common/records.h"
+#include "database/books/network.h"
+#include "database/reservations/failure_tables.h"
+#include "database/reservations/question.h"
+
+#include <algorithm>
+
+namespace
+{
+
+bool areZero(const double (&levels)[MAXPL])
+{
+    return std::ranges::all_of(levels, [](double value) { return value == 0.0; });
+}
+
+std::size_t layOut(BackupIndex &index, void *block)
+{
+    Layout layout{block};
+    layout.place(index.positionOfId, index.nbIds);
+    for (Long *BackupIndex::*table : {&BackupIndex::positionOf, &BackupIndex::idOf,
+                                      &BackupIndex::destination, &BackupIndex::stale})
+        layout.place(index.*table, index.nbLinks);
+    layout.place(index.links, index.nbLinks);
+    layout.place(index.overfull, index.nbLinks);
+    layout.place(index.isAsked, index.nbLinks);
+    layout.place(index.isStale, index.nbLinks);
+    return layout.bytes();
+}
+
+/** Whether the translators lead from the id of every link to that link and to no other. */
+bool areTranslatorsWhole(const DataBase &db)
+{
+    Long translated = 0;
+    for (Long id = 0; id < db.linkSrcVec.top; ++id) {
+        const Long src = db.linkSrcVec.cont[id];
+        const Long dst = slotOf(db.linkDstVec, id);
+        if (src == 0 && dst == 0)
+            continue;
+        const DBLink *link = linkAt(db.linkTab, src - 1, dst - 1);
+        if (!link || link->id != id)
+            return false;
+        ++translated;
+    }
+    return translated == db.index.nbLinks;
+}
+
+/** Numbers the links and lists every one as stale. */
+void number(const DataBase &db, BackupIndex &index)
+{
+    const NetworkIndex &network = db.index;
+    std::fill_n(index.positionOfId, index.nbIds, -1);
+    for (Long position = 0; position < index.nbLinks; ++position) {
+        const Long link = network.outLinks[position].link;
+        index.links[position] = network.links[link];
+        index.positionOf[link] = position;
+        index.destination[position] = network.destination[link];
+        index.idOf[link] = network.links[link]->id;
+        if (index.idOf[link] < index.nbIds)
+            index.positionOfId[index.idOf[link]] = position;
+        noteStale(index, position);
+    }
+}
+
+bool build(const DataBase &db, BackupIndex &index)
+{
+    index.nbLinks = db.index.nbLinks;
+    index.nbIds = db.linkSrcVec.top;
+    index.block = mycalloc(1, layOut(index, nullptr));
+    if (!index.block)
+        return false;
+    layOut(index, index.block);
+    index.isUsual = areTranslatorsWhole(db);
+    number(db, index);
+    index.isCurrent = true;
+    return true;
+}
+
+/** Makes the figures of a class type in which nothing is reserved; false without memory. */
+bool addClass(BackupIndex &index, int oa)
+{
+    const auto layOutClass = [&index, oa](void *block) {
+        Layout layout{block};
+        layout.place(index.figures[oa], index.nbLinks);
+        layout.place(index.levels[oa], index.nbLinks);
+        return layout.bytes();
+    };
+    void *block = mycalloc(1, layOutClass(nullptr));
+    if (!block)
+        return false;
+    layOutClass(block);
+    for (Long position = 0; position < index.nbLinks; ++position)
+        index.figures[oa][position].capacity = index.links[position]->state.cap[oa];
+    return true;
+}
+
+/** Works the figures of one link out anew; false without memory for those of a class type. */
+bool refresh(const DataBase &db, BackupIndex &index, Long position)
+{
+    DBLink &link = *index.links[position];
+    double rbw[MAXOA][MAXPL];
+    reservationFromTables(db, link, rbw);
+    index.isAsked[position] = !link.summary.isTrusted;
+    index.overfull[position] = 0;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        const double derived = sumOf(rbw[oa]);
+        const auto &largest = link.summary.largest[oa];
+        const DBLinkState &state = link.state;
+        if (derived > state.cap[oa])
+            index.overfull[position] |= static_cast<unsigned char>(1U << oa);
+        const bool isEmpty = areZero(largest) && areZero(state.pbw[oa]) && areZero(state.rbw[oa]);
+        if (isEmpty && !index.figures[oa])
+            continue;
+        if (!index.figures[oa] && !addClass(index, oa))
+            return false;
+        std::ranges::copy(largest, index.levels[oa][position].largest);
+        std::ranges::copy(state.pbw[oa], index.levels[oa][position].pbw);
+        index.figures[oa][position] = {state.cap[oa], derived, sumOf(state.rbw[oa]), 0.0, 0};
+        flatten(index.levels[oa][position], index.figures[oa][position]);
+    }
+    return true;
+}
+
+bool refreshStale(const DataBase &db, BackupIndex &index)
+{
+    Long kept = 0;
+    for (const Long position : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {
+        if (!refresh(db, index, position))
+            return false;
+        // A state that may change without notice is looked at before every search.
+        index.isStale[position] = index.links[position]->summary.isExposed;
+        if (index.isStale[position])
+            index.stale[kept++] = position;
+    }
+    index.nbStale = kept;
+    return true;
+}
+
+} // namespace
+
+bool bringBackupsUpToDate(DataBase &db, int oa)
+{
+    BackupIndex &index = db.backups;
+    const bool isDone = numberNetwork(db) && (index.isCurrent || build(db, index)) &&
+                        refreshStale(db, index) && (index.figures[oa] || addClass(index, oa)) &&
+                        (!index.isUsual || listCarriers(db, oa));
+    if (!isDone)
+        endBackupIndex(index);
+    return isDone;
+}
+
+void flatten(const LevelFigures &levels, BackupFigures &figures)
+{
+    int p = MAXPL - 1;
+    while (p > 0 && levels.pbw[p] == 0.0 && levels.largest[p] == levels.largest[p - 1])
+        --p;
+    figures.flatFrom = p;
+    figures.largest = levels.largest[MAXPL - 1];
+}
+
+void noteStale(BackupIndex &index, Long position)
+{
+    if (index.isStale[position])
+        return;
+    index.isStale[position] = true;
+    index.stale[index.nbStale++] = position;
+}
+
+void endBackupIndex(BackupIndex &index)
+{
+    for (BackupFigures *figures : index.figures) {
+        if (figures)
+            myfree(figures);
+    }
+    if (index.block)
+        myfree(index.block);
+    index = {};
+}

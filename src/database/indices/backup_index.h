@@ -1,0 +1,72 @@
+/**
+ * What every link reserves, by class type, in tables that searches of backups can run through.
+ *
+ * Invariant: while an index is current, the network's index is too and the numbers of both agree;
+ * the figures of a link are those of its stored state unless it is listed as stale. Positions
+ * number the links by source and then destination, so that those out of a node stand together.
+ *
+ * Writers: bringBackupsUpToDate, before a search; noteStateChange, through noteStale, when an LSP
+ * comes or goes; a search that places backups works on the figures themselves and lists what it has
+ * changed as stale; and forgetNumbers, which drops them.
+ */
+#ifndef TARNEX_DATABASE_INDICES_BACKUP_INDEX_H
+#define TARNEX_DATABASE_INDICES_BACKUP_INDEX_H
+
+#include "common/types.h"
+
+struct DataBase_;
+struct DBLink_;
+
+/** One class type of one link, all levels together; bandwidths. */
+struct BackupFigures {
+    double capacity;
+    double derived; ///< what the tables make it reserve: the levels added up in their order
+    double stored;  ///< the same of the reservation that its state holds
+    double largest; ///< largest need over all single failures at level `flatFrom` and those above
+    int flatFrom;   ///< level above which no primary reserves and the largest need stays the same
+};
+
+/** One class type of one link, level by level; bandwidths. */
+struct LevelFigures {
+    double largest[MAXPL]; ///< largest need over all single failures
+    double pbw[MAXPL];     ///< reserved by primaries
+};
+
+/** The index of one database; owns its tables, borrows the links. */
+struct BackupIndex {
+    bool isCurrent;
+    bool isUsual;                  ///< whether each link is the one of its id, as it should be
+    Long nbLinks;                  ///< number of links
+    Long nbIds;                    ///< one more than the largest link id
+    Long *positionOfId;            ///< position by link id, -1 without a link
+    Long *positionOf;              ///< position by link number
+    Long *idOf;                    ///< link id by link number
+    Long *destination;             ///< by position: node number
+    DBLink_ **links;               ///< by position
+    unsigned char *overfull;       ///< by position: a bit per class type that exceeds its capacity
+    bool *isAsked;                 ///< by position: its figures cannot be relied on
+    bool *isStale;                 ///< by position
+    Long *stale;                   ///< the stale positions
+    Long nbStale;                  ///< how many
+    void *block;                   ///< counted block that holds these tables
+    BackupFigures *figures[MAXOA]; ///< by position; null: nothing reserved in the class type
+    LevelFigures *levels[MAXOA];   ///< by position, in the same block
+};
+
+/**
+ * Makes the index current, with no stale figures, and with the figures of class type `oa`; if it is
+ * usual, with the carriers of the class type (database/indices/failure_carriers.h). False without
+ * memory.
+ */
+[[nodiscard]] bool bringBackupsUpToDate(DataBase_ &db, int oa);
+
+/** What the figures of all levels together take from those of each level, but for `derived`. */
+void flatten(const LevelFigures &levels, BackupFigures &figures);
+
+/** The figures of a position no longer hold. */
+void noteStale(BackupIndex &index, Long position);
+
+/** Releases what the index owns. */
+void endBackupIndex(BackupIndex &index);
+
+#endif

@@ -1,0 +1,263 @@
+#include "database/indices/network_index.h"
+
+#include "common/layout.h"
+#include "common/link_cost.h"
+#include "common/records.h"
+#include "database/books/network.h"
+#include "database/reservations/question.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <span>
+
+namespace
+{
+
+std::size_t layOut(NetworkIndex &index, void *block)
+{
+    Layout layout{block};
+    layout.place(index.nodeIds, index.nbNodes);
+    layout.place(index.firstIn, index.nbNodes + 1);
+    layout.place(index.firstOut, index.nbNodes + 1);
+    for (Long *NetworkIndex::*table :
+         {&NetworkIndex::source, &NetworkIndex::destination, &NetworkIndex::stale})
+        layout.place(index.*table, index.nbLinks);
+    layout.place(index.outLinks, index.nbLinks);
+    layout.place(index.links, index.nbLinks);
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        layout.place(index.figures[oa], index.nbLinks);
+        layout.place(index.pieces[oa], index.nbLinks);
+    }
+    for (int p = index.lowestLevel; p < MAXPL; ++p) {
+        layout.place(index.doubtful[p], index.nbLinks);
+        for (int oa = 0; oa < MAXOA; ++oa) {
+            layout.place(index.fits[oa][p], index.nbLinks);
+            layout.place(index.exceeds[oa][p], index.nbLinks);
+        }
+    }
+    layout.place(index.staleClasses, index.nbLinks);
+    return layout.bytes();
+}
+
+/** Numbers nodes and links and lists every link as stale. */
+void number(DataBase &db, NetworkIndex &index)
+{
+    Long node = 0;
+    for (DBNode *stored : slots(db.nodeVec)) {
+        if (!stored)
+            continue;
+        index.nodeIds[node] = stored->id;
+        stored->number = node++;
+    }
+    Long link = 0;
+    Long position = 0;
+    for (node = 0; node < index.nbNodes; ++node) {
+        const Long id = index.nodeIds[node];
+        index.firstIn[node] = link;
+        for (const Long from : inUse(db.nodeVec.cont[id]->inNeighb)) {
+            DBLink *stored = linkAt(db.linkTab, from, id);
+            stored->number = link;
+            index.links[link] = stored;
+            index.source[link] = db.nodeVec.cont[from]->number;
+            index.destination[link] = node;
+            index.staleClasses[link] = allClasses;
+            index.stale[link] = link;
+            ++link;
+        }
+    }
+    index.firstIn[index.nbNodes] = link;
+    for (node = 0; node < index.nbNodes; ++node) {
+        const Long id = index.nodeIds[node];
+        index.firstOut[node] = position;
+        for (const Long to : inUse(db.nodeVec.cont[id]->outNeighb))
+            index.outLinks[position++] = {db.nodeVec.cont[to]->number,
+                                          linkAt(db.linkTab, id, to)->number};
+    }
+    index.firstOut[index.nbNodes] = position;
+    index.nbStale = link;
+}
+
+/** How many nodes, `start` included, are reached from it along links or, if not `forward`, against
+ * them; `mark` has an entry per node, none of them `stamp`. */
+Long countReached(const NetworkIndex &index, Long start, bool forward, std::span<Long> mark,
+                  Long stamp, std::span<Long> queue)
+{
+    std::size_t reached = 0;
+    const auto reach = [&](Long node) {
+        if (mark[static_cast<std::size_t>(node)] == stamp)
+            return;
+        mark[static_cast<std::size_t>(node)] = stamp;
+        queue[reached++] = node;
+    };
+    reach(start);
+    for (std::size_t i = 0; i < reached; ++i) {
+        const Long node = queue[i];
+        if (forward) {
+            for (Long k = index.firstOut[node]; k < index.firstOut[node + 1]; ++k)
+                reach(index.outLinks[k].node);
+        } else {
+            for (Long k = index.firstIn[node]; k < index.firstIn[node + 1]; ++k)
+                reach(index.source[k]);
+        }
+    }
+    return static_cast<Long>(reached);
+}
+
+/** Finds out whether every node that has links reaches every other one; false without memory. */
+bool findConnections(NetworkIndex &index)
+{
+    Long linked = 0;
+    for (Long node = 0; node < index.nbNodes; ++node) {
+        const bool hasLinks = index.firstIn[node] < index.firstIn[node + 1] ||
+                              index.firstOut[node] < index.firstOut[node + 1];
+        linked += hasLinks ? 1 : 0;
+    }
+    if (linked == 0)
+        return true;
+    const Owned<LongVec, longVecDestroy> mark{longVecNew(index.nbNodes)};
+    const Owned<LongVec, longVecDestroy> queue{longVecNew(index.nbNodes)};
+    if (!mark || !queue)
+        return false;
+    const Long start = index.destination[0];
+    index.isConnected =
+        countReached(index, start, true, slots(*mark), 1, slots(*queue)) == linked &&
+        countReached(index, start, false, slots(*mark), 2, slots(*queue)) == linked;
+    return true;
+}
+
+bool build(DataBase &db, NetworkIndex &index, int lowestLevel)
+{
+    endIndex(index); // an attempt before may have ended half way
+    index.lowestLevel = lowestLevel;
+    for (const DBNode *node : slots(db.nodeVec)) {
+        index.nbNodes += node ? 1 : 0;
+        index.nbLinks += node ? node->inNeighb.top : 0;
+    }
+    index.block = mycalloc(1, layOut(index, nullptr));
+    if (!index.block)
+        return false;
+    layOut(index, index.block);
+    number(db, index);
+    index.isCurrent = findConnections(index);
+    if (!index.isCurrent)
+        endIndex(index);
+    return index.isCurrent;
+}
+
+/** What decides whether a primary fits, in one class type with the levels up to some. */
+struct Occupancy {
+    double capacity;
+    double load;      ///< reserved by primaries
+    double ofOwn;     ///< as in LinkNeeds
+    double ofOthers;  ///< as in LinkNeeds
+    double magnitude; ///< sum of the sizes of what all this was added up from: bounds its rounding
+};
+
+/**
+ * Sets what surely fits and what surely does not, with margins far above what the order of the
+ * additions can change. A primary on the link adds its bandwidth to the load and takes it off the
+ * need of the link's own failures: what remains to be reserved for these does not depend on it.
+ */
+void setLimits(const Occupancy &is, double &fits, double &exceeds)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double share = 1e-11;
+    const double margin = share * is.magnitude;
+    const double room = is.capacity - is.load - is.ofOthers;
+    const double ownRoom = is.capacity - is.load - is.ofOwn;
+    fits = ownRoom >= margin ? room * (1.0 - share) - margin : -infinity;
+    exceeds = ownRoom < -margin ? -infinity : room * (1.0 + share) + margin;
+}
+
+/** Works the figures of one class type of a link out anew. */
+void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
+{
+    DBLink &link = *index.links[number];
+    const LinkNeeds needs = failureNeedsOf(db, link, oa);
+    Occupancy now{link.state.cap[oa], 0.0, 0.0, 0.0, needs.magnitude};
+    const unsigned bit = 1U << oa;
+    for (int p = 0; p < MAXPL; ++p) {
+        now.load += link.state.pbw[oa][p];
+        now.ofOwn = needs.ofOwn[p];
+        now.ofOthers = needs.ofOthers[p];
+        now.magnitude += std::abs(link.state.pbw[oa][p]) + now.ofOwn + now.ofOthers;
+        if (p < index.lowestLevel)
+            continue;
+        double &fits = index.fits[oa][p][number];
+        setLimits(now, fits, index.exceeds[oa][p][number]);
+        unsigned char &doubtful = index.doubtful[p][number];
+        doubtful = static_cast<unsigned char>(fits >= 0.0 ? doubtful & ~bit : doubtful | bit);
+    }
+    index.figures[oa][number] = {now.capacity, now.load};
+    index.pieces[oa][number] = pieceAt(now.load / now.capacity);
+}
+
+} // namespace
+
+void forgetNumbers(DataBase &db)
+{
+    db.topology = static_cast<Long>(static_cast<std::uint32_t>(db.topology) + 1);
+    endIndex(db.index);
+    endBackupIndex(db.backups);
+}
+
+void noteStateChange(DataBase &db, DBLink &link, unsigned classes)
+{
+    NetworkIndex &index = db.index;
+    if (db.backups.isCurrent) // what a state holds may change in every class type
+        noteStale(db.backups, db.backups.positionOf[link.number]);
+    if (!index.isCurrent || classes == 0)
+        return;
+    unsigned char &stale = index.staleClasses[link.number];
+    if (stale == 0)
+        index.stale[index.nbStale++] = link.number;
+    stale = static_cast<unsigned char>(stale | classes);
+}
+
+bool numberNetwork(DataBase &db) { return db.index.isCurrent || build(db, db.index, MAXPL - 1); }
+
+bool bringUpToDate(DataBase &db, int level)
+{
+    NetworkIndex &index = db.index;
+    const bool isUsable = index.isCurrent && index.lowestLevel <= level;
+    if (!isUsable && !build(db, index, level))
+        return false;
+    Long kept = 0;
+    for (const Long number : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {
+        for (int oa = 0; oa < MAXOA; ++oa) {
+            if ((index.staleClasses[number] >> oa & 1) != 0)
+                refresh(db, index, number, oa);
+        }
+        // A state that may change without notice is looked at before every search.
+        const bool stays = index.links[number]->summary.isExposed;
+        index.staleClasses[number] = stays ? allClasses : 0;
+        if (stays)
+            index.stale[kept++] = number;
+    }
+    index.nbStale = kept;
+    return true;
+}
+
+void *workspaceOf(NetworkIndex &index, std::size_t bytes)
+{
+    if (bytes > index.workspaceBytes) {
+        void *larger = mymalloc(bytes);
+        if (!larger)
+            return nullptr;
+        if (index.workspace)
+            myfree(index.workspace);
+        index.workspace = larger;
+        index.workspaceBytes = bytes;
+    }
+    return index.workspace;
+}
+
+void endIndex(NetworkIndex &index)
+{
+    for (void *block : {index.block, index.workspace}) {
+        if (block)
+            myfree(block);
+    }
+    index = {};
+}

@@ -1,0 +1,87 @@
+/**
+ * The network in one piece, for searches: nodes and links under consecutive numbers, and of every
+ * link the figures that decide, in nearly every case, whether a primary fits.
+ *
+ * Numbers: nodes ascend by id; links ascend by destination and then source, so the links into a
+ * node stand together.
+ *
+ * Invariant: while an index is current, its numbers are those of the database's nodes and links,
+ * and the figures of a link follow from its stored state unless the link is listed as stale.
+ * Writers: forgetNumbers, when a node or link comes or goes; noteStateChange, when a stored state
+ * may have changed; bringUpToDate, before a search.
+ */
+#ifndef TARNEX_DATABASE_INDICES_NETWORK_INDEX_H
+#define TARNEX_DATABASE_INDICES_NETWORK_INDEX_H
+
+#include "common/common.h"
+
+#include <cstddef>
+
+struct DataBase_;
+struct DBLink_;
+
+/** One class type of one link as scores read it; bandwidths. */
+struct LinkFigures {
+    double capacity;
+    double load; ///< reserved by primaries, over all levels
+};
+
+/** A link seen from its source. */
+struct OutLink {
+    Long node; ///< number of its destination
+    Long link;
+};
+
+/** All class types, as a bit each. */
+inline constexpr unsigned allClasses = (1U << MAXOA) - 1;
+
+/** The index of one database; owns its block, borrows the links. */
+struct NetworkIndex {
+    bool isCurrent;
+    bool isConnected; ///< whether every node that has links reaches every other one
+    Long nbNodes;
+    Long nbLinks;
+    Long *nodeIds;                ///< node ids by node number
+    Long *firstIn;                ///< by node: its first link; the next node's is one past its last
+    Long *source;                 ///< by link: node number of its source
+    Long *destination;            ///< by link: node number of its destination
+    Long *firstOut;               ///< by node: position of its first out-link in `outLinks`
+    OutLink *outLinks;            ///< links by source, then destination
+    DBLink_ **links;              ///< by link number
+    LinkFigures *figures[MAXOA];  ///< by link number
+    unsigned char *pieces[MAXOA]; ///< by link: the piece of the link cost that its load lies on
+    int lowestLevel;            ///< the next three tables are there for the levels from this one on
+    double *fits[MAXOA][MAXPL]; ///< by link: a primary of up to so much fits, as far as the
+                                ///< reservations of the levels up to this one decide
+    double *exceeds[MAXOA][MAXPL];  ///< by link: one of so much or more does not; in between, or
+                                    ///< with no numbers here, the link's tables decide
+    unsigned char *doubtful[MAXPL]; ///< by link: a bit per class type that may exceed its capacity
+    unsigned char *staleClasses;    ///< by link: a bit per class type
+    Long *stale;                    ///< the stale links
+    Long nbStale;
+    void *block;     ///< counted block that holds all the tables; null before the first search
+    void *workspace; ///< counted block that searches use in turn
+    std::size_t workspaceBytes;
+};
+
+/** The numbers no longer hold: releases the index. */
+void forgetNumbers(DataBase_ &db);
+
+/** The stored state of a link has changed in some class types, a bit each, or may change from now
+ * on without notice. */
+void noteStateChange(DataBase_ &db, DBLink_ &link, unsigned classes = allClasses);
+
+/** Numbers nodes and links unless the numbers hold; false without memory. */
+[[nodiscard]] bool numberNetwork(DataBase_ &db);
+
+/** Makes the index of a database current, with no stale figures and with those of the levels from
+ * `level` on; false without memory. */
+[[nodiscard]] bool bringUpToDate(DataBase_ &db, int level = MAXPL - 1);
+
+/** Room of at least so many bytes, with any content, until the next call; null without memory. */
+[[nodiscard]] void *workspaceOf(NetworkIndex &index, std::size_t bytes);
+
+/** Releases what the index owns. */
+void endIndex(NetworkIndex &index);
+
+#endif

@@ -1,0 +1,209 @@
+/**
+ * Failure rows: what the failure of a link or a node needs on a link, from the link's tables with
+ * or without an effect laid over them. A node stands for all the links into it.
+ *
+ * A row is added up level by level, each level on top of those below, and inside a level in the
+ * order of the links; whatever visits fewer rows must not change that order.
+ */
+#ifndef TARNEX_DATABASE_RESERVATIONS_FAILURE_ROWS_H
+#define TARNEX_DATABASE_RESERVATIONS_FAILURE_ROWS_H
+
+#include "common/records.h"
+#include "database/books/network.h"
+#include "database/reservations/effect.h"
+#include "database/reservations/failure_tables.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+/** The failure tables of one state with an effect, sorted by slot, laid over them. */
+struct OverlaidTables {
+    StateTables present;
+    const Effect &effect;
+
+    double backup(int oa, int p, Long k) const
+    {
+        return changed(present.backup(oa, p, k), FailureTable::backup, oa, p, k);
+    }
+    double freed(int oa, int p, Long k) const
+    {
+        return changed(present.freed(oa, p, k), FailureTable::freed, oa, p, k);
+    }
+
+private:
+    double changed(double value, FailureTable table, int oa, int p, Long k) const
+    {
+        if (p != effect.level)
+            return value;
+        for (const SlotChange &change : effect.slots.of(k)) {
+            if (change.table == table)
+                value += effect.amount(change, oa);
+        }
+        return value;
+    }
+};
+
+/** The largest need over all single failures, per level, each counting the levels up to it. */
+using Needs = double[MAXPL];
+
+/**
+ * Raises `largest` by the row of one failure, which takes the links `linkOf(item)` down together.
+ * The additions run level by level and inside a level in the order of `items`.
+ */
+template <class Tables, class LinkOf>
+void raiseByRow(const Tables &tables, int oa, std::span<const Long> items, LinkOf linkOf,
+                Needs &largest)
+{
+    double totBbw = 0.0;
+    double totFbw = 0.0;
+    for (int p = 0; p < MAXPL; ++p) {
+        for (const Long item : items) {
+            const Long link = linkOf(item);
+            if (link < 0)
+                continue;
+            totBbw += tables.backup(oa, p, link);
+            totFbw += tables.freed(oa, p, link);
+        }
+        largest[p] = std::max(largest[p], totBbw - totFbw);
+    }
+}
+
+/** The node that link `k` enters; null when there is no such link. */
+inline const DBNode *nodeEntered(const DataBase &db, Long k)
+{
+    const bool exists = k < db.linkSrcVec.top && db.linkSrcVec.cont[k] > 0;
+    return exists ? nodeAt(db.nodeVec, slotOf(db.linkDstVec, k) - 1) : nullptr;
+}
+
+/** Raises `largest` by the failure of link k and by that of the node it enters. */
+template <class Tables>
+void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k, Needs &largest)
+{
+    const DBNode *node = nodeEntered(db, k);
+    if (!node)
+        return;
+    const auto itself = [](Long link) { return link; };
+    raiseByRow(tables, oa, std::array{k}, itself, largest);
+
+    // Their ids are looked up once rather than level by level, for all but the largest nodes.
+    const auto linkFrom = [&](Long from) {
+        const DBLink *link = linkAt(db.linkTab, from, node->id);
+        return link ? link->id : -1;
+    };
+    const auto neighbours = inUse(node->inNeighb);
+    std::array<Long, 64> links;
+    if (neighbours.size() > links.size())
+        return raiseByRow(tables, oa, neighbours, linkFrom, largest);
+    const auto end = std::ranges::transform(neighbours, links.begin(), linkFrom).out;
+    raiseByRow(tables, oa, {links.begin(), end}, itself, largest);
+}
+
+/** Where the needy slots of one state are found: listed for a stored link, else in the tables. */
+class NeedySlots
+{
+public:
+    NeedySlots(const DataBase &db, const StateTables &stateTables, const LinkSummary *linkSummary)
+        : tables(stateTables), summary(linkSummary), nbIds(db.linkSrcVec.top)
+    {
+    }
+
+    /** Calls `visit(k)` for each, ascending. */
+    template <class Visit>
+    void forEach(int oa, Visit visit) const
+    {
+        if (summary) {
+            std::ranges::for_each(inUse(summary->needy[oa]), visit);
+            return;
+        }
+        const Long end = std::min(longestTable(tables, oa), nbIds);
+        for (Long k = nextNeedySlot(tables, oa, 0, end); k < end;
+             k = nextNeedySlot(tables, oa, k + 1, end))
+            visit(k);
+    }
+
+private:
+    StateTables tables;
+    const LinkSummary *summary;
+    Long nbIds;
+};
+
+/**
+ * Raises `largest` by every row that can exceed 0 with the present tables; `tables` gives the
+ * values, which may be others. All other rows are 0 as long as the values differ in no other slot.
+ */
+template <class Tables>
+void raiseByNeedySlots(const DataBase &db, const NeedySlots &present, const Tables &tables, int oa,
+                       Needs &largest)
+{
+    present.forEach(oa, [&](Long k) { raiseByFailuresOf(db, tables, oa, k, largest); });
+}
+
+/** Adds to each level's primary reservation what the level adds to the largest need. */
+inline void spreadOverLevels(const double (&pbw)[MAXPL], const Needs &largest, double (&rbw)[MAXPL])
+{
+    double below = 0.0;
+    for (int p = 0; p < MAXPL; ++p) {
+        rbw[p] = pbw[p] + largest[p] - below;
+        below = largest[p];
+    }
+}
+
+/** Which way an effect moves the failure rows of a class type. */
+enum class Shift { none, up, down, both };
+
+inline Shift shiftOf(const Effect &effect, int oa)
+{
+    bool up = false;
+    bool down = false;
+    for (const SlotChange &change : effect.slots.all()) {
+        const bool adds = effect.addsNeed(change, oa);
+        up = up || adds;
+        down = down || (!adds && effect.amount(change, oa) != 0.0);
+    }
+    return up && down ? Shift::both : up ? Shift::up : down ? Shift::down : Shift::none;
+}
+
+/** Raises `largest` by the rows of the slots that an effect changes and that `mayNeed` names. */
+template <class Tables, class MayNeed>
+void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effect, int oa,
+                    MayNeed mayNeed, Needs &largest)
+{
+    Long last = -1;
+    for (const SlotChange &change : effect.slots.all()) {
+        if (change.slot != last && mayNeed(change.slot))
+            raiseByFailuresOf(db, tables, oa, change.slot, largest);
+        last = change.slot;
+    }
+}
+
+/** As above, for every slot that an effect changes. */
+template <class Tables>
+void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effect, int oa,
+                    Needs &largest)
+{
+    raiseByChanges(
+        db, tables, effect, oa, [](Long) { return true; }, largest);
+}
+
+/** As above, with tables that a summary follows: a node without needy in-links needs nothing. */
+inline void raiseByChanges(const DataBase &db, const StateTables &tables, const Effect &effect,
+                           int oa, const LongList &needySlots, Needs &largest)
+{
+    const auto entersSameNode = [&](Long slot) {
+        const Long entered = slotOf(db.linkDstVec, slot);
+        return std::ranges::any_of(
+            inUse(needySlots), [&](Long needy) { return slotOf(db.linkDstVec, needy) == entered; });
+    };
+    raiseByChanges(db, tables, effect, oa, entersSameNode, largest);
+}
+
+/** Whether rows can be lowered without lowering the largest: at every level each is below, or holds
+ * no need. */
+inline bool areBelow(const Needs &rows, const Needs &largest)
+{
+    return std::ranges::equal(rows, largest,
+                              [](double row, double most) { return row == 0.0 || row < most; });
+}
+
+#endif
