@@ -11,6 +11,8 @@
 #include "common/setup.h"
 #include "computation/backup/driver.h"
 #include "computation/primary/driver.h"
+#include "database/books/change.h"
+#include "database/books/lookup.h"
 #include "error/error.h"
 #include "measure.h"
 #include "support/random_network.h"

@@ -4,6 +4,8 @@
  */
 #include "admission/admission.h"
 #include "common/setup.h"
+#include "database/books/change.h"
+#include "database/books/lookup.h"
 #include "error/error.h"
 #include "measure.h"
 #include "support/random_network.h"

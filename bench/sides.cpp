@@ -3,6 +3,8 @@
 #include "admission/admission.h"
 #include "common/setup.h"
 #include "computation/primary/driver.h"
+#include "database/books/change.h"
+#include "database/books/lookup.h"
 #include "error/error.h"
 #include "measure.h"
 

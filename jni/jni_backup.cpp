@@ -6,6 +6,7 @@
 #include "common/records.h"
 #include "common/setup.h"
 #include "computation/backup/driver.h"
+#include "database/books/lookup.h"
 #include "error/report.h"
 #include "jni_support.h"
 #include "session_call.h"
@@ -72,7 +73,7 @@ void describeRefusal(const DBLabelSwitchedPath &backup)
 }
 
 /** Adds one backup or draws up its preemption list; 0, or -1 when the call has to end. */
-int admit(const BackupArguments &arguments, const DBLabelSwitchedPath &backup)
+int admit(const BackupArguments &arguments, DBLabelSwitchedPath &backup)
 {
     if (!arguments.addLSP && !arguments.preempt)
         return 0;

@@ -3,7 +3,8 @@
 #include "admission/prefetch.h"
 #include "common/records.h"
 #include "common/vector.h"
-#include "database/reservations/question.h"
+#include "database/books/lookup.h"
+#include "database/update/update.h"
 #include "error/report.h"
 #include "predicate/predicate.h"
 #include "rerouting/rerouting.h"
@@ -54,7 +55,7 @@ class AdmissionWalk
 {
 public:
     /** `linkEffects` are those of setting `newcomer` up. */
-    AdmissionWalk(DataBase &database, const DBLabelSwitchedPath &newcomer, LinkEffects &linkEffects,
+    AdmissionWalk(DataBase &database, DBLabelSwitchedPath &newcomer, LinkEffects &linkEffects,
                   LongList *preempted)
         : db(database), lsp(newcomer), effects(linkEffects), preemptList(preempted),
           isWholePrimary(lsp.type == primaryLSP &&
@@ -106,7 +107,7 @@ private:
     }
 
     DataBase &db;
-    const DBLabelSwitchedPath &lsp;
+    DBLabelSwitchedPath &lsp;
     LinkEffects &effects;
     LongList *preemptList;
     bool isWholePrimary; ///< the predicate evaluates others by what it looks up itself
@@ -134,8 +135,8 @@ int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, LinkEff
         const Effect &effect = effects.on(src, dst);
         if (!effect.concerned)
             return 0;
-        if (effect.flaw == EffectFlaw::noMemory)
-            return report(db, effect);
+        if (!effect.isApplicable())
+            return report(effect);
         if (makeRoomFor(effect, link->state) != 0)
             return -1;
         return makeRoomFor(link->summary, effect)
@@ -145,7 +146,7 @@ int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, LinkEff
 }
 
 /** Stores a copy of `lsp` at its id, with room on its links; null, nothing changed, on failure. */
-DBLabelSwitchedPath *storeCopy(DataBase &db, const DBLabelSwitchedPath &lsp, LinkEffects &effects)
+DBLabelSwitchedPath *storeCopy(DataBase &db, DBLabelSwitchedPath &lsp, LinkEffects &effects)
 {
     Owned<DBLabelSwitchedPath, DBlspDestroy> copy{DBlspNew()};
     if (!copy)
@@ -165,7 +166,7 @@ void pairWithPartner(const DataBase &db, DBLabelSwitchedPath &lsp)
 {
     if (lsp.noContentionId < 0)
         return;
-    if (DBLabelSwitchedPath *partner = DBgetLSP(&db, lsp.noContentionId)) {
+    if (DBLabelSwitchedPath *partner = lspAt(db.lspVec, lsp.noContentionId)) {
         partner->noContentionId = lsp.id;
     } else {
         here.push(WARNING, "Unable to get no contention LSP in %s at line %d");
@@ -178,7 +179,7 @@ void unpairPartner(const DataBase &db, const DBLabelSwitchedPath &lsp)
 {
     if (lsp.noContentionId < 0)
         return;
-    if (DBLabelSwitchedPath *partner = DBgetLSP(&db, lsp.noContentionId))
+    if (DBLabelSwitchedPath *partner = lspAt(db.lspVec, lsp.noContentionId))
         partner->noContentionId = -1;
     else
         here.push(WARNING, "Unable to get no contention LSP in %s at line %d");
@@ -208,7 +209,7 @@ int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, LinkEffect
             result |= updateList(link->lspList, lsp, op);
         const Effect &effect = effects.on(src, dst);
         if (effect.concerned) {
-            result |= report(db, effect);
+            result |= report(effect);
             updateLink(db, *link, effect);
         }
         return 0;
@@ -218,7 +219,7 @@ int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, LinkEffect
 
 } // namespace
 
-int getpreemptList(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList *preemptList)
+int getpreemptList(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preemptList)
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -226,7 +227,7 @@ int getpreemptList(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList 
     return AdmissionWalk{*dataBase, *lsp, effects, preemptList}.run();
 }
 
-int DBaddLSP(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList *preemptList)
+int DBaddLSP(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preemptList)
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");

@@ -2,12 +2,56 @@
 #ifndef TARNEX_COMMON_CLASS_TYPES_H
 #define TARNEX_COMMON_CLASS_TYPES_H
 
-/** A set of class types; zeroed, it is empty. */
-struct ClassTypes {
-    unsigned bits;
+#include "common/types.h"
 
+#include <bit>
+#include <cstddef>
+
+/** A set of class types, in one byte; zeroed, it is empty. Iterated, it gives them ascending. */
+struct ClassTypes {
+    unsigned char bits;
+
+    static_assert(MAXOA <= 8);
+
+    /** The set of one class type. */
+    static constexpr ClassTypes only(int oa) { return of(1U << oa); }
+    /** The set of all. */
+    static constexpr ClassTypes all() { return of((1U << MAXOA) - 1U); }
+
+    bool isEmpty() const { return bits == 0; }
     bool has(int oa) const { return (bits >> oa & 1U) != 0; }
-    void set(int oa, bool isMember) { bits = isMember ? bits | 1U << oa : bits & ~(1U << oa); }
+    int count() const { return std::popcount(bits); }
+    void set(int oa, bool isMember) { *this = isMember ? *this | only(oa) : without(only(oa)); }
+
+    ClassTypes operator|(ClassTypes others) const { return of(bits | others.bits); }
+    ClassTypes without(ClassTypes others) const { return of(bits & ~unsigned{others.bits}); }
+
+    /** Position in an iteration. */
+    struct Iterator {
+        using value_type = int;
+        using difference_type = std::ptrdiff_t;
+
+        unsigned rest;
+
+        int operator*() const { return std::countr_zero(rest); }
+        Iterator &operator++()
+        {
+            rest &= rest - 1;
+            return *this;
+        }
+        Iterator operator++(int)
+        {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const Iterator &other) const = default;
+    };
+    Iterator begin() const { return {bits}; }
+    Iterator end() const { return {0}; }
+
+private:
+    static constexpr ClassTypes of(unsigned bits) { return {static_cast<unsigned char>(bits)}; }
 };
 
 #endif

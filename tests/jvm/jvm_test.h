@@ -7,6 +7,7 @@
 #define TARNEX_TESTS_JVM_JVM_TEST_H
 
 #include "database/books/dump.h"
+#include "database/books/lookup.h"
 #include "jvm/jvm.h"
 #include "sessions.h"
 #include "support/memory_faults.h"

@@ -1,5 +1,8 @@
+#include "admission/admission.h"
 #include "computation/backup/driver.h"
-#include "database/reservations/question.h"
+#include "database/books/change.h"
+#include "database/books/lookup.h"
+#include "database/update/update.h"
 #include "property/session.h"
 
 #include <map>
@@ -25,7 +28,7 @@ public:
             if (db->linkSrcVec.cont[id] == 0)
                 continue;
             states[id] = State{DBlinkStateNew()};
-            const DBLinkState &stored =
+            DBLinkState &stored =
                 storedState(db, {DBgetLinkSrc(db, id), DBgetLinkDst(db, id)});
             EXPECT_EQ(DBlinkStateCopy(states[id].get(), &stored), 0);
         }

@@ -1,6 +1,7 @@
 #include "computation/primary/driver.h"
 #include "computation/primary/plain/score.h"
 #include "computation/primary/plain/search.h"
+#include "database/books/change.h"
 #include "property/session.h"
 #include "rerouting/rerouting.h"
 #include "support/memory_probe.h"

@@ -1,3 +1,5 @@
+#include "admission/admission.h"
+#include "database/books/change.h"
 #include "property/session.h"
 #include "rerouting/rerouting.h"
 #include "support/churn.h"

@@ -7,6 +7,8 @@
 
 #include "admission/admission.h"
 #include "common/setup.h"
+#include "database/books/change.h"
+#include "database/books/lookup.h"
 #include "error/error.h"
 #include "support/plain_evaluation.h"
 

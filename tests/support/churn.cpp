@@ -5,7 +5,10 @@
 #include "computation/backup/driver.h"
 #include "computation/primary/driver.h"
 #include "computation/primary/plain/search.h"
+#include "database/books/change.h"
+#include "database/books/lookup.h"
 #include "database/reservations/question.h"
+#include "database/update/update.h"
 #include "support/consistency.h"
 #include "support/memory_probe.h"
 

@@ -1,4 +1,5 @@
 #include "support/random_network.h"
+#include "database/books/change.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -113,7 +114,7 @@ PlannedLsp backupOf(const NetworkPlan &plan, const PlannedLsp &primary, DBLSPTyp
     return backup;
 }
 
-const DBLinkState &storedState(const DataBase *db, Hop hop)
+DBLinkState &storedState(const DataBase *db, Hop hop)
 {
     return linkAt(db->linkTab, hop.first, hop.second)->state;
 }

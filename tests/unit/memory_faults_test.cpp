@@ -2,7 +2,8 @@
 #include "common/setup.h"
 #include "computation/backup/driver.h"
 #include "computation/primary/driver.h"
-#include "database/reservations/question.h"
+#include "database/books/change.h"
+#include "database/update/update.h"
 #include "support/consistency.h"
 #include "support/memory_faults.h"
 

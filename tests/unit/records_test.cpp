@@ -1,4 +1,6 @@
 #include "computation/primary/plain/topology.h"
+#include "database/books/change.h"
+#include "database/books/lookup.h"
 #include "support/memory_faults.h"
 
 namespace

@@ -1,6 +1,7 @@
 #include "computation/backup/cost.h"
 
 #include "computation/backup/driver.h"
+#include "database/books/lookup.h"
 #include "database/reservations/question.h"
 #include "error/report.h"
 

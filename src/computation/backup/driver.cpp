@@ -3,6 +3,7 @@
 #include "common/records.h"
 #include "computation/backup/indexed/search.h"
 #include "computation/backup/plain/search.h"
+#include "database/books/lookup.h"
 #include "error/report.h"
 
 #include <algorithm>

@@ -1,7 +1,9 @@
-#include "database/books/network.h"
+#include "database/books/change.h"
 
 #include "common/records.h"
 #include "common/vector.h"
+#include "database/books/lookup.h"
+#include "database/followers/followers.h"
 
 #include <algorithm>
 
@@ -59,14 +61,6 @@ int removeValue(LongList &list, Long value)
     return longListRemove(&list, static_cast<Long>(found - used.begin()));
 }
 
-Long linkEnd(const LongVec &translator, Long id)
-{
-    Long slot = 0;
-    if (longVecGet(&translator, id, &slot) != 0)
-        return here.fail("Inexistent link in %s at line %d");
-    return slot - 1;
-}
-
 } // namespace
 
 DataBase *DBnew(Long ID)
@@ -91,9 +85,7 @@ int DBdestroy(DataBase *dataBase)
     static_cast<void>(DBlinkTabEnd(&dataBase->linkTab));
     longVecEnd(&dataBase->linkSrcVec);
     longVecEnd(&dataBase->linkDstVec);
-    endIndex(dataBase->index);
-    endBackupIndex(dataBase->backups);
-    endCarriers(dataBase->carriers);
+    endFollowers(*dataBase);
     myfree(dataBase);
     return 0;
 }
@@ -110,7 +102,7 @@ int DBaddNode(DataBase *dataBase, Long id)
         return here.fail(
             "Unable to insert a new node in the general node container in %s at line %d");
     handOver(node);
-    forgetNumbers(*dataBase);
+    followNode(*dataBase);
     dataBase->nbNodes += 1;
     return 0;
 }
@@ -123,7 +115,7 @@ int DBremoveNode(DataBase *dataBase, Long id)
     if (!node)
         return here.fail("Trying to remove an inexistent node in %s at line %d");
 
-    forgetNumbers(*dataBase);
+    followNode(*dataBase);
     // From the last entry down: a link that cannot be removed keeps its entry and is passed over.
     int result = 0;
     for (Long i = node->inNeighb.top; i-- > 0;)
@@ -135,7 +127,7 @@ int DBremoveNode(DataBase *dataBase, Long id)
     return result == 0 ? 0 : here.fail("Node removal uncomplete in %s at line %d");
 }
 
-int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState *initLinkState)
+int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, DBLinkState *initLinkState)
 {
     if (!dataBase || !initLinkState || id < 0 || src < 0 || dst < 0)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -146,7 +138,6 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState
     Owned<DBLink, DBlinkDestroy> link{DBlinkNew()};
     if (!link || DBlinkStateCopy(&link->state, initLinkState) != 0)
         return here.fail("Unable to create link in %s at line %d");
-    summarize(link->summary, link->state);
     link->id = id;
     DBNode *from = nodeAt(dataBase->nodeVec, src);
     DBNode *to = nodeAt(dataBase->nodeVec, dst);
@@ -164,8 +155,7 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState
     if (DBlinkTabSet(&dataBase->linkTab, link.get(), src, dst) != 0)
         return here.fail(
             "Unable to insert a new node in the general node container in %s at line %d");
-    handOver(link);
-    forgetNumbers(*dataBase);
+    DBLink &stored = *link.release();
 
     // The table owns the link: no way back from here, every step runs and one failure sticks.
     int result = 0;
@@ -177,10 +167,7 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState
     result |= longVecSet(&dataBase->linkDstVec, id, dst + 1);
     raiseTops(*dataBase, id);
     dataBase->nbLinks += 1;
-    if (result == 0)
-        listCarriersOf(*dataBase, *linkAt(dataBase->linkTab, src, dst));
-    else
-        endCarriers(dataBase->carriers); // its id may come again
+    followNewLink(*dataBase, stored, result == 0);
     return result == 0 ? 0 : here.fail("Link addition uncomplete in %s at line %d");
 }
 
@@ -197,8 +184,7 @@ int DBremoveLink(DataBase *dataBase, Long src, Long dst)
         return here.fail("Link doesn't exist or database unconsistancy in %s at line %d");
 
     const Long id = link->id;
-    forgetNumbers(*dataBase);
-    unlistCarriersOf(*dataBase, *link);
+    followLeavingLink(*dataBase, *link);
     int result = 0;
     result |= removeValue(from->outNeighb, dst);
     result |= removeValue(to->inNeighb, src);
@@ -207,103 +193,16 @@ int DBremoveLink(DataBase *dataBase, Long src, Long dst)
     result |= longVecSet(&dataBase->linkDstVec, id, 0);
     lowerTop(dataBase->linkSrcVec);
     dataBase->nbLinks -= 1;
-    if (dataBase->nbLinks == 0)
-        endCarriers(dataBase->carriers);
     return result == 0 ? 0 : here.fail("Link removal uncomplete in %s at line %d");
-}
-
-Long DBgetID(const DataBase *dataBase)
-{
-    return dataBase ? dataBase->id : here.fail("Bad argument (NULL) in %s at line %d");
-}
-
-Long DBgetNbNodes(const DataBase *dataBase)
-{
-    return dataBase ? dataBase->nbNodes : here.fail("Bad argument (NULL) in %s at line %d");
-}
-
-Long DBgetMaxNodeID(const DataBase *dataBase)
-{
-    return dataBase ? dataBase->nodeVec.top - 1 : here.fail("Bad argument (NULL) in %s at line %d");
-}
-
-Long DBgetNbLinks(const DataBase *dataBase)
-{
-    return dataBase ? dataBase->nbLinks : here.fail("Bad argument (NULL) in %s at line %d");
-}
-
-Long DBgetLinkID(const DataBase *dataBase, Long src, Long dst)
-{
-    if (!dataBase || src < 0 || dst < 0)
-        return here.fail("Bad argument (NULL or negative value) in %s at line %d");
-    const DBLink *link = linkAt(dataBase->linkTab, src, dst);
-    return link ? link->id : -1;
-}
-
-Long DBgetLinkSrc(const DataBase *dataBase, Long id)
-{
-    if (!dataBase)
-        return here.fail("Bad argument (NULL) in %s at line %d");
-    return linkEnd(dataBase->linkSrcVec, id);
-}
-
-Long DBgetLinkDst(const DataBase *dataBase, Long id)
-{
-    if (!dataBase)
-        return here.fail("Bad argument (NULL) in %s at line %d");
-    return linkEnd(dataBase->linkDstVec, id);
-}
-
-DBLabelSwitchedPath *DBgetLSP(const DataBase *dataBase, Long id)
-{
-    if (!dataBase)
-        return here.null("Bad argument (NULL) in %s at line %d");
-    const DBLSPVec &lsps = dataBase->lspVec;
-    return id >= 0 && id < lsps.size ? lsps.cont[id] : nullptr;
-}
-
-namespace
-{
-
-/** Link from `src` to `dst`; null after the message that every getter of a link gives. */
-DBLink *existingLink(DataBase *dataBase, Long src, Long dst)
-{
-    if (!dataBase)
-        return here.null("Bad argument (NULL) in %s at line %d");
-    DBLink *link = linkAt(dataBase->linkTab, src, dst);
-    return link ? link
-                : here.null("Inexistent Link (src = %ld, dst = %ld) in %s at line %d", long{src},
-                            long{dst});
-}
-
-/** Node `id`; null after the message that every getter of a node gives. */
-DBNode *existingNode(DataBase *dataBase, Long id)
-{
-    if (!dataBase)
-        return here.null("Bad argument (NULL) in %s at line %d");
-    DBNode *node = nodeAt(dataBase->nodeVec, id);
-    return node ? node : here.null("Node don't exist (id = %ld) in %s at line %d", long{id});
-}
-
-} // namespace
-
-DBLSPList *DBgetLinkLSPs(DataBase *dataBase, Long src, Long dst)
-{
-    DBLink *link = existingLink(dataBase, src, dst);
-    return link ? &link->lspList : nullptr;
 }
 
 DBLinkState *DBgetLinkState(DataBase *dataBase, Long src, Long dst)
 {
     DBLink *link = existingLink(dataBase, src, dst);
-    if (!link)
-        return nullptr;
-    expose(link->summary);
-    noteStateChange(*dataBase, *link);
-    return &link->state;
+    return link ? &handOutState(*dataBase, *link) : nullptr;
 }
 
-int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *newLS)
+int DBsetLinkState(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS)
 {
     if (!dataBase || !newLS)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -311,27 +210,11 @@ int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *ne
     if (!link)
         return -1;
     // Copied aside first: a stored state is replaced as a whole or not at all.
-    Owned<DBLinkState, DBlinkStateDestroy> copy{DBlinkStateNew()};
+    const Owned<DBLinkState, DBlinkStateDestroy> copy{DBlinkStateNew()};
     if (!copy || DBlinkStateCopy(copy.get(), newLS) != 0)
         return here.fail(
             "Impossible to set linkstate on link (src = %ld, dst = %ld) in %s at line %d",
             long{src}, long{dst});
-    unlistCarriersOf(*dataBase, *link);
-    std::swap(link->state, *copy);
-    listCarriersOf(*dataBase, *link);
-    summarize(link->summary, link->state);
-    noteStateChange(*dataBase, *link);
+    exchangeState(*dataBase, *link, *copy);
     return 0;
-}
-
-LongList *DBgetNodeInNeighb(DataBase *dataBase, Long id)
-{
-    DBNode *node = existingNode(dataBase, id);
-    return node ? &node->inNeighb : nullptr;
-}
-
-LongList *DBgetNodeOutNeighb(DataBase *dataBase, Long id)
-{
-    DBNode *node = existingNode(dataBase, id);
-    return node ? &node->outNeighb : nullptr;
 }

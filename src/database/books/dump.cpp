@@ -1,6 +1,7 @@
 #include "database/books/dump.h"
 
 #include "common/records.h"
+#include "database/books/lookup.h"
 #include "error/report.h"
 
 #include <cstdio>

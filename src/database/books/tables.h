@@ -22,7 +22,7 @@ struct DBNode_ {
     Long id;
     LongList inNeighb;  ///< nodes with a link to this one
     LongList outNeighb; ///< nodes that this one has a link to
-    Long number;        ///< in the network's index, while that is current
+    Long number;        ///< in the indices made for the present topology
 };
 using DBNode = DBNode_;
 
@@ -32,7 +32,7 @@ struct DBLink_ {
     DBLinkState state;
     DBLSPList lspList;   ///< LSPs whose path uses the link; the records belong to the LSP table
     LinkSummary summary; ///< follows the stored state
-    Long number;         ///< in the network's index, while that is current
+    Long number;         ///< in the indices made for the present topology
 };
 using DBLink = DBLink_;
 
@@ -124,6 +124,12 @@ int DBlinkTabDestroy(DBLinkTab *tab);
 
 /** Node at `id`, null when there is none; any id may be asked for. */
 inline DBNode *nodeAt(const DBNodeVec &vec, Long id)
+{
+    return id >= 0 && id < vec.size ? vec.cont[id] : nullptr;
+}
+
+/** LSP at `id`, null when there is none; any id may be asked for. */
+inline DBLabelSwitchedPath *lspAt(const DBLSPVec &vec, Long id)
 {
     return id >= 0 && id < vec.size ? vec.cont[id] : nullptr;
 }

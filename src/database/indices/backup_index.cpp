@@ -60,7 +60,7 @@ void number(const DataBase &db, BackupIndex &index)
         index.idOf[link] = network.links[link]->id;
         if (index.idOf[link] < index.nbIds)
             index.positionOfId[index.idOf[link]] = position;
-        noteStale(index, position);
+        markStale(index, position);
     }
 }
 
@@ -103,13 +103,12 @@ bool refresh(const DataBase &db, BackupIndex &index, Long position)
     double rbw[MAXOA][MAXPL];
     reservationFromTables(db, link, rbw);
     index.isAsked[position] = !link.summary.isTrusted;
-    index.overfull[position] = 0;
+    index.overfull[position] = {};
     for (int oa = 0; oa < MAXOA; ++oa) {
         const double derived = sumOf(rbw[oa]);
         const auto &largest = link.summary.largest[oa];
         const DBLinkState &state = link.state;
-        if (derived > state.cap[oa])
-            index.overfull[position] |= static_cast<unsigned char>(1U << oa);
+        index.overfull[position].set(oa, derived > state.cap[oa]);
         const bool isEmpty = areZero(largest) && areZero(state.pbw[oa]) && areZero(state.rbw[oa]);
         if (isEmpty && !index.figures[oa])
             continue;
@@ -160,12 +159,18 @@ void flatten(const LevelFigures &levels, BackupFigures &figures)
     figures.largest = levels.largest[MAXPL - 1];
 }
 
-void noteStale(BackupIndex &index, Long position)
+void markStale(BackupIndex &index, Long position)
 {
     if (index.isStale[position])
         return;
     index.isStale[position] = true;
     index.stale[index.nbStale++] = position;
+}
+
+void markStale(BackupIndex &index, const DBLink &link)
+{
+    if (index.isCurrent)
+        markStale(index, index.positionOf[link.number]);
 }
 
 void endBackupIndex(BackupIndex &index)

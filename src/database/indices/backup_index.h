@@ -1,17 +1,20 @@
 /**
  * What every link reserves, by class type, in tables that searches of backups can run through.
  *
- * Invariant: while an index is current, the network's index is too and the numbers of both agree;
- * the figures of a link are those of its stored state unless it is listed as stale. Positions
- * number the links by source and then destination, so that those out of a node stand together.
+ * Invariant: while an index is current, its numbers are those of the present topology, the figures
+ * of a link are those of its stored state unless the link is listed as stale, and a link's number
+ * (DBLink) leads to it, as in the network's index: for one topology that is always made with the
+ * same numbers, however often it is dropped and made again. Positions number the links by source
+ * and then destination, so that those out of a node stand together.
  *
- * Writers: bringBackupsUpToDate, before a search; noteStateChange, through noteStale, when an LSP
- * comes or goes; a search that places backups works on the figures themselves and lists what it has
- * changed as stale; and forgetNumbers, which drops them.
+ * Writers: what follows the books (database/followers/followers.h), which releases an index or
+ * lists links as stale; bringBackupsUpToDate, before a search; a search that places backups, which
+ * works on the figures themselves and lists what it has changed as stale.
  */
 #ifndef TARNEX_DATABASE_INDICES_BACKUP_INDEX_H
 #define TARNEX_DATABASE_INDICES_BACKUP_INDEX_H
 
+#include "common/class_types.h"
 #include "common/types.h"
 
 struct DataBase_;
@@ -43,7 +46,7 @@ struct BackupIndex {
     Long *idOf;                    ///< link id by link number
     Long *destination;             ///< by position: node number
     DBLink_ **links;               ///< by position
-    unsigned char *overfull;       ///< by position: a bit per class type that exceeds its capacity
+    ClassTypes *overfull;          ///< by position: class types that exceed its capacity
     bool *isAsked;                 ///< by position: its figures cannot be relied on
     bool *isStale;                 ///< by position
     Long *stale;                   ///< the stale positions
@@ -64,7 +67,9 @@ struct BackupIndex {
 void flatten(const LevelFigures &levels, BackupFigures &figures);
 
 /** The figures of a position no longer hold. */
-void noteStale(BackupIndex &index, Long position);
+void markStale(BackupIndex &index, Long position);
+/** The figures of a stored link no longer hold. */
+void markStale(BackupIndex &index, const DBLink_ &link);
 
 /** Releases what the index owns. */
 void endBackupIndex(BackupIndex &index);

@@ -128,31 +128,32 @@ bool listCarriers(DataBase &db, int oa)
     return isListed;
 }
 
-void noteCarrier(DataBase &db, const DBLink &link, const TableSlot &slot, double value)
+void updateCarrier(FailureCarriers &carriers, const DBLink &link, const TableSlot &slot,
+                   double value)
 {
-    if (!db.carriers.lists[slot.oa] || slot.slot >= maxListedIds)
+    if (!carriers.lists[slot.oa] || slot.slot >= maxListedIds)
         return;
-    CarrierList *list = listFor(db.carriers, slot);
+    CarrierList *list = listFor(carriers, slot);
     if (!list || !set(*list, {link.id, slot.level}, value))
-        endCarriers(db.carriers);
+        endCarriers(carriers);
 }
 
-void listCarriersOf(DataBase &db, const DBLink &link)
+void listCarriersOf(FailureCarriers &carriers, const DBLink &link)
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
-        if (db.carriers.lists[oa] && !listLink(db.carriers, link, oa))
-            endCarriers(db.carriers);
+        if (carriers.lists[oa] && !listLink(carriers, link, oa))
+            endCarriers(carriers);
     }
 }
 
-void unlistCarriersOf(DataBase &db, const DBLink &link)
+void unlistCarriersOf(FailureCarriers &carriers, const DBLink &link)
 {
     if (link.summary.isExposed) // its slots may not be the listed ones
-        endCarriers(db.carriers);
+        endCarriers(carriers);
     for (int oa = 0; oa < MAXOA; ++oa) {
-        if (db.carriers.lists[oa])
+        if (carriers.lists[oa])
             forEachSlot(link, oa, [&](const TableSlot &slot, double) {
-                noteCarrier(db, link, slot, 0.0);
+                updateCarrier(carriers, link, slot, 0.0);
                 return true;
             });
     }

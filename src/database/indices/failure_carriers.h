@@ -7,10 +7,9 @@
  * the stored links that are not 0, with their values; but for links whose state somebody outside
  * may write.
  *
- * Writers: listCarriers, for the first search of backups in a class type; noteCarrier, after that,
- * when an LSP comes or goes; listCarriersOf and unlistCarriersOf, when a link comes or goes or gets
- * another state. Without memory to follow a change all lists are dropped, and made anew by the next
- * search; they go with the last link, too.
+ * Writers: listCarriers, for the first search of backups in a class type; after that what follows
+ * the books (database/followers/followers.h). Without memory to follow a change all lists are
+ * dropped, and made anew by the next search; they go with the last link, too.
  */
 #ifndef TARNEX_DATABASE_INDICES_FAILURE_CARRIERS_H
 #define TARNEX_DATABASE_INDICES_FAILURE_CARRIERS_H
@@ -72,12 +71,13 @@ struct FailureCarriers {
 [[nodiscard]] bool listCarriers(DataBase_ &db, int oa);
 
 /** A slot of a stored link's tables has got another value. */
-void noteCarrier(DataBase_ &db, const DBLink_ &link, const TableSlot &slot, double value);
+void updateCarrier(FailureCarriers &carriers, const DBLink_ &link, const TableSlot &slot,
+                   double value);
 
 /** A link has come, or its state. */
-void listCarriersOf(DataBase_ &db, const DBLink_ &link);
+void listCarriersOf(FailureCarriers &carriers, const DBLink_ &link);
 /** A link goes, or its state. */
-void unlistCarriersOf(DataBase_ &db, const DBLink_ &link);
+void unlistCarriersOf(FailureCarriers &carriers, const DBLink_ &link);
 
 /** Releases all lists. */
 void endCarriers(FailureCarriers &carriers);

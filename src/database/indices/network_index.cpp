@@ -4,7 +4,7 @@
 #include "common/link_cost.h"
 #include "common/records.h"
 #include "database/books/network.h"
-#include "database/reservations/question.h"
+#include "database/reservations/needs.h"
 
 #include <algorithm>
 #include <cmath>
@@ -61,7 +61,7 @@ void number(DataBase &db, NetworkIndex &index)
             index.links[link] = stored;
             index.source[link] = db.nodeVec.cont[from]->number;
             index.destination[link] = node;
-            index.staleClasses[link] = allClasses;
+            index.staleClasses[link] = ClassTypes::all();
             index.stale[link] = link;
             ++link;
         }
@@ -176,7 +176,6 @@ void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
     DBLink &link = *index.links[number];
     const LinkNeeds needs = failureNeedsOf(db, link, oa);
     Occupancy now{link.state.cap[oa], 0.0, 0.0, 0.0, needs.magnitude};
-    const unsigned bit = 1U << oa;
     for (int p = 0; p < MAXPL; ++p) {
         now.load += link.state.pbw[oa][p];
         now.ofOwn = needs.ofOwn[p];
@@ -186,8 +185,7 @@ void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
             continue;
         double &fits = index.fits[oa][p][number];
         setLimits(now, fits, index.exceeds[oa][p][number]);
-        unsigned char &doubtful = index.doubtful[p][number];
-        doubtful = static_cast<unsigned char>(fits >= 0.0 ? doubtful & ~bit : doubtful | bit);
+        index.doubtful[p][number].set(oa, !(fits >= 0.0));
     }
     index.figures[oa][number] = {now.capacity, now.load};
     index.pieces[oa][number] = pieceAt(now.load / now.capacity);
@@ -195,24 +193,14 @@ void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
 
 } // namespace
 
-void forgetNumbers(DataBase &db)
+void markStale(NetworkIndex &index, const DBLink &link, ClassTypes classes)
 {
-    db.topology = static_cast<Long>(static_cast<std::uint32_t>(db.topology) + 1);
-    endIndex(db.index);
-    endBackupIndex(db.backups);
-}
-
-void noteStateChange(DataBase &db, DBLink &link, unsigned classes)
-{
-    NetworkIndex &index = db.index;
-    if (db.backups.isCurrent) // what a state holds may change in every class type
-        noteStale(db.backups, db.backups.positionOf[link.number]);
-    if (!index.isCurrent || classes == 0)
+    if (!index.isCurrent || classes.isEmpty())
         return;
-    unsigned char &stale = index.staleClasses[link.number];
-    if (stale == 0)
+    ClassTypes &stale = index.staleClasses[link.number];
+    if (stale.isEmpty())
         index.stale[index.nbStale++] = link.number;
-    stale = static_cast<unsigned char>(stale | classes);
+    stale = stale | classes;
 }
 
 bool numberNetwork(DataBase &db) { return db.index.isCurrent || build(db, db.index, MAXPL - 1); }
@@ -225,13 +213,11 @@ bool bringUpToDate(DataBase &db, int level)
         return false;
     Long kept = 0;
     for (const Long number : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {
-        for (int oa = 0; oa < MAXOA; ++oa) {
-            if ((index.staleClasses[number] >> oa & 1) != 0)
-                refresh(db, index, number, oa);
-        }
+        for (const int oa : index.staleClasses[number])
+            refresh(db, index, number, oa);
         // A state that may change without notice is looked at before every search.
         const bool stays = index.links[number]->summary.isExposed;
-        index.staleClasses[number] = stays ? allClasses : 0;
+        index.staleClasses[number] = stays ? ClassTypes::all() : ClassTypes{};
         if (stays)
             index.stale[kept++] = number;
     }

@@ -7,12 +7,13 @@
  *
  * Invariant: while an index is current, its numbers are those of the database's nodes and links,
  * and the figures of a link follow from its stored state unless the link is listed as stale.
- * Writers: forgetNumbers, when a node or link comes or goes; noteStateChange, when a stored state
- * may have changed; bringUpToDate, before a search.
+ * Writers: what follows the books (database/followers/followers.h), which releases an index or
+ * lists links as stale; numberNetwork and bringUpToDate, before a search.
  */
 #ifndef TARNEX_DATABASE_INDICES_NETWORK_INDEX_H
 #define TARNEX_DATABASE_INDICES_NETWORK_INDEX_H
 
+#include "common/class_types.h"
 #include "common/common.h"
 
 #include <cstddef>
@@ -32,9 +33,6 @@ struct OutLink {
     Long link;
 };
 
-/** All class types, as a bit each. */
-inline constexpr unsigned allClasses = (1U << MAXOA) - 1;
-
 /** The index of one database; owns its block, borrows the links. */
 struct NetworkIndex {
     bool isCurrent;
@@ -53,23 +51,19 @@ struct NetworkIndex {
     int lowestLevel;            ///< the next three tables are there for the levels from this one on
     double *fits[MAXOA][MAXPL]; ///< by link: a primary of up to so much fits, as far as the
                                 ///< reservations of the levels up to this one decide
-    double *exceeds[MAXOA][MAXPL];  ///< by link: one of so much or more does not; in between, or
-                                    ///< with no numbers here, the link's tables decide
-    unsigned char *doubtful[MAXPL]; ///< by link: a bit per class type that may exceed its capacity
-    unsigned char *staleClasses;    ///< by link: a bit per class type
-    Long *stale;                    ///< the stale links
+    double *exceeds[MAXOA][MAXPL]; ///< by link: one of so much or more does not; in between, or
+                                   ///< with no numbers here, the link's tables decide
+    ClassTypes *doubtful[MAXPL];   ///< by link: class types that may exceed its capacity
+    ClassTypes *staleClasses;      ///< by link
+    Long *stale;                   ///< the stale links
     Long nbStale;
     void *block;     ///< counted block that holds all the tables; null before the first search
     void *workspace; ///< counted block that searches use in turn
     std::size_t workspaceBytes;
 };
 
-/** The numbers no longer hold: releases the index. */
-void forgetNumbers(DataBase_ &db);
-
-/** The stored state of a link has changed in some class types, a bit each, or may change from now
- * on without notice. */
-void noteStateChange(DataBase_ &db, DBLink_ &link, unsigned classes = allClasses);
+/** The figures of a stored link no longer hold in some class types. */
+void markStale(NetworkIndex &index, const DBLink_ &link, ClassTypes classes);
 
 /** Numbers nodes and links unless the numbers hold; false without memory. */
 [[nodiscard]] bool numberNetwork(DataBase_ &db);

@@ -79,7 +79,7 @@ private:
 
     void findPartner()
     {
-        partner = DBgetLSP(&db, lsp.noContentionId);
+        partner = lspAt(db.lspVec, lsp.noContentionId);
         effect.partnerMissing = !partner;
         rerouting = partner && hopPosition(inUse(partner->path), src, dst) >= 0;
     }
@@ -161,7 +161,7 @@ private:
         if (!link)
             return stopAt(head, tail);
         if (link->id >= maxSlots) // never set up, so there is nothing to remove
-            return removes || stop(EffectFlaw::noMemory);
+            return removes || stop(EffectFlaw::tableTooLong);
         return effect.slots.append({link->id, table, shared, sign, 0}) ||
                stop(EffectFlaw::noMemory);
     }
@@ -280,12 +280,12 @@ const Effect &LinkEffects::on(Long src, Long dst)
     }
     effectOf(db, src, dst, lsp, op, effect);
     effect.slots.sortBySlot();
-    isForAll = effect.concerned && effect.flaw != EffectFlaw::noMemory && !isBackup(lsp.type) &&
-               lsp.noContentionId < 0;
+    isForAll =
+        effect.concerned && effect.isApplicable() && !isBackup(lsp.type) && lsp.noContentionId < 0;
     return effect;
 }
 
-int report(const DataBase &db, const Effect &effect)
+int report(const Effect &effect)
 {
     if (effect.partnerMissing)
         here.push(WARNING, "Cannot find the old LSP in %s at line %d");
@@ -299,9 +299,10 @@ int report(const DataBase &db, const Effect &effect)
     case EffectFlaw::noProtectedLink:
         return here.fail("Cannot determine the link to protect in %s at line %d");
     case EffectFlaw::noLink:
-        // The lookup itself reports ids that no node can have.
-        static_cast<void>(DBgetLinkID(&db, effect.missingHop[0], effect.missingHop[1]));
+        if (effect.missingHop[0] < 0 || effect.missingHop[1] < 0)
+            here.push(CRITICAL, "Bad argument (NULL or negative value) in %s at line %d");
         return here.fail("Cannot determine link ID in %s at line %d");
+    case EffectFlaw::tableTooLong:
     case EffectFlaw::noMemory:
         return here.fail("Critical lack of memory in %s at line %d");
     }

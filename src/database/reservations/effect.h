@@ -78,6 +78,7 @@ enum class EffectFlaw : unsigned char {
     wrongLevel,
     noProtectedLink, ///< the protected path does not show which link the backup protects
     noLink,          ///< a hop of the LSP or of its partner is not a link
+    tableTooLong,    ///< a link's id is too large for a slot of any table
     noMemory
 };
 
@@ -95,6 +96,11 @@ struct Effect {
 
     /** Whether every change is listed. */
     bool isWhole() const { return flaw == EffectFlaw::none; }
+    /** Whether what is listed may be applied; after a flaw of the LSP or the topology it may. */
+    bool isApplicable() const
+    {
+        return flaw != EffectFlaw::tableTooLong && flaw != EffectFlaw::noMemory;
+    }
 
     /** Whether any value of class type `oa` changes. */
     bool changes(int oa) const { return own[oa] != 0.0 || partner[oa] != 0.0; }
@@ -163,7 +169,7 @@ private:
  *
  * @return 0, or -1 when the effect is not whole
  */
-[[nodiscard]] int report(const DataBase &db, const Effect &effect);
+[[nodiscard]] int report(const Effect &effect);
 
 /** Whether `src` and `dst` follow each other anywhere on the path. */
 bool hasHop(std::span<const Long> path, Long src, Long dst);

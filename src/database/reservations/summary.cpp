@@ -58,7 +58,7 @@ bool isNeed(const StateTables &tables, const SlotChange &change, int oa, int p)
  * Follows the changes of one class type; false without memory. One that adds need can list its
  * slot through its own value alone, any other can only strike a slot that is listed.
  */
-bool noteChangesOf(LongList &needy, const StateTables &tables, const Effect &effect, int oa)
+bool followChangesOf(LongList &needy, const StateTables &tables, const Effect &effect, int oa)
 {
     for (const SlotChange &change : effect.slots.all()) {
         if (!effect.addsNeed(change, oa))
@@ -107,10 +107,10 @@ bool makeRoomFor(LinkSummary &summary, const Effect &effect)
     return true;
 }
 
-void noteChanges(LinkSummary &summary, const DBLinkState &state, const Effect &effect)
+void followEffect(LinkSummary &summary, const DBLinkState &state, const Effect &effect)
 {
     for (int oa = 0; oa < MAXOA && summary.isTrusted; ++oa) {
-        if (effect.changes(oa) && !noteChangesOf(summary.needy[oa], tablesOf(state), effect, oa))
+        if (effect.changes(oa) && !followChangesOf(summary.needy[oa], tablesOf(state), effect, oa))
             distrust(summary);
     }
 }

@@ -9,7 +9,7 @@
  * 0 on it changes nothing; and no sum of what they make a roomy one reserve, from the most
  * important level on, exceeds the capacity.
  *
- * Writers: summarize, for a state that was handed in; noteChanges, after an effect was applied;
+ * Writers: summarize, for a state that was handed in; followEffect, after an effect was applied;
  * what holds for a topology where reservations are worked out (database/reservations/question.cpp);
  * and expose, once somebody outside holds the stored state. A summary that is not trusted, for that
  * reason or for lack of memory, is not used: the tables are read instead.
@@ -49,7 +49,7 @@ void summarize(LinkSummary &summary, const DBLinkState &state);
 [[nodiscard]] bool makeRoomFor(LinkSummary &summary, const Effect &effect);
 
 /** Follows an effect that has been applied to the state. */
-void noteChanges(LinkSummary &summary, const DBLinkState &state, const Effect &effect);
+void followEffect(LinkSummary &summary, const DBLinkState &state, const Effect &effect);
 
 /** Stops trusting the summary for good: the state may change without notice. */
 void expose(LinkSummary &summary);

@@ -1,5 +1,6 @@
 #include "computation/backup/indexed/pricing.h"
 
+#include "database/books/lookup.h"
 #include "database/reservations/question.h"
 #include "error/report.h"
 
@@ -32,7 +33,8 @@ LinkPricing::LinkPricing(DataBase &database, const DBLabelSwitchedPath &protecte
                          const BackupDemand &backupDemand, BackupType backupType)
     : db(database), index(database.backups), primary(protectedLSP), demand(backupDemand),
       type(backupType), bandwidth(totalBandwidth(protectedLSP)),
-      least(costOf(0.0, 0.0, 1, bandwidth)), ownBit(1U << demand.oa), needs(database, backupDemand)
+      least(costOf(0.0, 0.0, 1, bandwidth)), ownClass(ClassTypes::only(demand.oa)),
+      needs(database, backupDemand)
 {
 }
 
@@ -63,7 +65,7 @@ void LinkPricing::placeOn(Long position)
 {
     if (index.isAsked[position])
         return;
-    noteStale(index, position);
+    markStale(index, position);
     BackupFigures &own = figures[position];
     LevelFigures &levels = index.levels[demand.oa][position];
     own.derived = reservedOn(position);

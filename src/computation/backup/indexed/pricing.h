@@ -38,7 +38,8 @@ public:
             return priceExactly(position, start, placed);
         const BackupFigures &own = figures[position];
         const double reserved = reservedOn(position);
-        const bool lacksRoom = reserved > own.capacity || (index.overfull[position] & ~ownBit) != 0;
+        const bool lacksRoom =
+            reserved > own.capacity || !index.overfull[position].without(ownClass).isEmpty();
         const double cost = lacksRoom  ? infeasible
                             : isSimple ? costOf(own.stored, reserved, 1, bandwidth)
                                        : costInClasses(position, reserved);
@@ -70,7 +71,7 @@ private:
     BackupType type;
     double bandwidth; ///< in all class types
     double least;
-    unsigned ownBit;                  ///< of the backup's class type
+    ClassTypes ownClass;              ///< the backup's
     BackupFigures *figures = nullptr; ///< of the backup's class type
     bool isSimple = false; ///< no other class type reserves, and the hop factor is always 1
     FailureNeeds needs;

@@ -49,16 +49,16 @@ public:
     /** Appends the path found last, from its end to its start; 0, or -1 after a message. */
     [[nodiscard]] int writePath(LongVec &path) const;
     /** Takes the reservation of a request out of the working states of its hops. */
-    void takeOut(const LSPRequest &req) { evaluateHops(req, REMOVE); }
+    void takeOut(LSPRequest &req) { evaluateHops(req, REMOVE); }
     /** Puts the reservation of a request into the working states of its hops. */
-    void putIn(const LSPRequest &req) { evaluateHops(req, SETUP); }
+    void putIn(LSPRequest &req) { evaluateHops(req, SETUP); }
 
 private:
     void reset();
     int relaxLinksOf(CPDijkNode &settled);
     int relax(CPDijkNode &settled, CPDijkNode &neighbour);
     CPDijkNode *nodeOf(Long id) const;
-    void evaluateHops(const LSPRequest &req, operation op);
+    void evaluateHops(LSPRequest &req, operation op);
 
     DataBase &db;
     const DBLabelSwitchedPath &primary;

@@ -1,6 +1,7 @@
 #include "computation/backup/plain/working_states.h"
 
 #include "common/records.h"
+#include "database/books/lookup.h"
 #include "error/report.h"
 
 namespace
@@ -19,7 +20,7 @@ bool reportIfFree(Long link, Long src, Long dst)
     return true;
 }
 
-DBLinkState *copyOf(const DBLinkState &state)
+DBLinkState *copyOf(DBLinkState &state)
 {
     Owned<DBLinkState, DBlinkStateDestroy> copy{DBlinkStateNew()};
     if (!copy)

@@ -28,13 +28,9 @@ LinkAppraisal::LinkAppraisal(DataBase &database, const LSPRequest &request)
     : db(database), req(request), level(levelFor(request))
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
-        if (req.bw[oa] != 0.0) {
-            requested.add(oa);
-            requestedBits |= 1U << oa;
-        }
-        if (weights.load[oa] != 0.0 || tellsLinksApart(weights, oa) ||
-            (weights.Fortz != 0.0 && req.bw[oa] != 0.0))
-            scored.add(oa);
+        requested.set(oa, req.bw[oa] != 0.0);
+        scored.set(oa, weights.load[oa] != 0.0 || tellsLinksApart(weights, oa) ||
+                           (weights.Fortz != 0.0 && req.bw[oa] != 0.0));
     }
 }
 
@@ -46,11 +42,12 @@ int LinkAppraisal::levelFor(const LSPRequest &request)
 LinkAppraisal::Form LinkAppraisal::form() const
 {
     const auto isLoad = [this](int oa) { return !tellsLinksApart(weights, oa); };
-    if (!std::all_of(scored.begin(), scored.end(), isLoad))
+    if (!std::ranges::all_of(scored, isLoad))
         return Form::listed;
     if (weights.Fortz == 0.0)
         return Form::alike;
-    return scored.count == 1 && weights.load[scored.items[0]] == 0.0 ? Form::graded : Form::listed;
+    return scored.count() == 1 && weights.load[*scored.begin()] == 0.0 ? Form::graded
+                                                                       : Form::listed;
 }
 
 Long LinkAppraisal::termsPerLink() const
@@ -67,10 +64,9 @@ void LinkAppraisal::judge(unsigned char *verdicts)
         std::fill_n(verdicts, count, admitted);
         return;
     }
-    const auto others = static_cast<unsigned char>(~requestedBits);
     std::transform(index.doubtful[level], index.doubtful[level] + count, verdicts,
-                   [others](unsigned char doubtful) -> unsigned char {
-                       return (doubtful & others) != 0 ? unsettled : admitted;
+                   [this](ClassTypes doubtful) -> unsigned char {
+                       return doubtful.without(requested).isEmpty() ? admitted : unsettled;
                    });
     for (const int oa : requested)
         judgeClass(oa, verdicts);
@@ -136,7 +132,7 @@ void LinkAppraisal::forEachTerm(Long link, Add add) const
 
 bool LinkAppraisal::fill(GradedTerms &terms) const
 {
-    const int oa = scored.items[0];
+    const int oa = *scored.begin();
     for (std::size_t piece = 0; piece < fortzSlopes.size(); ++piece) {
         terms.increments[piece] = fortzIncrement(weights, piece, req.bw[oa]);
         if (!isInRange(terms.increments[piece]))

@@ -6,25 +6,14 @@
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_LINK_APPRAISAL_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_LINK_APPRAISAL_H
 
+#include "common/class_types.h"
 #include "common/setup.h"
 #include "computation/computation.h"
 #include "computation/primary/indexed/link_terms.h"
 #include "database/books/network.h"
 
-#include <array>
-
 /** What is known of a link for a request; the largest of several holds. */
 enum Verdict : unsigned char { admitted = 0, unsettled = 1, refused = 2 };
-
-/** Some class types. */
-struct ClassList {
-    std::array<int, MAXOA> items{};
-    int count = 0;
-
-    void add(int oa) { items[static_cast<std::size_t>(count++)] = oa; }
-    const int *begin() const { return items.data(); }
-    const int *end() const { return items.data() + count; }
-};
 
 /** Appraises the links for one request, over an index that is up to date for its level. */
 class LinkAppraisal
@@ -70,9 +59,8 @@ private:
     const LSPRequest &req;
     const PrimaryComputationConfig &weights = tarnexConfig.primaryComputationConfig;
     int level;
-    ClassList requested;
-    ClassList scored; ///< whose increments depend on a weight
-    unsigned requestedBits = 0;
+    ClassTypes requested{};
+    ClassTypes scored{}; ///< whose increments depend on a weight
 };
 
 #endif

@@ -1,6 +1,7 @@
 #include "computation/primary/plain/topology.h"
 
 #include "common/records.h"
+#include "database/books/lookup.h"
 #include "error/report.h"
 #include "predicate/predicate.h"
 

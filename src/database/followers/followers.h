@@ -1,0 +1,69 @@
+/**
+ * What follows the books: four kinds of tables are derived from the nodes, the links and their
+ * states, and whoever changes those calls one function here, which sees to all four.
+ *
+ * - The summary of a link (reservations/summary.h): which failures need anything on it, and how
+ *   much at most.
+ * - The index of the network (indices/network_index.h): nodes and links under consecutive numbers,
+ *   and of each link what decides whether a primary fits.
+ * - The index for backups (indices/backup_index.h): what each link reserves.
+ * - The carriers of failures (indices/failure_carriers.h): the failure tables of all links, by
+ *   failing link.
+ *
+ * Who is dropped, who is marked to be looked at before the next search, who follows at once:
+ *
+ *   event                 summary of the link   network index  backup index  carriers
+ *   --------------------  --------------------  -------------  ------------  --------------------
+ *   a node comes or goes  needs, on next use    dropped        dropped       stay
+ *   a link comes          made; the others:     dropped        dropped       follow: its slots in
+ *                         as with a node
+ *   a link goes           goes with it; the     dropped        dropped       follow: its slots out;
+ *                         others: as with a                                  dropped if its state
+ *                         node                                               was handed out, or
+ *                                                                            with the last link
+ *   a state is replaced   made anew             marked         marked        follow: slots out, in
+ *   a state is handed     distrusted for good   marked, before marked,       stay, though this link
+ *   out for writing                             every search   likewise      may leave them
+ *   an effect is applied  follows               marked, in its marked        follow, slot by slot
+ *                                               class types
+ *
+ * A summary forgets the needs it knows when it is next used and finds that the topology has
+ * changed (bringToTopology). Whatever finds no memory to follow is dropped or distrusted, which
+ * costs time but changes no result.
+ *
+ * Reading goes the other way: a search asks an index to bring itself up to date, and what a
+ * question works out a summary remembers. Neither changes the books, so neither comes by here.
+ */
+#ifndef TARNEX_DATABASE_FOLLOWERS_FOLLOWERS_H
+#define TARNEX_DATABASE_FOLLOWERS_FOLLOWERS_H
+
+#include "database/books/network.h"
+#include "database/reservations/effect.h"
+
+/** A node has come, or is about to go. */
+void followNode(DataBase &db);
+
+/**
+ * A link has been stored, with its state.
+ *
+ * @param isWhole false when its id does not lead to it: the addition has remained incomplete
+ */
+void followNewLink(DataBase &db, DBLink &link, bool isWhole);
+
+/** A stored link is about to go. */
+void followLeavingLink(DataBase &db, const DBLink &link);
+
+/** Exchanges the stored state of a link with another one. */
+void exchangeState(DataBase &db, DBLink &link, DBLinkState &other);
+
+/** The stored state of a link, for somebody outside to read and, at any later time, to write. */
+DBLinkState &handOutState(DataBase &db, DBLink &link);
+
+/** Applies an effect to the tables of a stored link, which have the room for it; its `rbw` is left
+ * to the caller. */
+void applyToStored(DataBase &db, DBLink &link, const Effect &effect);
+
+/** Releases everything that follows the books, but for the links' summaries. */
+void endFollowers(DataBase &db);
+
+#endif

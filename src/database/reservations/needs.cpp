@@ -1,0 +1,108 @@
+#include "database/reservations/needs.h"
+
+#include "common/records.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <limits>
+
+namespace
+{
+
+/** Sizes of what the tables of a state hold, so that rows add them up. */
+struct SizeTables {
+    StateTables present;
+
+    double backup(int oa, int p, Long k) const { return std::abs(present.backup(oa, p, k)); }
+    double freed(int oa, int p, Long k) const { return -std::abs(present.freed(oa, p, k)); }
+};
+
+/** Raises `largest` by every row that can exceed 0 and has no part in the failure of link `own`. */
+void raiseByFailuresOfOthers(const DataBase &db, const StateTables &tables,
+                             const LinkSummary &summary, Long own, int oa, Needs &largest)
+{
+    const DBNode *entered = nodeEntered(db, own);
+    const auto itself = [](Long link) { return link; };
+    for (const Long k : inUse(summary.needy[oa])) {
+        if (nodeEntered(db, k) != entered)
+            raiseByFailuresOf(db, tables, oa, k, largest);
+        else if (k != own)
+            raiseByRow(tables, oa, std::array{k}, itself, largest);
+    }
+}
+
+/** Whether these are the largest needs that the tables themselves give; for debug builds. */
+[[maybe_unused]] bool areLargest(const DataBase &db, const StateTables &tables, int oa,
+                                 const Needs &largest)
+{
+    Needs derived{};
+    raiseByNeedySlots(db, NeedySlots{db, tables, nullptr}, tables, oa, derived);
+    return std::ranges::equal(derived, largest);
+}
+
+} // namespace
+
+DBLink *linkStoring(const DataBase &db, Long src, Long dst, const DBLinkState &ls)
+{
+    DBLink *link = linkAt(db.linkTab, src, dst);
+    return link && &link->state == &ls ? link : nullptr;
+}
+
+LinkSummary *trustedSummary(DBLink *link)
+{
+    return link && link->summary.isTrusted ? &link->summary : nullptr;
+}
+
+void presentLargest(const DataBase &db, const StateTables &tables, LinkSummary *summary, int oa,
+                    Needs &largest)
+{
+    if (summary)
+        bringToTopology(*summary, db.topology);
+    if (summary && summary->known.has(oa)) {
+        std::ranges::copy(summary->largest[oa], largest);
+        assert(areLargest(db, tables, oa, largest));
+        return;
+    }
+    std::ranges::fill(largest, 0.0);
+    raiseByNeedySlots(db, NeedySlots{db, tables, summary}, tables, oa, largest);
+    assert(!summary || areLargest(db, tables, oa, largest));
+    if (!summary)
+        return;
+    summary->known.set(oa, true);
+    std::ranges::copy(largest, summary->largest[oa]);
+}
+
+bool keepsLargest(const DataBase &db, const StateTables &present, const Effect &effect, int oa,
+                  const LinkSummary &summary)
+{
+    const Shift shift = shiftOf(effect, oa);
+    if (shift != Shift::down || summary.needy[oa].top == 0)
+        return shift == Shift::none || shift == Shift::down;
+    Needs lowered{};
+    raiseByChanges(db, present, effect, oa, summary.needy[oa], lowered);
+    return areBelow(lowered, summary.largest[oa]);
+}
+
+LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa)
+{
+    LinkNeeds needs{};
+    LinkSummary *summary = trustedSummary(&link);
+    if (!summary || link.id >= maxSlots) { // no table could have the slot of such a link
+        std::ranges::fill(needs.ofOthers, std::numeric_limits<double>::quiet_NaN());
+        return needs;
+    }
+    if (summary->needy[oa].top == 0)
+        return needs;
+    const StateTables tables = tablesOf(link.state);
+    presentLargest(db, tables, summary, oa, needs.ofOthers);
+    raiseByFailuresOf(db, tables, oa, link.id, needs.ofOwn);
+    Needs sizes{};
+    raiseByFailuresOf(db, SizeTables{tables}, oa, link.id, sizes);
+    needs.magnitude = sizes[MAXPL - 1];
+    if (!areBelow(needs.ofOwn, needs.ofOthers)) {
+        std::ranges::fill(needs.ofOthers, 0.0);
+        raiseByFailuresOfOthers(db, tables, *summary, link.id, oa, needs.ofOthers);
+    }
+    return needs;
+}
