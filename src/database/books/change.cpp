@@ -209,9 +209,10 @@ int DBsetLinkState(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS)
     DBLink *link = existingLink(dataBase, src, dst);
     if (!link)
         return -1;
-    // Copied aside first: a stored state is replaced as a whole or not at all.
+    // Copied over a copy: a stored state is replaced as a whole or not at all.
     const Owned<DBLinkState, DBlinkStateDestroy> copy{DBlinkStateNew()};
-    if (!copy || DBlinkStateCopy(copy.get(), newLS) != 0)
+    if (!copy || DBlinkStateCopy(copy.get(), &link->state) != 0 ||
+        DBlinkStateCopy(copy.get(), newLS) != 0)
         return here.fail(
             "Impossible to set linkstate on link (src = %ld, dst = %ld) in %s at line %d",
             long{src}, long{dst});

@@ -39,7 +39,8 @@ int DBdestroy(DataBase *dataBase);
 DBLinkState *DBgetLinkState(DataBase *dataBase, Long src, Long dst);
 /**
  * Copies `newLS` into the state of the link from `src` to `dst`, as a whole or, without memory, not
- * at all. */
+ * at all. As in DBlinkStateCopy, slots beyond the capacity of `newLS` keep their values.
+ */
 [[nodiscard]] int DBsetLinkState(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS);
 
 #endif

@@ -4,6 +4,7 @@
 #include "error/report.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace
@@ -38,6 +39,14 @@ double partnerAmount(const LSPView &lsp, const DBLabelSwitchedPath &partner, int
     if (lsp.precedence != partner.precedence)
         return lsp.bw[oa];
     return std::max(0.0, lsp.bw[oa] - partner.bw[oa]);
+}
+
+/** Reports what growing a table for the slot of such a link would. */
+void reportTooLong()
+{
+    Scoped<DoubleVec, dblVecEnd> table;
+    if (dblVecInit(&table, 0) == 0)
+        static_cast<void>(dblVecResize(&table, std::numeric_limits<Long>::max()));
 }
 
 /** Builds one effect; a helper that meets a flaw notes it and returns false. */
@@ -303,6 +312,8 @@ int report(const Effect &effect)
             here.push(CRITICAL, "Bad argument (NULL or negative value) in %s at line %d");
         return here.fail("Cannot determine link ID in %s at line %d");
     case EffectFlaw::tableTooLong:
+        reportTooLong();
+        return here.fail("Critical lack of memory in %s at line %d");
     case EffectFlaw::noMemory:
         return here.fail("Critical lack of memory in %s at line %d");
     }

@@ -1,7 +1,6 @@
 #include "database/update/update.h"
 
 #include "common/records.h"
-#include "common/vector.h"
 #include "database/followers/followers.h"
 #include "database/reservations/apply_effect.h"
 #include "database/reservations/needs.h"
@@ -74,6 +73,12 @@ void settle(const DataBase &db, DBLink &link)
     }
 }
 
+/** Gives a table so many slots; false after a message. */
+bool growTo(DoubleVec &table, Long slots)
+{
+    return slots <= table.size || dblVecResize(&table, slots) == 0;
+}
+
 } // namespace
 
 int makeRoomFor(const Effect &effect, DBLinkState &ls)
@@ -87,8 +92,8 @@ int makeRoomFor(const Effect &effect, DBLinkState &ls)
             if (effect.amount(change, oa) != 0.0)
                 needed = std::max(needed, change.slot + 1);
         }
-        if (!vec::grow(ls.bbw[oa][effect.level], longest[0]) ||
-            !vec::grow(ls.fbw[oa][effect.level], longest[1]))
+        if (!growTo(ls.bbw[oa][effect.level], longest[0]) ||
+            !growTo(ls.fbw[oa][effect.level], longest[1]))
             return here.fail("Critical lack of memory in %s at line %d");
     }
     return 0;
