@@ -72,7 +72,7 @@ bool build(const DataBase &db, BackupIndex &index)
     if (!index.block)
         return false;
     layOut(index, index.block);
-    index.isUsual = areTranslatorsWhole(db);
+    index.idsLeadToLinks = areTranslatorsWhole(db);
     number(db, index);
     index.isCurrent = true;
     return true;
@@ -144,7 +144,7 @@ bool bringBackupsUpToDate(DataBase &db, int oa)
     BackupIndex &index = db.backups;
     const bool isDone = numberNetwork(db) && (index.isCurrent || build(db, index)) &&
                         refreshStale(db, index) && (index.figures[oa] || addClass(index, oa)) &&
-                        (!index.isUsual || listCarriers(db, oa));
+                        (!index.idsLeadToLinks || listCarriers(db, oa));
     if (!isDone)
         endBackupIndex(index);
     return isDone;

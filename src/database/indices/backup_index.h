@@ -7,6 +7,9 @@
  * same numbers, however often it is dropped and made again. Positions number the links by source
  * and then destination, so that those out of a node stand together.
  *
+ * Building costs a pass over all links and their ids, and what every link needs is worked out once;
+ * after that a computation pays for the links listed as stale. Asking is one array access.
+ *
  * Writers: what follows the books (database/followers/followers.h), which releases an index or
  * lists links as stale; bringBackupsUpToDate, before a search; a search that places backups, which
  * works on the figures themselves and lists what it has changed as stale.
@@ -38,7 +41,7 @@ struct LevelFigures {
 /** The index of one database; owns its tables, borrows the links. */
 struct BackupIndex {
     bool isCurrent;
-    bool isUsual;                  ///< whether each link is the one of its id, as it should be
+    bool idsLeadToLinks;           ///< whether each link is the one of its id, as it should be
     Long nbLinks;                  ///< number of links
     Long nbIds;                    ///< one more than the largest link id
     Long *positionOfId;            ///< position by link id, -1 without a link
@@ -57,8 +60,8 @@ struct BackupIndex {
 };
 
 /**
- * Makes the index current, with no stale figures, and with the figures of class type `oa`; if it is
- * usual, with the carriers of the class type (database/indices/failure_carriers.h). False without
+ * Makes the index current, with no stale figures, and with the figures of class type `oa`; if its
+ * ids lead to the links, with the carriers of the class type (database/indices/failure_carriers.h). False without
  * memory.
  */
 [[nodiscard]] bool bringBackupsUpToDate(DataBase_ &db, int oa);

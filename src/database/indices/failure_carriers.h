@@ -7,6 +7,9 @@
  * the stored links that are not 0, with their values; but for links whose state somebody outside
  * may write.
  *
+ * Listing a class type reads the tables of all links in it, once. From then on a change of a slot
+ * costs a search through the list of its failing link, and asking for a failure that list alone.
+ *
  * Writers: listCarriers, for the first search of backups in a class type; after that what follows
  * the books (database/followers/followers.h). Without memory to follow a change all lists are
  * dropped, and made anew by the next search; they go with the last link, too.

@@ -14,8 +14,8 @@ constexpr Unit here{"database/database"};
 
 using Path = std::span<const Long>;
 
-/** First position of `node` at or after `from`; -1 when it is not there. */
-std::ptrdiff_t positionOf(Path path, Long node, std::ptrdiff_t from = 0)
+/** Where `node` first stands at or after `from`; -1 when it does not. */
+std::ptrdiff_t findNode(Path path, Long node, std::ptrdiff_t from = 0)
 {
     const auto found = std::find(path.begin() + from, path.end(), node);
     return found == path.end() ? -1 : found - path.begin();
@@ -28,7 +28,7 @@ Long nodeOn(Path path, std::ptrdiff_t position) { return path[static_cast<std::s
 /** Position of the hop src->dst, judged at the first occurrence of `src`; -1 when it is no hop. */
 std::ptrdiff_t hopPosition(Path path, Long src, Long dst)
 {
-    const std::ptrdiff_t k = positionOf(path, src);
+    const std::ptrdiff_t k = findNode(path, src);
     const bool isHop = k >= 0 && k < lastPosition(path) && nodeOn(path, k + 1) == dst;
     return isHop ? k : -1;
 }
@@ -133,7 +133,7 @@ private:
         if (!checkLink(head, tail) ||
             (onPath && !change(head, tail, FailureTable::backup, rerouting, 1)))
             return false;
-        const std::ptrdiff_t e = positionOf(lsp.primPath, lsp.path.back(), b);
+        const std::ptrdiff_t e = findNode(lsp.primPath, lsp.path.back(), b);
         const bool bypassed = primHop >= b && primHop < e;
         return primHop < 0 || bypassed || change(head, tail, FailureTable::freed, rerouting, -1);
     }
@@ -151,7 +151,7 @@ private:
     /** Position on the protected path at which the backup starts; -1 when it is not on it. */
     std::ptrdiff_t firstProtected() const
     {
-        return lsp.path.empty() ? -1 : positionOf(lsp.primPath, lsp.path.front());
+        return lsp.path.empty() ? -1 : findNode(lsp.primPath, lsp.path.front());
     }
 
     bool changeHops(std::ptrdiff_t from, std::ptrdiff_t to, FailureTable table, signed char sign)

@@ -10,29 +10,29 @@
 namespace
 {
 
-/** Position of a slot in a sorted list, or where it would stand. */
-Long positionOf(const LongList &list, Long slot)
+/** Where a slot stands in a sorted list, or would stand. */
+Long rankOf(const LongList &list, Long slot)
 {
     const auto used = inUse(list);
     return static_cast<Long>(std::ranges::lower_bound(used, slot) - used.begin());
 }
 
-bool isListedAt(const LongList &list, Long position, Long slot)
+bool isListedAt(const LongList &list, Long rank, Long slot)
 {
-    return position < list.top && list.cont[position] == slot;
+    return rank < list.top && list.cont[rank] == slot;
 }
 
 /** Puts a slot into a sorted list if it is not there; false without memory. */
 bool enlist(LongList &list, Long slot)
 {
-    const Long position = positionOf(list, slot);
-    if (isListedAt(list, position, slot))
+    const Long rank = rankOf(list, slot);
+    if (isListedAt(list, rank, slot))
         return true;
     if (!(list.cont ? vec::makeRoom(list) : vec::make(list, 4)))
         return false;
-    Long *place = list.cont + position;
-    std::copy_backward(place, list.cont + list.top, list.cont + list.top + 1);
-    *place = slot;
+    Long *gap = list.cont + rank;
+    std::copy_backward(gap, list.cont + list.top, list.cont + list.top + 1);
+    *gap = slot;
     list.top += 1;
     return true;
 }
@@ -40,10 +40,10 @@ bool enlist(LongList &list, Long slot)
 /** Takes a slot that is no longer needy out of its list. */
 void strikeUnlessNeedy(LongList &list, const StateTables &tables, int oa, Long slot)
 {
-    const Long position = positionOf(list, slot);
-    if (!isListedAt(list, position, slot) || isNeedy(tables, oa, slot))
+    const Long rank = rankOf(list, slot);
+    if (!isListedAt(list, rank, slot) || isNeedy(tables, oa, slot))
         return;
-    std::copy(list.cont + position + 1, list.cont + list.top, list.cont + position);
+    std::copy(list.cont + rank + 1, list.cont + list.top, list.cont + rank);
     list.top -= 1;
 }
 

@@ -1,18 +1,28 @@
 /**
  * What is known of a stored link's failure tables without reading them.
  *
- * Invariant: while a summary is trusted, its list for a class type holds, ascending, exactly the
- * needy slots of the link's tables (database/reservations/failure_tables.h), and the largest needs
- * of a class type that is known for the present topology are those that its rows give. The tables
- * of a link that carries only primaries need not be read at all. For that topology, too, what the
- * tables make a settled class type reserve is what the state says, and so exactly that an effect of
- * 0 on it changes nothing; and no sum of what they make a roomy one reserve, from the most
- * important level on, exceeds the capacity.
+ * The tables have a slot for each failing link, nearly all of them 0, and every question about the
+ * link comes down to the largest need over all failures. A summary remembers, per class type:
  *
- * Writers: summarize, for a state that was handed in; followEffect, after an effect was applied;
- * what holds for a topology where reservations are worked out (database/reservations/question.cpp);
- * and expose, once somebody outside holds the stored state. A summary that is not trusted, for that
- * reason or for lack of memory, is not used: the tables are read instead.
+ * - `needy`: the slots whose failure can need anything. A link that carries only primaries has
+ *   none, and its tables are not read at all.
+ * - `largest`, where `known`: the largest needs, so that an LSP is only compared with them.
+ * - `settled`: an LSP without bandwidth in the class type leaves every value of it as it is, to the
+ *   bit. Two values could change otherwise: an `rbw` that was handed in with the link gives way to
+ *   the one that the tables give, and a -0.0 in `pbw` becomes 0.0 when 0.0 is added. So a class
+ *   type is settled once its `rbw` has been worked out and its `pbw` holds no -0.0.
+ * - `roomy`: the reservations do not exceed the capacity, whatever levels are counted.
+ *
+ * The lists hold, ascending, exactly the needy slots (reservations/failure_tables.h), for as long
+ * as the summary is trusted. The other three also depend on which links enter which node, so they
+ * hold for one topology and are forgotten on the first use after it has changed.
+ *
+ * Nobody can follow a state that is written from outside: once one has been handed out, or a list
+ * has found no memory, the summary is not trusted and the tables are read instead.
+ *
+ * Writers: what follows the books (database/followers/followers.h); and the questions, which leave
+ * here what they have worked out (reservations/needs.h, reservations/question.h) or, after an
+ * update, made true (database/update/update.h).
  */
 #ifndef TARNEX_DATABASE_RESERVATIONS_SUMMARY_H
 #define TARNEX_DATABASE_RESERVATIONS_SUMMARY_H
@@ -27,9 +37,9 @@ struct LinkSummary {
     bool isTrusted;     ///< whether the lists are exact
     bool isExposed;     ///< whether the state may be written from outside: never trusted again
     Long topology;      ///< count of topology changes that the next three hold for
-    ClassTypes known;   ///< class types whose `largest` is known
-    ClassTypes settled; ///< those whose `rbw` is what the tables give, with no negative 0 in `pbw`
-    ClassTypes roomy;   ///< those in which the link is not overfull up to any level
+    ClassTypes known;   ///< where `largest` holds
+    ClassTypes settled; ///< where an effect of 0 changes nothing
+    ClassTypes roomy;   ///< where the link is not overfull up to any level
     LongList needy[MAXOA];        ///< needy slots by class type; without contents until the first
     double largest[MAXOA][MAXPL]; ///< largest need over all failures, at each level
 };

@@ -70,7 +70,7 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
         return Service::noMemory;
     layOut(workspace);
     pricing.begin();
-    if (!db.backups.isUsual)
+    if (!db.backups.idsLeadToLinks)
         return Service::impossible;
     askOnOwnHops(true);
     isServing = true;
