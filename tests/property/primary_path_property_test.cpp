@@ -80,6 +80,8 @@ TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
     const double gain = 25;
     EXPECT_EQ(makeRerouteScore(request.get(), &gain, state.get(), 0), infinity);
     expectTrail({"internal error: impossible to realize gain"});
+    state->rbw[0][7] = std::numeric_limits<double>::quiet_NaN(); // is not less than what remains
+    EXPECT_EQ(makeRerouteScore(request.get(), &gain, state.get(), 0), 2.5);
     // Breakpoints are single-precision but for 9/10, and what is no number takes the last slope.
     weights = {};
     weights.Fortz = 2;
