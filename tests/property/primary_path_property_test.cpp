@@ -164,12 +164,17 @@ TEST_F(PrimaryPathProperty, DriverWritesThePathOrSaysWhy)
 
 TEST_F(PrimaryPathProperty, PathsAvoidALinkWhoseIdNoTableHasRoomFor)
 {
-    weights.load[0] = 1;
-    tarnexConfig.predicateConfig.capacityClause = true;
-    build(networkOf("268435455:0-1 1:1-0 2:0-2 3:2-1"));
-    ask(0.25, {0, -1, 1});
-    EXPECT_EQ(computePrimaryPath(db, request.get()), 0);
-    EXPECT_EQ(idsIn(request->path), (NodePath{0, 2, 1}));
+    build(networkOf("268435454:0-1 1:1-0 2:0-2 3:2-1"));
+    for (const auto weight : {&W::load, &W::sqLoad}) {
+        for (const bool testsCapacity : {true, false}) {
+            weights = {};
+            (weights.*weight)[0] = 1;
+            tarnexConfig.predicateConfig.capacityClause = testsCapacity;
+            ask(0.25, {0, -1, 1});
+            EXPECT_EQ(computePrimaryPath(db, request.get()), 0);
+            EXPECT_EQ(idsIn(request->path), (NodePath{0, 2, 1}));
+        }
+    }
     errorManager.top = 0; // the predicate says why, and a debug build asks it again
 }
 
