@@ -23,6 +23,7 @@ struct ClassTypes {
     int count() const { return std::popcount(bits); }
     void set(int oa, bool isMember) { *this = isMember ? *this | only(oa) : without(only(oa)); }
 
+    bool operator==(const ClassTypes &other) const = default;
     ClassTypes operator|(ClassTypes others) const { return of(bits | others.bits); }
     ClassTypes without(ClassTypes others) const { return of(bits & ~unsigned{others.bits}); }
 

@@ -99,12 +99,12 @@ double makeRerouteScore(const LSPRequest *req, const double *gain, const DBLinkS
             return std::numeric_limits<double>::infinity();
         }
         const double rest = gain[oa] - bwGained;
-        if (rest <= ls->rbw[oa][p]) {
-            score += coefficient[p] * rest;
+        const double reserved = ls->rbw[oa][p];
+        const bool needsWholeLevel = rest > reserved;
+        score += coefficient[p] * (needsWholeLevel ? reserved : rest);
+        if (!needsWholeLevel)
             break;
-        }
-        score += coefficient[p] * ls->rbw[oa][p];
-        bwGained += ls->rbw[oa][p];
+        bwGained += reserved;
     }
     return score / req->bw[oa];
 }

@@ -5,6 +5,7 @@
 #include "database/update/update.h"
 #include "property/session.h"
 
+#include <cmath>
 #include <map>
 #include <numeric>
 
@@ -304,6 +305,34 @@ TEST_F(Backups, KeepTheFirstWayToANodeAmongLinksWithoutCost)
         EXPECT_EQ(idsIn(path), (NodePath{0, 2, 1}));
         expectTrail(trail);
         path.cont[0] = 3; // what does not start on the primary is taken out with a message per hop
+    }
+}
+
+TEST_F(Backups, KeepTheOrderOfTheFrontierAmongCostsThatAreNoNumbers)
+{
+    const struct {
+        const char *links;
+        Hop noNumber, free; ///< what the links reserve already: no number, the backup's bandwidth
+        NodePath path;
+    } rows[] = {
+        {"0:0-1 1:0-2 2:2-1 3:0-3 4:3-1", {2, 1}, {0, 1}, {0, 3, 1}}, // improves nothing
+        {"0:0-1 1:0-2 2:2-0 3:0-3 4:3-1 5:0-4 6:4-1", {0, 3}, {0, 2}, {0, 3, 1}}, // before 4
+    };
+    const State reserved{DBlinkStateNew()};
+    reserved->cap[0] = 100.0;
+    for (const auto &row : rows) {
+        DBdestroy(db);
+        db = DBnew(1);
+        ASSERT_EQ(addNetwork(db, networkOf(row.links)), 0);
+        ASSERT_EQ(DBaddLSP(db, recordOf({.id = 5, .bw = {1.0}, .path = {0, 1}}).get(), &preempted),
+                  0);
+        for (const auto &[hop, rbw] : {std::pair{row.noNumber, std::nan("")}, {row.free, 1.0}}) {
+            reserved->rbw[0][0] = rbw;
+            ASSERT_EQ(DBsetLinkState(db, hop.first, hop.second, reserved.get()), 0);
+        }
+        Requests requests;
+        EXPECT_EQ(computeBackup(db, &requests.list, 5, GLOBAL_BACKUP), 0);
+        EXPECT_EQ(idsIn(requests.list.cont[0].path), row.path);
     }
 }
 

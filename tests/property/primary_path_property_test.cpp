@@ -81,6 +81,8 @@ TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
     const double gain = 25;
     EXPECT_EQ(makeRerouteScore(request.get(), &gain, state.get(), 0), infinity);
     expectTrail({"internal error: impossible to realize gain"});
+    state->rbw[0][7] = std::numeric_limits<double>::quiet_NaN(); // is not less than what remains
+    EXPECT_EQ(makeRerouteScore(request.get(), &gain, state.get(), 0), 2.5);
     // Breakpoints are single-precision but for 9/10, and what is no number takes the last slope.
     weights = {};
     weights.Fortz = 2;
@@ -163,12 +165,17 @@ TEST_F(PrimaryPathProperty, DriverWritesThePathOrSaysWhy)
 
 TEST_F(PrimaryPathProperty, PathsAvoidALinkWhoseIdNoTableHasRoomFor)
 {
-    weights.load[0] = 1;
-    tarnexConfig.predicateConfig.capacityClause = true;
-    build(networkOf("268435455:0-1 1:1-0 2:0-2 3:2-1"));
-    ask(0.25, {0, -1, 1});
-    EXPECT_EQ(computePrimaryPath(db, request.get()), 0);
-    EXPECT_EQ(idsIn(request->path), (NodePath{0, 2, 1}));
+    build(networkOf("268435454:0-1 1:1-0 2:0-2 3:2-1"));
+    for (const auto weight : {&W::load, &W::sqLoad}) {
+        for (const bool testsCapacity : {true, false}) {
+            weights = {};
+            (weights.*weight)[0] = 1;
+            tarnexConfig.predicateConfig.capacityClause = testsCapacity;
+            ask(0.25, {0, -1, 1});
+            EXPECT_EQ(computePrimaryPath(db, request.get()), 0);
+            EXPECT_EQ(idsIn(request->path), (NodePath{0, 2, 1}));
+        }
+    }
     errorManager.top = 0; // the predicate says why, and a debug build asks it again
 }
 

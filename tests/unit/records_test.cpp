@@ -3,6 +3,8 @@
 #include "database/books/lookup.h"
 #include "support/memory_faults.h"
 
+#include <cmath>
+
 namespace
 {
 
@@ -223,6 +225,26 @@ TEST_F(Records, RefuseWithTheirTrailAndChangeNothing)
     }
     EXPECT_LT(probe.largestRequest, 1000u);
     EXPECT_EQ(describe(owned), before);
+}
+
+TEST_F(Records, RemoveLspsFromAListThatBandwidthsPutOutOfOrder)
+{
+    const double noNumber = std::nan("");
+    const double bandwidths[] = {5, noNumber, 8, 3, noNumber, 9, 1, noNumber};
+    for (std::size_t first = 0; first < std::size(bandwidths); ++first) {
+        const Owned<DBLSPList, DBlspListDestroy> list{DBlspListNew(-1)};
+        std::vector<Owned<DBLabelSwitchedPath, DBlspDestroy>> lsps;
+        for (const double bw : bandwidths) {
+            lsps.emplace_back(DBlspNew());
+            lsps.back()->id = static_cast<Long>(lsps.size());
+            lsps.back()->bw[0] = bw;
+            EXPECT_GE(DBlspListInsert(list.get(), lsps.back().get()), 0);
+        }
+        std::ranges::rotate(lsps, lsps.begin() + static_cast<std::ptrdiff_t>(first));
+        for (const auto &lsp : lsps)
+            EXPECT_EQ(DBlspListRemove(list.get(), lsp.get()), 0);
+        EXPECT_EQ(list->top, 0);
+    }
 }
 
 TEST_F(Records, CountALinkWhoseIdNoTranslatorCanHold)

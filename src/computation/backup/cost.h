@@ -34,7 +34,8 @@ inline double costOf(double before, double after, std::ptrdiff_t factor, double 
 {
     constexpr double alpha = 10.0 / 11.0;
     constexpr double beta = 1.0 / 11.0;
-    return alpha * std::max(0.0, after - before) + beta * static_cast<double>(factor) * bandwidth;
+    const double growth = after - before;
+    return alpha * (growth < 0.0 ? 0.0 : growth) + beta * static_cast<double>(factor) * bandwidth;
 }
 
 /**

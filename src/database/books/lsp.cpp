@@ -165,5 +165,10 @@ int DBlspListRemove(DBLSPList *list, DBLabelSwitchedPath *lsp)
             return 0;
         }
     }
-    return here.warn("Removing inexistent LSP in %s at line %d");
+    // Bandwidths that are no numbers have no place in the order.
+    const auto same = std::ranges::find(inUse(*list), lsp);
+    if (same == inUse(*list).end())
+        return here.warn("Removing inexistent LSP in %s at line %d");
+    removeAt(*list, static_cast<Long>(same - inUse(*list).begin()));
+    return 0;
 }

@@ -7,6 +7,7 @@
 #include "database/reservations/question.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -102,7 +103,6 @@ bool refresh(const DataBase &db, BackupIndex &index, Long position)
     DBLink &link = *index.links[position];
     double rbw[MAXOA][MAXPL];
     reservationFromTables(db, link, rbw);
-    index.isAsked[position] = !link.summary.isTrusted;
     index.overfull[position] = {};
     for (int oa = 0; oa < MAXOA; ++oa) {
         const double derived = sumOf(rbw[oa]);
@@ -119,6 +119,7 @@ bool refresh(const DataBase &db, BackupIndex &index, Long position)
         index.figures[oa][position] = {state.cap[oa], derived, sumOf(state.rbw[oa]), 0.0, 0};
         flatten(index.levels[oa][position], index.figures[oa][position]);
     }
+    index.isAsked[position] = !hasReliableFigures(index, position);
     return true;
 }
 
@@ -148,6 +149,21 @@ bool bringBackupsUpToDate(DataBase &db, int oa)
     if (!isDone)
         endBackupIndex(index);
     return isDone;
+}
+
+bool addUp(const BackupIndex &index, Long position)
+{
+    double sum = 0.0;
+    for (const BackupFigures *figures : index.figures) {
+        if (figures)
+            sum += std::abs(figures[position].derived) + std::abs(figures[position].stored);
+    }
+    return sum <= largestBandwidth;
+}
+
+bool hasReliableFigures(const BackupIndex &index, Long position)
+{
+    return index.links[position]->summary.isTrusted && addUp(index, position);
 }
 
 void flatten(const LevelFigures &levels, BackupFigures &figures)

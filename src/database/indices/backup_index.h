@@ -66,6 +66,15 @@ struct BackupIndex {
  */
 [[nodiscard]] bool bringBackupsUpToDate(DataBase_ &db, int oa);
 
+/** Bandwidths up to this one can be added up, many times over, without leaving the numbers. */
+inline constexpr double largestBandwidth = 1e280;
+
+/** Whether the figures of a position, over all class types, add up to no more than that. */
+bool addUp(const BackupIndex &index, Long position);
+
+/** Whether a price can be worked out from the figures of a position alone. */
+bool hasReliableFigures(const BackupIndex &index, Long position);
+
 /** What the figures of all levels together take from those of each level, but for `derived`. */
 void flatten(const LevelFigures &levels, BackupFigures &figures);
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace
@@ -43,6 +44,20 @@ bool isSimple(std::span<const Long> path)
     return true;
 }
 
+/** Whether no link's cost can be other than a number, as the order of the frontier needs it. */
+bool doAllAddUp(const BackupIndex &index)
+{
+    const bool *end = index.isAsked + index.nbLinks;
+    for (const bool *at = index.isAsked; at != end; ++at) {
+        at = static_cast<const bool *>(std::memchr(at, 1, static_cast<std::size_t>(end - at)));
+        if (!at)
+            break;
+        if (!addUp(index, static_cast<Long>(at - index.isAsked)))
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 IndexedBackupSearch::IndexedBackupSearch(DataBase &database,
@@ -70,7 +85,7 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
         return Service::noMemory;
     layOut(workspace);
     pricing.begin();
-    if (!db.backups.idsLeadToLinks)
+    if (!db.backups.idsLeadToLinks || !doAllAddUp(db.backups))
         return Service::impossible;
     askOnOwnHops(true);
     isServing = true;
@@ -85,7 +100,8 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
 bool IndexedBackupSearch::isUsual() const
 {
     const bool isKnownType = type == LOCAL_BACKUP || type == GLOBAL_BACKUP;
-    const bool costsSomething = demand.bw > 0.0 && pricing.leastCost() > 0.0;
+    const bool costsSomething =
+        demand.bw > 0.0 && demand.bw <= largestBandwidth && pricing.leastCost() > 0.0;
     if (!isKnownType || !costsSomething || demand.level < 0 || demand.level >= MAXPL ||
         path.size() < 2 || !isSimple(path) || db.linkSrcVec.top > maxListedIds)
         return false;
@@ -112,8 +128,7 @@ void IndexedBackupSearch::askOnOwnHops(bool isAsked)
 {
     for (std::size_t i = 1; i < path.size(); ++i) {
         const Long position = positionOf(path[i - 1], path[i]);
-        const bool isTrusted = db.backups.links[position]->summary.isTrusted;
-        db.backups.isAsked[position] = isAsked || !isTrusted;
+        db.backups.isAsked[position] = isAsked || !hasReliableFigures(db.backups, position);
     }
 }
 

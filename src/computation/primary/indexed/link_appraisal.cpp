@@ -59,18 +59,11 @@ Long LinkAppraisal::termsPerLink() const
 
 void LinkAppraisal::judge(unsigned char *verdicts)
 {
-    const Long count = index.nbLinks;
-    if (!tarnexConfig.predicateConfig.capacityClause) {
-        std::fill_n(verdicts, count, admitted);
-        return;
-    }
-    std::transform(index.doubtful[level], index.doubtful[level] + count, verdicts,
-                   [this](ClassTypes doubtful) -> unsigned char {
-                       return doubtful.without(requested).isEmpty() ? admitted : unsettled;
-                   });
-    for (const int oa : requested)
-        judgeClass(oa, verdicts);
-    unsigned char *end = verdicts + count;
+    if (tarnexConfig.predicateConfig.capacityClause)
+        judgeByCapacity(verdicts);
+    else
+        judgeByIdsAlone(verdicts);
+    unsigned char *end = verdicts + index.nbLinks;
     for (unsigned char *at = std::find(verdicts, end, unsettled); at != end;
          at = std::find(at + 1, end, unsettled))
         *at = settle(static_cast<Long>(at - verdicts));
@@ -85,6 +78,29 @@ void LinkAppraisal::judge(unsigned char *verdicts)
             return false;
     }
     return true;
+}
+
+/** What the figures say of the capacities. */
+void LinkAppraisal::judgeByCapacity(unsigned char *verdicts) const
+{
+    std::transform(index.doubtful[level], index.doubtful[level] + index.nbLinks, verdicts,
+                   [this](ClassTypes doubtful) -> unsigned char {
+                       return doubtful.without(requested).isEmpty() ? admitted : unsettled;
+                   });
+    for (const int oa : requested)
+        judgeClass(oa, verdicts);
+}
+
+/**
+ * Without the capacities a link is admitted unless no table has room for its id: such a link is
+ * doubtful in every class type, which hardly any other is.
+ */
+void LinkAppraisal::judgeByIdsAlone(unsigned char *verdicts) const
+{
+    std::transform(index.doubtful[level], index.doubtful[level] + index.nbLinks, verdicts,
+                   [](ClassTypes doubtful) -> unsigned char {
+                       return doubtful == ClassTypes::all() ? unsettled : admitted;
+                   });
 }
 
 /** Raises verdicts by what the figures of one class type say. */
@@ -103,7 +119,8 @@ void LinkAppraisal::judgeClass(int oa, unsigned char *verdicts) const
 /** A class type that exceeds its capacity as it is refuses all; any other doubt is asked about. */
 Verdict LinkAppraisal::settle(Long link)
 {
-    for (int oa = 0; oa < MAXOA; ++oa) {
+    const bool testsCapacity = tarnexConfig.predicateConfig.capacityClause;
+    for (int oa = 0; oa < MAXOA && testsCapacity; ++oa) {
         if (req.bw[oa] == 0.0 && index.exceeds[oa][level][link] < 0.0)
             return refused;
     }

@@ -49,6 +49,8 @@ private:
     template <class Add>
     void forEachTerm(Long link, Add add) const;
     bool fillOne(Long link, double *own) const;
+    void judgeByCapacity(unsigned char *verdicts) const;
+    void judgeByIdsAlone(unsigned char *verdicts) const;
     void judgeClass(int oa, unsigned char *verdicts) const;
     bool areRight(const unsigned char *verdicts);
     Verdict settle(Long link);
