@@ -8,6 +8,7 @@
  * keeps the newest it removes the oldest that has no backup.
  */
 #include "admission/admission.h"
+#include "admission/placement.h"
 #include "common/setup.h"
 #include "computation/backup/driver.h"
 #include "computation/primary/driver.h"
@@ -102,12 +103,14 @@ public:
         require(DBremoveLSP(db, id) == 0 && !DBgetLSP(db, id), "an LSP was not removed");
     }
 
-    /** Admits the answer to a request and removes the oldest LSP without a backup. */
-    void replaceOldest(const LSPRequest *request, DBLabelSwitchedPath *record)
+    /** Places a request and removes the oldest LSP without a backup. */
+    void replaceOldest(LSPRequest *request)
     {
-        require(longVecCopy(&record->path, &request->path) == 0, "no memory for a path");
-        admit(record);
-        unprotected.push_back(record->id);
+        struct : PlacementReport {
+        } report;
+        const Placement end = placePrimary(db, request, PlacementGoal::lsp, report);
+        require(end == Placement::done && DBgetLSP(db, request->id), "an LSP was not placed");
+        unprotected.push_back(request->id);
         remove(unprotected.front());
         unprotected.pop_front();
     }
@@ -185,24 +188,10 @@ void primaryRequest(benchmark::State &state, Size size, int levels)
 
 void requestAndAdmission(benchmark::State &state, Size size, int levels)
 {
-    struct Demand {
-        RequestRecord request;
-        LspRecord record;
-    };
     Engine &engine = engineFor(size, levels);
     timeEach(
-        state,
-        [&] {
-            PlannedLsp lsp = engine.demand();
-            RequestRecord request = requestOf(lsp);
-            lsp.path.clear();
-            return Demand{std::move(request), recordOf(lsp)};
-        },
-        [&](Demand &demand) {
-            engine.compute(demand.request.get());
-            engine.replaceOldest(demand.request.get(), demand.record.get());
-        },
-        [](Demand &) {});
+        state, [&] { return requestOf(engine.demand()); },
+        [&](auto &request) { engine.replaceOldest(request.get()); }, [](auto &) {});
 }
 
 void admission(benchmark::State &state, Size size, int levels)

@@ -1,8 +1,8 @@
 #include "sides.h"
 
 #include "admission/admission.h"
+#include "admission/placement.h"
 #include "common/setup.h"
-#include "computation/primary/driver.h"
 #include "database/books/change.h"
 #include "database/books/lookup.h"
 #include "error/error.h"
@@ -24,6 +24,29 @@ constexpr double mostBandwidth = 4.0;
 constexpr double typicalBandwidth = (leastBandwidth + mostBandwidth) / 2.0;
 constexpr double wantedFullShare = 0.2;
 constexpr int protectedEvery = 5;
+
+/** Takes the time of a placement up to where preempted LSPs are to be removed. */
+class AdmissionTime : public PlacementReport
+{
+public:
+    bool takePreempted(std::span<const Long> ids) override
+    {
+        end = Clock::now();
+        nbPreempted = ids.size();
+        return true;
+    }
+    /** To be asked right after the placement. */
+    double seconds() const
+    {
+        return std::chrono::duration<double>(end.value_or(Clock::now()) - start).count();
+    }
+
+    std::size_t nbPreempted = 0;
+
+private:
+    const Clock::time_point start = Clock::now();
+    std::optional<Clock::time_point> end;
+};
 
 /** Keeps off the terminal what the engine prints about backups that it does not find. */
 class Quiet
@@ -71,7 +94,7 @@ void route(Peer &peer, const Demand &demand, Extent extent, LinkPath &path)
 
 bool isFull(const Peer &peer) { return peer.shareWithoutRoom(typicalBandwidth) >= wantedFullShare; }
 
-struct Placement {
+struct PlacedDemand {
     Demand demand;
     LinkPath path;
 };
@@ -83,7 +106,7 @@ public:
     Churn(const NetworkPlan &plan, LinkCost cost) : peer(plan, cost) {}
 
     /** Settles at as many LSPs as keep the links about as full as wanted. */
-    const std::deque<Placement> &settle(Demands &next, int oa)
+    const std::deque<PlacedDemand> &settle(Demands &next, int oa)
     {
         while (!isFull(peer))
             add(next(), oa);
@@ -118,13 +141,13 @@ private:
     static constexpr std::size_t turnovers = 5;
     static constexpr double correction = 0.1; ///< LSPs more or less after each demand
     Peer peer;
-    std::deque<Placement> load;
+    std::deque<PlacedDemand> load;
 };
 
 /** LSPs for every class type, in no particular order. */
-std::vector<Placement> steadyLoad(const NetworkPlan &plan, const Setting &setting)
+std::vector<PlacedDemand> steadyLoad(const NetworkPlan &plan, const Setting &setting)
 {
-    std::vector<Placement> all;
+    std::vector<PlacedDemand> all;
     Demands next{1, setting};
     for (int oa = 0; oa < setting.classes; ++oa) {
         Churn churn{plan, setting.cost};
@@ -186,27 +209,18 @@ std::optional<double> Engine::request(const Demand &demand)
     lsp.path = {demand.src, -1, demand.dst};
     const RequestRecord asked = requestOf(lsp);
     COST = 0.0;
-    bool placed = false;
-    const double seconds = secondsOf([&] {
-        if (computePrimaryPath(db, asked.get()) != 0)
-            return;
-        lsp.path = nodePath(asked->path);
-        placed = DBaddLSP(db, recordOf(lsp).get(), &preempted) == 0;
-    });
-    if (!isDone(placed))
+    AdmissionTime time;
+    const Placement end = placePrimary(db, asked.get(), PlacementGoal::lsp, time);
+    const double seconds = time.seconds();
+    if (!isDone(end == Placement::done))
         return std::nullopt;
+    lsp.path = nodePath(asked->path);
+    nbPreempted += time.nbPreempted;
     require(DBgetLSP(db, lsp.id) && lsp.path.front() == demand.src && lsp.path.back() == demand.dst,
             "an LSP was not placed");
-    removePreempted();
     removable.push_back(lsp.id);
     lastPath = lsp.path;
     return seconds;
-}
-
-void Engine::removePreempted()
-{
-    for (; preempted.top > 0; ++nbPreempted)
-        remove(preempted.cont[--preempted.top]);
 }
 
 std::optional<double> Engine::admit(const PlannedLsp &lsp)

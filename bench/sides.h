@@ -69,8 +69,6 @@ public:
     std::size_t nbPreempted = 0;
 
 private:
-    void removePreempted();
-
     DataBase *db;
     LongList preempted{};
     Long nextId = 0;

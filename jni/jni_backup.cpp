@@ -2,7 +2,7 @@
  * The native method for backup paths of org.kestro.repository.TARNEX.JNITARNEX (unit
  * "jni_interface").
  */
-#include "admission/admission.h"
+#include "admission/placement.h"
 #include "common/records.h"
 #include "common/setup.h"
 #include "computation/backup/driver.h"
@@ -26,8 +26,7 @@ struct BackupArguments {
     jint primarylspId;
     jintArray backuplspIds;
     jint backupType;
-    bool addLSP;
-    bool preempt;
+    PlacementGoal goal;
 
     bool isGlobal() const { return backupType == 1; }
 };
@@ -52,11 +51,11 @@ bool storePath(JNIEnv *env, jobjectArray paths, Long index, const LongList &path
 }
 
 /** Tells on standard error, in Latin-1, why a backup found no room on the links of its path. */
-void describeRefusal(const DBLabelSwitchedPath &backup)
+void describeRefusal(Long primary, const LSPRequest &backup)
 {
     std::fprintf(
         stderr, "Backup global non ajout\xE9 pour primaire %d, valeur de la bande passante: %f: \n",
-        backup.primID, backup.bw[0]);
+        primary, backup.bw[0]);
     const auto path = inUse(backup.path);
     for (std::size_t u = 0; u + 1 < path.size(); ++u) {
         const DBLink *link = linkAt(centralDB->linkTab, path[u], path[u + 1]);
@@ -72,49 +71,34 @@ void describeRefusal(const DBLabelSwitchedPath &backup)
     std::fputs(" \n", stderr);
 }
 
-/** Adds one backup or draws up its preemption list; 0, or -1 when the call has to end. */
-int admit(const BackupArguments &arguments, DBLabelSwitchedPath &backup)
+/** Does with one backup what was asked; false, after its messages, when the call has to end. */
+bool placeBackup(const BackupArguments &arguments, BackupPlacement &placement, LSPRequest &backup,
+                 Long id)
 {
-    if (!arguments.addLSP && !arguments.preempt)
-        return 0;
-    LongVec rerouting{};
-    if (longVecInit(&rerouting, -1) != 0)
-        return -1;
-    const Guard<LongVec, longVecEnd> guard{&rerouting};
-    if (arguments.addLSP)
-        return DBaddLSP(centralDB, &backup, &rerouting) < 0 ? -1 : 0;
-    if (getpreemptList(centralDB, &backup, &rerouting) < 0) {
+    std::fill(backup.bw + NBOA, std::end(backup.bw), 0.0);
+    switch (placement.place(backup, id, arguments.goal)) {
+    case Placement::notListed:
         here.push(CRITICAL, "Impossible to obtain preemptList in %s at line %d");
         std::fputs("Can't obtain preemptList \n", stderr);
+        return true;
+    case Placement::notAdded:
+        here.push(CRITICAL, "Impossible to add BACKUP LSP in %s at line %d");
+        describeRefusal(arguments.primarylspId, backup);
+        return false;
+    default:
+        return true;
     }
-    return 0;
-}
-
-/** Fills the record that every backup is added from. */
-int fillRecord(const LSPRequest &req, Long id, const BackupArguments &arguments,
-               DBLabelSwitchedPath &lsp)
-{
-    lsp.id = id;
-    std::copy_n(req.bw, NBOA, lsp.bw);
-    lsp.precedence = 0;
-    lsp.type = arguments.isGlobal() ? globalBackupLSP : localBackupLSP;
-    lsp.primID = arguments.primarylspId;
-    lsp.noContentionId = -1;
-    lsp.path.top = 0;
-    return longVecCopy(&lsp.path, &req.path);
 }
 
 /** Stores the paths in the result and does with each backup what was asked; false: call failed. */
 bool handleBackups(SessionCall &call, const BackupArguments &arguments,
-                   std::span<const LSPRequest> backups, std::span<const Long> ids,
-                   DBLabelSwitchedPath &lsp, jobjectArray paths)
+                   std::span<LSPRequest> backups, std::span<const Long> ids,
+                   BackupPlacement &placement, jobjectArray paths)
 {
     for (std::size_t j = 0; j < backups.size(); ++j) {
         if (!storePath(call.env, paths, static_cast<jsize>(j), backups[j].path))
             return false;
-        if (fillRecord(backups[j], ids[j], arguments, lsp) != 0 || admit(arguments, lsp) != 0) {
-            here.push(CRITICAL, "Impossible to add BACKUP LSP in %s at line %d");
-            describeRefusal(lsp);
+        if (!placeBackup(arguments, placement, backups[j], ids[j])) {
             call.fail(addDBException);
             return false;
         }
@@ -134,18 +118,18 @@ int compute(const BackupArguments &arguments, LSPRequestList &req)
 }
 
 /** Turns computed requests into the result of the call; null when it has failed. */
-jobjectArray answer(SessionCall &call, const BackupArguments &arguments, const LSPRequestList &req)
+jobjectArray answer(SessionCall &call, const BackupArguments &arguments, LSPRequestList &req)
 {
-    const DBLabelSwitchedPath *primary = DBgetLSP(centralDB, arguments.primarylspId);
+    DBLabelSwitchedPath *primary = DBgetLSP(centralDB, arguments.primarylspId);
     if (!primary) {
         here.push(CRITICAL, "Not able to find primary LSP (id = %ld) in %s at line %d",
                   long{arguments.primarylspId});
         return nullptr;
     }
-    const Owned<DBLabelSwitchedPath, DBlspDestroy> lsp{DBlspNew()};
+    BackupPlacement placement{*centralDB, *primary,
+                              arguments.isGlobal() ? globalBackupLSP : localBackupLSP};
     const Owned<LongList, longVecDestroy> ids{longVecNew(-1)};
-    if (!lsp || longVecCopy(&lsp->primPath, &primary->path) != 0 || !ids ||
-        readInts(call.env, arguments.backuplspIds, req.size, *ids) != 0) {
+    if (!placement || !ids || readInts(call.env, arguments.backuplspIds, req.size, *ids) != 0) {
         here.push(CRITICAL, "Impossible to add BACKUP LSP in %s at line %d");
         call.fail(addDBException);
         return nullptr;
@@ -155,7 +139,7 @@ jobjectArray answer(SessionCall &call, const BackupArguments &arguments, const L
 
     LocalRef<jobjectArray> paths{call.env, newPaths(call.env, req.size)};
     const std::span backups{req.cont, static_cast<std::size_t>(req.size)};
-    if (!paths || !handleBackups(call, arguments, backups, inUse(*ids), *lsp, paths.get()))
+    if (!paths || !handleBackups(call, arguments, backups, inUse(*ids), placement, paths.get()))
         return nullptr;
     return paths.release();
 }
@@ -169,11 +153,11 @@ JNIEXPORT jobjectArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnico
     SessionCall call{env, obj};
     if (!call || !checkArray(env, "backuplspIds", backuplspIds, 0))
         return nullptr;
-    const BackupArguments arguments{primarylspId, backuplspIds, backupType, ADDLSP != JNI_FALSE,
-                                    PREEMPT != JNI_FALSE};
+    const BackupArguments arguments{primarylspId, backuplspIds, backupType,
+                                    goalOf(ADDLSP, PREEMPT)};
     bool &allowReroute = tarnexConfig.predicateConfig.allowReroute;
     const bool allowedBefore = allowReroute;
-    allowReroute = arguments.preempt;
+    allowReroute = PREEMPT != JNI_FALSE;
 
     LSPRequestList req{};
     const bool isMade = lspRequestListInit(&req, -1) == 0;

@@ -4,9 +4,9 @@
  * the Java compiler generates.
  */
 #include "admission/admission.h"
+#include "admission/placement.h"
 #include "common/records.h"
 #include "common/setup.h"
-#include "computation/primary/driver.h"
 #include "database/books/change.h"
 #include "database/books/dump.h"
 #include "database/books/lookup.h"
@@ -20,7 +20,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <optional>
 
 namespace
 {
@@ -323,8 +322,8 @@ struct PathArguments {
     jfloat reservation;
 };
 
-/** Builds the request and computes its path; 0, or -1 after a message. */
-int computeRequest(const PathArguments &arguments, LSPRequest &req)
+/** Builds the request; 0, or -1 after a message. */
+int fillRequest(const PathArguments &arguments, LSPRequest &req)
 {
     req.type = primaryLSP;
     req.precedence = arguments.PL;
@@ -334,74 +333,51 @@ int computeRequest(const PathArguments &arguments, LSPRequest &req)
         if (longVecPushBack(&req.path, node) != 0)
             return -1;
     }
-    return computePrimaryPath(centralDB, &req);
+    return 0;
 }
 
-/** Record of the LSP that a computed request describes; null when it cannot be made. */
-OwnedLSP makeRecord(const LSPRequest &req)
+/** Java arrays of what a placement reports. */
+class ArrayReport : public PlacementReport
 {
-    OwnedLSP lsp{DBlspNew()};
-    if (!lsp || longVecCopy(&lsp->path, &req.path) != 0)
-        return nullptr;
-    lsp->id = req.id;
-    lsp->precedence = req.precedence;
-    lsp->type = primaryLSP;
-    std::ranges::copy(req.bw, lsp->bw);
-    return lsp;
-}
+public:
+    explicit ArrayReport(JNIEnv *environment) : env(environment) {}
 
-/** Draws up the preemption list, adding the LSP or not; false when the call has failed. */
-bool admit(SessionCall &call, const LSPRequest &req, bool addLSP, bool preempt,
-           LongList &preemptList)
+    bool takePath(std::span<const Long> nodes) override
+    {
+        path.reset(newIntArray(env, nodes));
+        return static_cast<bool>(path);
+    }
+    bool takePreempted(std::span<const Long> ids) override
+    {
+        preempted.reset(newIntArray(env, ids));
+        return static_cast<bool>(preempted);
+    }
+
+    JNIEnv *const env;
+    LocalRef<jintArray> path{env, nullptr};
+    LocalRef<jintArray> preempted{env, nullptr}; ///< null when nothing is
+};
+
+/** Says in the session and in Java why a placement failed. */
+void fail(SessionCall &call, Placement end)
 {
-    if (!addLSP && !preempt)
-        return true;
-    const OwnedLSP lsp = makeRecord(req);
-    if (addLSP) {
-        if (lsp && DBaddLSP(centralDB, lsp.get(), &preemptList) >= 0)
-            return true;
-        here.push(CRITICAL, "Impossible to add PRIMARY LSP in %s at line %d");
-        call.fail(addDBException);
-    } else {
-        if (lsp && getpreemptList(centralDB, lsp.get(), &preemptList) >= 0)
-            return true;
+    switch (end) {
+    case Placement::noPath:
+        here.push(CRITICAL, "Impossible to compute Path in %s at line %d");
+        return call.fail(noRouteToHostException);
+    case Placement::notListed:
         here.push(CRITICAL, "Impossible to obtain preemptList in %s at line %d");
-        call.fail(routingException);
+        return call.fail(routingException);
+    case Placement::notAdded:
+        here.push(CRITICAL, "Impossible to add PRIMARY LSP in %s at line %d");
+        return call.fail(addDBException);
+    case Placement::notRemoved:
+        here.push(CRITICAL, "Impossible to remove LSP in %s at line %d");
+        return call.fail(addDBException);
+    case Placement::notReported: // the JVM has raised an exception
+    case Placement::done:
+        return;
     }
-    return false;
-}
-
-/** Drops the repetitions of a sorted list: an LSP may be chosen for more than one reason. */
-void dropRepetitions(LongList &list)
-{
-    const auto ids = inUse(list);
-    list.top = static_cast<Long>(std::unique(ids.begin(), ids.end()) - ids.begin());
-}
-
-/**
- * Removes the preempted LSPs and reports them in field "lsps"; false when the call has failed. An
- * LSP that cannot be reported is not removed, and `added`, if it is one, goes again.
- */
-bool removePreempted(SessionCall &call, std::span<const Long> preempted, jfieldID lsps,
-                     std::optional<Long> added)
-{
-    if (preempted.empty())
-        return true;
-    const LocalRef<jintArray> ids{call.env, newIntArray(call.env, preempted)};
-    if (!ids) {
-        if (added)
-            static_cast<void>(DBremoveLSP(centralDB, *added));
-        return false;
-    }
-    for (const Long id : preempted) {
-        if (DBremoveLSP(centralDB, id) < 0) {
-            here.push(CRITICAL, "Impossible to remove LSP in %s at line %d");
-            call.fail(addDBException);
-            return false;
-        }
-    }
-    call.env->SetObjectField(call.obj, lsps, ids.get());
-    return true;
 }
 
 } // namespace
@@ -420,26 +396,17 @@ JNIEXPORT jintArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnicompu
     tarnexConfig.predicateConfig.allowReroute = PREEMPT != JNI_FALSE;
 
     LSPRequest req{};
-    LongList preemptList{};
     const bool isMade = lspRequestInit(&req) == 0;
-    const Guard<LSPRequest, lspRequestEnd> requestGuard{isMade ? &req : nullptr};
-    if (!isMade || computeRequest({id, src, dst, OA, PL, reservation}, req) < 0) {
-        here.push(CRITICAL, "Impossible to compute Path in %s at line %d");
-        call.fail(noRouteToHostException);
+    const Guard<LSPRequest, lspRequestEnd> guard{isMade ? &req : nullptr};
+    const bool isFilled = isMade && fillRequest({id, src, dst, OA, PL, reservation}, req) == 0;
+    ArrayReport report{env};
+    const Placement end = isFilled ? placePrimary(centralDB, &req, goalOf(ADDLSP, PREEMPT), report)
+                                   : Placement::noPath;
+    if (end != Placement::done) {
+        fail(call, end);
         return nullptr;
     }
-    if (longVecInit(&preemptList, -1) != 0) {
-        here.push(CRITICAL, "Impossible to obtain preemptList in %s at line %d");
-        call.fail(routingException);
-        return nullptr;
-    }
-    const ListGuard listGuard{&preemptList};
-    LocalRef<jintArray> path{env, newIntArray(env, inUse(req.path))};
-    const std::optional<Long> added = ADDLSP ? std::optional{req.id} : std::nullopt;
-    if (!path || !admit(call, req, ADDLSP != JNI_FALSE, PREEMPT != JNI_FALSE, preemptList))
-        return nullptr;
-    dropRepetitions(preemptList);
-    if (!removePreempted(call, inUse(preemptList), lsps, added))
-        return nullptr;
-    return path.release();
+    if (report.preempted)
+        env->SetObjectField(obj, lsps, report.preempted.get());
+    return report.path.release();
 }

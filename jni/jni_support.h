@@ -12,6 +12,7 @@
 #include <jni.h>
 
 #include <span>
+#include <utility>
 
 static_assert(sizeof(jint) == sizeof(Long));
 
@@ -21,11 +22,7 @@ class LocalRef
 {
 public:
     LocalRef(JNIEnv *environment, Ref reference) : env(environment), ref(reference) {}
-    ~LocalRef()
-    {
-        if (ref)
-            env->DeleteLocalRef(ref);
-    }
+    ~LocalRef() { reset(nullptr); }
     LocalRef(const LocalRef &) = delete;
     LocalRef &operator=(const LocalRef &) = delete;
 
@@ -33,11 +30,13 @@ public:
     Ref get() const { return ref; }
     explicit operator bool() const { return ref != nullptr; }
     /** Gives the reference up to the caller. */
-    Ref release()
+    Ref release() { return std::exchange(ref, nullptr); }
+    /** Takes over another reference in place of the present one. */
+    void reset(Ref other)
     {
-        Ref released = ref;
-        ref = nullptr;
-        return released;
+        if (ref)
+            env->DeleteLocalRef(ref);
+        ref = other;
     }
 
 private:

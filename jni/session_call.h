@@ -5,6 +5,7 @@
 #ifndef TARNEX_JNI_SESSION_CALL_H
 #define TARNEX_JNI_SESSION_CALL_H
 
+#include "admission/placement.h"
 #include "common/types.h"
 #include "jni_support.h"
 
@@ -38,6 +39,12 @@ bool checkArray(JNIEnv *env, const char *name, jarray array, jsize minLength);
 bool readMatrix(JNIEnv *env, const char *name, jobjectArray array, int rows, int columns,
                 double (&matrix)[MAXOA][MAXPL]);
 ///@}
+
+/** What a path computation is to do with the network beside computing. */
+inline PlacementGoal goalOf(jboolean addLSP, jboolean preempt)
+{
+    return addLSP ? PlacementGoal::lsp : preempt ? PlacementGoal::room : PlacementGoal::pathOnly;
+}
 
 /** The caller's session in the globals, from entry to return. */
 class SessionCall

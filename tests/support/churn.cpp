@@ -1,6 +1,7 @@
 #include "support/churn.h"
 
 #include "admission/admission.h"
+#include "admission/placement.h"
 #include "common/setup.h"
 #include "computation/backup/driver.h"
 #include "computation/primary/driver.h"
@@ -57,6 +58,24 @@ std::optional<Routed> routedByTopology(DataBase *db, const PlannedLsp &lsp)
         return std::nullopt;
     return Routed{idsIn(req->path), placedNode(topo, req->path.cont[req->path.top - 1]).info.cost};
 }
+
+/** Notes what a placement reports, and takes the preempted LSPs or not. */
+struct Report : PlacementReport {
+    explicit Report(bool takesPreempted) : takes(takesPreempted) {}
+    bool takePath(std::span<const Long> nodes) override
+    {
+        path.assign(nodes.begin(), nodes.end());
+        return true;
+    }
+    bool takePreempted(std::span<const Long> ids) override
+    {
+        preempted.assign(ids.begin(), ids.end());
+        return takes;
+    }
+
+    const bool takes;
+    NodePath path, preempted;
+};
 
 } // namespace
 
@@ -168,12 +187,13 @@ void Churn::route()
         add(lsp);
 }
 
-/** Computes a path, adds it and removes what gives way. */
+/** Computes a path and, at times, adds it or removes what is in its way. */
 void Churn::request()
 {
     PlannedLsp lsp = randomLsp();
     lsp.type = primaryLSP;
     lsp.path = {anyOf(rng, plan.nodes), -1, anyOf(rng, plan.nodes)};
+    lsp.primPath.clear();
     lsp.noContentionId = -1;
     lsp.precedence = randomInt(rng, 3);
     bool &allowReroute = tarnexConfig.predicateConfig.allowReroute;
@@ -181,25 +201,59 @@ void Churn::request()
     const RequestRecord req = requestOf(lsp);
     const std::optional<Routed> expected = routedByTopology(db, lsp);
     COST = 0.0;
-    const int result = attempt([&] { return computePrimaryPath(db, req.get()); });
-    require(faulted || (result == 0) == expected.has_value(),
+    const PlacementGoal goal = anyGoal();
+    Report report{randomInt(rng, 8) != 0};
+    Placement end{};
+    attempt([&] {
+        end = placePrimary(db, req.get(), goal, report);
+        return 0;
+    });
+    require(faulted || (end != Placement::noPath) == expected.has_value(),
             "a path is there for one search only");
-    require(result != 0 || (idsIn(req->path) == expected->path && isSame(COST, expected->cost)),
-            "two searches find different paths");
-    if (result == 0) {
-        lsp.path = idsIn(req->path);
-        lsp.primPath.clear();
-        if (add(lsp)) {
-            NodePath givingWay = idsIn(preempted); // one id may be chosen by two class types
-            givingWay.erase(std::unique(givingWay.begin(), givingWay.end()), givingWay.end());
-            std::ranges::for_each(givingWay, [this](Long id) { remove(id); });
-            met.preempted += static_cast<int>(givingWay.size());
-        }
-    }
+    require(end == Placement::done || end == Placement::notReported || saidWhy,
+            "a failure without a message");
     allowReroute = false;
+    if (report.path.empty())
+        return;
+    require(report.path == expected->path && isSame(COST, expected->cost),
+            "two searches find different paths");
+    lsp.path = report.path;
+    const bool isReported = end == Placement::done || !report.preempted.empty();
+    follow(lsp, goal == PlacementGoal::lsp && isReported, report.preempted);
+    met.refusals += end == Placement::notAdded && !faulted ? 1 : 0;
+    if (end == Placement::notReported && !faulted) {
+        require(!DBgetLSP(db, lsp.id), "an LSP stays whose preempted ones were not reported");
+        require(std::ranges::all_of(report.preempted, [&](Long id) { return DBgetLSP(db, id); }),
+                "an LSP is gone that was not reported");
+    }
 }
 
-/** Computes the backups of a primary and adds them. */
+/** Repeats in the plain network what a placement that came to its report has done. */
+void Churn::follow(const PlannedLsp &lsp, bool wasAdded, const NodePath &givingWay)
+{
+    if (wasAdded)
+        plain.add(lsp);
+    for (const Long id : givingWay) {
+        if (!DBgetLSP(db, id)) {
+            plain.removeLsp(id);
+            ++met.preempted;
+        }
+    }
+    if (wasAdded && !DBgetLSP(db, lsp.id))
+        plain.removeLsp(lsp.id);
+    require(plain.lsps.contains(lsp.id) == (DBgetLSP(db, lsp.id) != nullptr),
+            "an LSP is half there");
+}
+
+PlacementGoal Churn::anyGoal()
+{
+    const int dice = randomInt(rng, 4);
+    return dice == 0   ? PlacementGoal::pathOnly
+           : dice == 1 ? PlacementGoal::room
+                       : PlacementGoal::lsp;
+}
+
+/** Computes the backups of a primary and, at times, adds them. */
 void Churn::protect()
 {
     const PlannedLsp *primary = anyLsp(true);
@@ -207,6 +261,7 @@ void Churn::protect()
         return;
     PlannedLsp backup = *primary;
     backup.type = randomInt(rng, 2) == 0 ? localBackupLSP : globalBackupLSP;
+    backup.precedence = 0;
     backup.primID = primary->id;
     backup.primPath = primary->path;
     backup.noContentionId = -1;
@@ -215,10 +270,19 @@ void Churn::protect()
     const Guard<LSPRequestList, lspRequestListEnd> guard{&found};
     if (attempt([&] { return computeBackup(db, &found, backup.primID, backup.type); }) != 0)
         return;
-    for (const LSPRequest &req : std::span{found.cont, std::size_t(found.size)}) {
+    BackupPlacement placement{*db, *DBgetLSP(db, backup.primID), backup.type};
+    const PlacementGoal goal = anyGoal();
+    for (LSPRequest &req : std::span{found.cont, std::size_t(found.size)}) {
         backup.id = freeId();
         backup.path = idsIn(req.path);
-        met.backups += add(backup) ? 1 : 0;
+        const bool isDone =
+            attempt([&] {
+                return placement.place(req, backup.id, goal) == Placement::done ? 0 : -1;
+            }) == 0;
+        require(isDone || saidWhy, "a refusal without a message");
+        const bool isAdded = isDone && goal == PlacementGoal::lsp;
+        follow(backup, isAdded, {});
+        met.backups += isAdded ? 1 : 0;
     }
 }
 

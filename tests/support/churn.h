@@ -8,6 +8,7 @@
 #ifndef TARNEX_TESTS_SUPPORT_CHURN_H
 #define TARNEX_TESTS_SUPPORT_CHURN_H
 
+#include "admission/placement.h"
 #include "support/plain_evaluation.h"
 
 #include <set>
@@ -58,6 +59,8 @@ private:
 
     bool add(PlannedLsp lsp);
     void remove(Long id);
+    void follow(const PlannedLsp &lsp, bool wasAdded, const NodePath &givingWay);
+    PlacementGoal anyGoal();
     void markUndefined(const PlannedLink &gone);
     PlannedLsp randomLsp();
     Long freeId();

@@ -1,8 +1,9 @@
 #include "admission/admission.h"
+#include "admission/placement.h"
 #include "common/setup.h"
 #include "computation/backup/driver.h"
-#include "computation/primary/driver.h"
 #include "database/books/change.h"
+#include "database/books/lookup.h"
 #include "database/update/update.h"
 #include "support/consistency.h"
 #include "support/memory_faults.h"
@@ -49,25 +50,13 @@ struct Scene {
         return -1;
     }
 
-    int route()
+    int place(PlacementGoal goal)
     {
         std::ranges::copy(std::array{0, -1, 3}, request->path.cont);
         request->path.top = 3;
-        return computePrimaryPath(db.get(), request.get());
-    }
-
-    int place()
-    {
-        if (route() != 0)
-            return -1;
-        std::ranges::copy(inUse(request->path), placed->path.cont);
-        placed->path.top = request->path.top;
-        if (add(placed) != 0)
-            return -1;
-        int result = 0;
-        for (const Long id : inUse(*list))
-            result |= DBremoveLSP(db.get(), id);
-        return result;
+        struct : PlacementReport {
+        } report;
+        return placePrimary(db.get(), request.get(), goal, report) == Placement::done ? 0 : -1;
     }
 
     int protect(BackupType type)
@@ -76,7 +65,14 @@ struct Scene {
         if (lspRequestListInit(&backups, -1) != 0)
             return -1;
         const Guard<LSPRequestList, lspRequestListEnd> guard{&backups};
-        return computeBackup(db.get(), &backups, 1, type);
+        if (computeBackup(db.get(), &backups, 1, type) != 0)
+            return -1;
+        BackupPlacement placement{*db, *DBgetLSP(db.get(), 1), type};
+        bool isDone = static_cast<bool>(placement);
+        for (Long i = 0; isDone && i < backups.size; ++i)
+            isDone =
+                placement.place(backups.cont[i], 10 + i, PlacementGoal::room) == Placement::done;
+        return isDone ? 0 : -1;
     }
 
     int evaluate()
@@ -183,9 +179,12 @@ const Operation operations[] = {
     {"remove a link", [](Scene &s) { return DBremoveLink(s.db.get(), 2, 4); }, {}},
     {"remove a node", [](Scene &s) { return DBremoveNode(s.db.get(), 4); }, {}},
     {"remove", [](Scene &s) { return DBremoveLSP(s.db.get(), 4); }, {"LSP removal uncomplete"}, 66},
-    {"route", [](Scene &s) { return s.route(); }, notRouted},
-    {"route, admit and preempt", [](Scene &s) { return s.place(); },
-     notRouted + notAdmitted + notAdded},
+    {"route", [](Scene &s) { return s.place(PlacementGoal::pathOnly); },
+     notRouted + Ends{"Critical lack of memory"}},
+    {"route and make room", [](Scene &s) { return s.place(PlacementGoal::room); }, {}},
+    {"route, admit and preempt", [](Scene &s) { return s.place(PlacementGoal::lsp); },
+     notRouted + notAdmitted + notAdded +
+         Ends{"Critical lack of memory", "Unable to create label switched path"}},
     {"protect locally", [](Scene &s) { return s.protect(LOCAL_BACKUP); }, {}, 0, true},
     {"protect globally", [](Scene &s) { return s.protect(GLOBAL_BACKUP); }, {}, 0, true},
     {"evaluate", [](Scene &s) { return s.evaluate(); }, {}},
