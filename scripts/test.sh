@@ -1,24 +1,55 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds everything and runs all tests: as released, and under the address
-# and undefined-behaviour sanitizers. Arguments name other presets to test (release, dev, asan).
+# Installs what is missing, builds everything and runs all tests: as released, compiled with clang,
+# and under the sanitizers; and checks the style. Arguments ask for less.
 set -euo pipefail
-source "$(dirname "$0")/lib.sh"
 
-for preset in "$@"; do
-    case "$preset" in
-    release | dev | asan) ;;
+usage() {
+    echo "usage: ./scripts/test.sh [--quick | release|clang|dev|asan|tsan...]"
+    echo "Tests the presets named, by default all but dev, and then checks the style as well."
+    echo "--quick tests as released and checks the formatting: for the daily round."
+}
+
+quick=false
+presets=()
+for argument in "$@"; do
+    case "$argument" in
+    release | clang | dev | asan | tsan) presets+=("$argument") ;;
+    --quick) quick=true ;;
+    -h | --help)
+        usage
+        exit 0
+        ;;
     *)
-        echo "usage: ./scripts/test.sh [release|dev|asan]..." >&2
+        usage >&2
         exit 2
         ;;
     esac
 done
-presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(release asan)
-install_missing "${build_packages[@]}" libgtest-dev junit5
+if $quick && [ ${#presets[@]} -gt 0 ]; then
+    usage >&2
+    exit 2
+fi
+source "$(dirname "$0")/lib.sh"
+
+# The style comes first: it takes less time to know than the tests.
+check_style() {
+    echo "== style =="
+    ./scripts/check-style.sh "$@"
+}
+
+if $quick; then
+    presets=(release)
+    check_style --format
+elif [ ${#presets[@]} -eq 0 ]; then
+    presets=(release clang asan tsan)
+    check_style
+fi
+packages=("${build_packages[@]}" libgtest-dev junit5)
+[[ " ${presets[*]} " != *" clang "* ]] || packages+=(clang)
+install_missing "${packages[@]}"
 for preset in "${presets[@]}"; do
     echo "== $preset =="
     configure "$preset" -DTARNEX_TESTS=ON
     cmake --build --preset "$preset" -- --quiet
-    ctest --preset "$preset"
+    ctest --preset "$preset" -j "$(nproc)"
 done

@@ -147,7 +147,7 @@ class ProcessTest {
 
     @Test
     void theExampleKnowsWhatBackupsReserve() throws Exception {
-        Path folder = codeOf(JNITARNEX.class).resolve("../../examples").normalize();
+        Path folder = Path.of(System.getProperty("tarnex.examples"));
         assertEquals(0, ToolProvider.getSystemJavaCompiler().run(
                 null, null, null, "-d", temp.toString(), "-sourcepath", folder + "/java",
                 folder + "/java/org/kestro/examples/PlaceDemands.java"));
