@@ -51,14 +51,14 @@ int fillRecord(const DataBase &db, LSPRequest &req, DBLabelSwitchedPath &record)
                               std::bit_cast<std::int64_t, double>);
 }
 
-/** No value of a class type has a sign without a size: then adding any 0 changes none. */
+/** Whether no value is -0.0, the only one that adding 0.0 changes. */
 bool hasNoNegativeZero(const double (&values)[MAXPL])
 {
     return std::ranges::none_of(values,
                                 [](double value) { return value == 0.0 && std::signbit(value); });
 }
 
-/** Has the reservation of a stored link follow its tables; settled class types do. */
+/** Has the reservation of a stored link follow its tables; in settled class types it does. */
 void settle(const DataBase &db, DBLink &link)
 {
     DBLinkState &ls = link.state;
