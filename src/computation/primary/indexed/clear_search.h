@@ -13,8 +13,8 @@
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
 
 #include "common/layout.h"
+#include "computation/primary/improvement.h"
 #include "computation/primary/indexed/link_terms.h"
-#include "computation/primary/plain/search.h"
 #include "database/indices/network_index.h"
 
 #include <algorithm>

@@ -11,7 +11,7 @@
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_PASS_SEARCH_H
 
 #include "common/layout.h"
-#include "computation/primary/plain/search.h"
+#include "computation/primary/improvement.h"
 #include "database/indices/network_index.h"
 
 #include <algorithm>
@@ -110,8 +110,6 @@ private:
     static void mark(std::uint64_t *bits, Long i) { wordOf(bits, i) |= bitOf(i); }
     static void unmark(std::uint64_t *bits, Long i) { wordOf(bits, i) &= ~bitOf(i); }
     static bool isMarked(std::uint64_t *bits, Long i) { return (wordOf(bits, i) & bitOf(i)) != 0; }
-
-    static bool improves(double score, double on) { return score - on < -improvementMargin; }
 
     /** Whether nothing that is on offer, and no node that is yet to be reached, can lead to a lower
      * label of `node` or of one on its path: it would have to lower that of `node` by the margin,

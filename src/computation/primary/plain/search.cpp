@@ -2,6 +2,7 @@
 
 #include "common/records.h"
 #include "common/setup.h"
+#include "computation/primary/improvement.h"
 #include "computation/primary/plain/score.h"
 #include "error/report.h"
 
@@ -110,7 +111,7 @@ private:
             if (activeFlags[in.neighbId] == notReached || !noLoop(topo, in.neighbId, nd))
                 continue;
             const double score = makeScore(topo, req, in.neighbId, nd, &in);
-            if (score - node.info.cost < -improvementMargin) {
+            if (improves(score, node.info.cost)) {
                 node.info.newNeighbInd = j;
                 node.info.newCost = score;
                 done = false;

@@ -16,9 +16,6 @@
 
 #include "computation/primary/plain/topology.h"
 
-/** A candidate must be lower than the committed cost by more than this. */
-inline constexpr double improvementMargin = 1e-10;
-
 /** Labels every node of a filled topology that the request's source reaches; 0, or -1. */
 [[nodiscard]] int bellmanKalaba(BKTopology *topo, const LSPRequest *req);
 
