@@ -101,7 +101,7 @@ public:
     }
 
     /** Admits the answer to a request and removes the oldest LSP without a backup. */
-    void replaceOldest(const LSPRequest *request, DBLabelSwitchedPath *record)
+    void replaceOldest(LSPRequest *request, DBLabelSwitchedPath *record)
     {
         require(longVecCopy(&record->path, &request->path) == 0, "no memory for a path");
         admit(record);

@@ -72,7 +72,7 @@ void describeRefusal(const DBLabelSwitchedPath &backup)
 }
 
 /** Adds one backup or draws up its preemption list; 0, or -1 when the call has to end. */
-int admit(const BackupArguments &arguments, const DBLabelSwitchedPath &backup)
+int admit(const BackupArguments &arguments, DBLabelSwitchedPath &backup)
 {
     if (!arguments.addLSP && !arguments.preempt)
         return 0;
@@ -90,8 +90,7 @@ int admit(const BackupArguments &arguments, const DBLabelSwitchedPath &backup)
 }
 
 /** Fills the record that every backup is added from. */
-int fillRecord(const LSPRequest &req, Long id, const BackupArguments &arguments,
-               DBLabelSwitchedPath &lsp)
+int fillRecord(LSPRequest &req, Long id, const BackupArguments &arguments, DBLabelSwitchedPath &lsp)
 {
     lsp.id = id;
     std::copy_n(req.bw, NBOA, lsp.bw);
@@ -105,7 +104,7 @@ int fillRecord(const LSPRequest &req, Long id, const BackupArguments &arguments,
 
 /** Stores the paths in the result and does with each backup what was asked; false: call failed. */
 bool handleBackups(SessionCall &call, const BackupArguments &arguments,
-                   std::span<const LSPRequest> backups, std::span<const Long> ids,
+                   std::span<LSPRequest> backups, std::span<const Long> ids,
                    DBLabelSwitchedPath &lsp, jobjectArray paths)
 {
     for (std::size_t j = 0; j < backups.size(); ++j) {
@@ -135,7 +134,7 @@ int compute(const BackupArguments &arguments, LSPRequestList &req)
 /** Turns computed requests into the result of the call; null when it has failed. */
 jobjectArray answer(SessionCall &call, const BackupArguments &arguments, const LSPRequestList &req)
 {
-    const DBLabelSwitchedPath *primary = DBgetLSP(centralDB, arguments.primarylspId);
+    DBLabelSwitchedPath *primary = DBgetLSP(centralDB, arguments.primarylspId);
     if (!primary) {
         here.push(CRITICAL, "Not able to find primary LSP (id = %ld) in %s at line %d",
                   long{arguments.primarylspId});

@@ -258,7 +258,7 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniaddBackupL
     if (!call || !checkLSP(env, arguments))
         return;
     tarnexConfig.predicateConfig.allowReroute = false;
-    const DBLabelSwitchedPath *primary = DBgetLSP(centralDB, plspid);
+    DBLabelSwitchedPath *primary = DBgetLSP(centralDB, plspid);
     if (!primary) {
         pushLSPFailure("Impossible to find PRIMARY LSP in %s at line %d", lspid, bw);
         call.fail(addDBException);
@@ -336,7 +336,7 @@ int computeRequest(const PathArguments &arguments, LSPRequest &req)
 }
 
 /** Record of the LSP that a computed request describes; null when it cannot be made. */
-OwnedLSP makeRecord(const LSPRequest &req)
+OwnedLSP makeRecord(LSPRequest &req)
 {
     OwnedLSP lsp{DBlspNew()};
     if (!lsp || longVecCopy(&lsp->path, &req.path) != 0)
@@ -349,8 +349,7 @@ OwnedLSP makeRecord(const LSPRequest &req)
 }
 
 /** Draws up the preemption list, adding the LSP or not; false when the call has failed. */
-bool admit(SessionCall &call, const LSPRequest &req, bool addLSP, bool preempt,
-           LongList &preemptList)
+bool admit(SessionCall &call, LSPRequest &req, bool addLSP, bool preempt, LongList &preemptList)
 {
     if (!addLSP && !preempt)
         return true;

@@ -54,7 +54,7 @@ class AdmissionWalk
 {
 public:
     /** `linkEffects` are those of setting `newcomer` up. */
-    AdmissionWalk(DataBase &database, const DBLabelSwitchedPath &newcomer, LinkEffects &linkEffects,
+    AdmissionWalk(DataBase &database, DBLabelSwitchedPath &newcomer, LinkEffects &linkEffects,
                   LongList *preempted)
         : db(database), lsp(newcomer), effects(linkEffects), preemptList(preempted),
           isWholePrimary(lsp.type == primaryLSP &&
@@ -106,7 +106,7 @@ private:
     }
 
     DataBase &db;
-    const DBLabelSwitchedPath &lsp;
+    DBLabelSwitchedPath &lsp;
     LinkEffects &effects;
     LongList *preemptList;
     bool isWholePrimary; ///< the predicate evaluates others by what it looks up itself
@@ -145,7 +145,7 @@ int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, LinkEff
 }
 
 /** Stores a copy of `lsp` at its id, with room on its links; null, nothing changed, on failure. */
-DBLabelSwitchedPath *storeCopy(DataBase &db, const DBLabelSwitchedPath &lsp, LinkEffects &effects)
+DBLabelSwitchedPath *storeCopy(DataBase &db, DBLabelSwitchedPath &lsp, LinkEffects &effects)
 {
     Owned<DBLabelSwitchedPath, DBlspDestroy> copy{DBlspNew()};
     if (!copy)
@@ -218,7 +218,7 @@ int updateLinks(DataBase &db, DBLabelSwitchedPath *lsp, operation op, LinkEffect
 
 } // namespace
 
-int getpreemptList(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList *preemptList)
+int getpreemptList(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preemptList)
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -226,7 +226,7 @@ int getpreemptList(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList 
     return AdmissionWalk{*dataBase, *lsp, effects, preemptList}.run();
 }
 
-int DBaddLSP(DataBase *dataBase, const DBLabelSwitchedPath *lsp, LongList *preemptList)
+int DBaddLSP(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preemptList)
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");

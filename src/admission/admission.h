@@ -19,7 +19,7 @@
  *
  * @return 0, or -1 on failure; `preemptList` keeps what was merged so far
  */
-[[nodiscard]] int getpreemptList(DataBase *dataBase, const DBLabelSwitchedPath *lsp,
+[[nodiscard]] int getpreemptList(DataBase *dataBase, DBLabelSwitchedPath *lsp,
                                  LongList *preemptList);
 
 /**
@@ -29,8 +29,7 @@
  * @return 0; -1 when refused or on failure, with the database unchanged, or, after "LSP addition
  *         uncomplete", with the LSP stored and the links updated as far as possible
  */
-[[nodiscard]] int DBaddLSP(DataBase *dataBase, const DBLabelSwitchedPath *lsp,
-                           LongList *preemptList);
+[[nodiscard]] int DBaddLSP(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preemptList);
 
 /**
  * Removes stored LSP `id`: takes it off its links, updates every concerned link and releases it.

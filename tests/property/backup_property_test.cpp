@@ -1,4 +1,5 @@
 #include "computation/backup/driver.h"
+#include "computation/backup/plain/compute_cost.h"
 #include "database/reservations/question.h"
 #include "property/session.h"
 
@@ -18,7 +19,7 @@ double total(const double (&levels)[MAXPL]) { return std::accumulate(levels, lev
 class PlainBackups
 {
 public:
-    PlainBackups(DataBase *database, const DBLabelSwitchedPath &protectedLSP, BackupType kind)
+    PlainBackups(DataBase *database, DBLabelSwitchedPath &protectedLSP, BackupType kind)
         : db(database), primary(protectedLSP), type(kind),
           path(inUse(primary.path).begin(), inUse(primary.path).end())
     {
@@ -26,8 +27,7 @@ public:
             if (db->linkSrcVec.cont[id] == 0)
                 continue;
             states[id] = State{DBlinkStateNew()};
-            const DBLinkState &stored =
-                storedState(db, {DBgetLinkSrc(db, id), DBgetLinkDst(db, id)});
+            DBLinkState &stored = storedState(db, {DBgetLinkSrc(db, id), DBgetLinkDst(db, id)});
             EXPECT_EQ(DBlinkStateCopy(states[id].get(), &stored), 0);
         }
     }
@@ -157,7 +157,7 @@ private:
     }
 
     DataBase *db;
-    const DBLabelSwitchedPath &primary;
+    DBLabelSwitchedPath &primary;
     BackupType type;
     NodePath path;
     std::map<Long, State> states;
@@ -210,7 +210,7 @@ protected:
     /** Compares the engine's backups with the plain ones; the number of paths found. */
     int compare(Long primaryId, BackupType type)
     {
-        const DBLabelSwitchedPath &primary = *DBgetLSP(db, primaryId);
+        DBLabelSwitchedPath &primary = *DBgetLSP(db, primaryId);
         Requests requests;
         ::testing::internal::CaptureStdout();
         ::testing::internal::CaptureStderr();

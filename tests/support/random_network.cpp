@@ -113,7 +113,7 @@ PlannedLsp backupOf(const NetworkPlan &plan, const PlannedLsp &primary, DBLSPTyp
     return backup;
 }
 
-const DBLinkState &storedState(const DataBase *db, Hop hop)
+DBLinkState &storedState(const DataBase *db, Hop hop)
 {
     return linkAt(db->linkTab, hop.first, hop.second)->state;
 }

@@ -88,7 +88,7 @@ NodePath hopPath(const NetworkPlan &plan, Long src, Long dst, Rng &rng, Hop avoi
 PlannedLsp backupOf(const NetworkPlan &plan, const PlannedLsp &primary, DBLSPType type, Rng &rng);
 
 /** The stored state of a link that is there, as the engine reads it. */
-const DBLinkState &storedState(const DataBase *db, Hop hop);
+DBLinkState &storedState(const DataBase *db, Hop hop);
 
 /** Adds a link without reservations, or a whole network; 0, or -1. */
 int addLink(DataBase *db, const PlannedLink &link);

@@ -18,6 +18,6 @@
 [[nodiscard]] int computePrimaryPath(DataBase *dataBase, LSPRequest *req);
 
 /** Replaces `req->path` by the committed path of a searched topology; 0, or -1 after a message. */
-[[nodiscard]] int updateRequest(const BKTopology *topo, LSPRequest *req);
+[[nodiscard]] int updateRequest(BKTopology *topo, LSPRequest *req);
 
 #endif

@@ -59,7 +59,7 @@ int removeValue(LongList &list, Long value)
     return longListRemove(&list, static_cast<Long>(found - used.begin()));
 }
 
-Long linkEnd(const LongVec &translator, Long id)
+Long linkEnd(LongVec &translator, Long id)
 {
     Long slot = 0;
     if (longVecGet(&translator, id, &slot) != 0)
@@ -135,7 +135,7 @@ int DBremoveNode(DataBase *dataBase, Long id)
     return result == 0 ? 0 : here.fail("Node removal uncomplete in %s at line %d");
 }
 
-int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, const DBLinkState *initLinkState)
+int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, DBLinkState *initLinkState)
 {
     if (!dataBase || !initLinkState || id < 0 || src < 0 || dst < 0)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -240,14 +240,14 @@ Long DBgetLinkID(const DataBase *dataBase, Long src, Long dst)
     return link ? link->id : -1;
 }
 
-Long DBgetLinkSrc(const DataBase *dataBase, Long id)
+Long DBgetLinkSrc(DataBase *dataBase, Long id)
 {
     if (!dataBase)
         return here.fail("Bad argument (NULL) in %s at line %d");
     return linkEnd(dataBase->linkSrcVec, id);
 }
 
-Long DBgetLinkDst(const DataBase *dataBase, Long id)
+Long DBgetLinkDst(DataBase *dataBase, Long id)
 {
     if (!dataBase)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -303,7 +303,7 @@ DBLinkState *DBgetLinkState(DataBase *dataBase, Long src, Long dst)
     return &link->state;
 }
 
-int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *newLS)
+int DBsetLinkState(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS)
 {
     if (!dataBase || !newLS)
         return here.fail("Bad argument (NULL) in %s at line %d");

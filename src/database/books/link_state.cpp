@@ -68,7 +68,7 @@ int DBlinkStateInit(DBLinkState *ls)
     return makeVectors(*ls) ? 0 : here.fail("Unable to create link state in %s at line %d");
 }
 
-int DBlinkStateCopy(DBLinkState *dst, const DBLinkState *src)
+int DBlinkStateCopy(DBLinkState *dst, DBLinkState *src)
 {
     if (!dst || !src)
         return here.fail("Bad argument (NULL) in %s at line %d");

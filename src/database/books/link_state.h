@@ -48,7 +48,7 @@ double sumOf(const double (&bandwidths)[count])
  * Makes the initialised `dst` a copy of `src`. Vectors grow where needed; slots of `dst` beyond the
  * capacity of `src` keep their values. A failed copy may leave `dst` partly copied.
  */
-[[nodiscard]] int DBlinkStateCopy(DBLinkState *dst, const DBLinkState *src);
+[[nodiscard]] int DBlinkStateCopy(DBLinkState *dst, DBLinkState *src);
 /** Releases all vectors. */
 int DBlinkStateEnd(DBLinkState *ls);
 /** Releases all vectors and the record made by DBlinkStateNew. */

@@ -88,7 +88,7 @@ int DBlspInit(DBLabelSwitchedPath *lsp)
     return 0;
 }
 
-int DBlspCopy(DBLabelSwitchedPath *dst, const DBLabelSwitchedPath *src)
+int DBlspCopy(DBLabelSwitchedPath *dst, DBLabelSwitchedPath *src)
 {
     if (!dst || !src)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -152,7 +152,7 @@ int DBlspListInsert(DBLSPList *list, DBLabelSwitchedPath *lsp)
     return position;
 }
 
-int DBlspListRemove(DBLSPList *list, const DBLabelSwitchedPath *lsp)
+int DBlspListRemove(DBLSPList *list, DBLabelSwitchedPath *lsp)
 {
     if (!vec::isLive(list) || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");

@@ -39,7 +39,7 @@ using DBLSPList = DBLSPList_;
 /** Makes the four lists empty, `bw` 0 and `noContentionId` -1; the rest keeps its values. */
 [[nodiscard]] int DBlspInit(DBLabelSwitchedPath *lsp);
 /** Copies every field into the initialised `dst`; `dst` may be partly copied on failure. */
-[[nodiscard]] int DBlspCopy(DBLabelSwitchedPath *dst, const DBLabelSwitchedPath *src);
+[[nodiscard]] int DBlspCopy(DBLabelSwitchedPath *dst, DBLabelSwitchedPath *src);
 /** Releases the four lists. */
 int DBlspEnd(DBLabelSwitchedPath *lsp);
 /** Releases the four lists and the record made by DBlspNew. */
@@ -56,7 +56,7 @@ int DBlspListDestroy(DBLSPList *list);
 /** Inserts `lsp` at its place and returns the position, -1 on failure. */
 [[nodiscard]] int DBlspListInsert(DBLSPList *list, DBLabelSwitchedPath *lsp);
 /** Removes the entry whose keys equal those of `lsp`; none is a WARNING and -1. */
-[[nodiscard]] int DBlspListRemove(DBLSPList *list, const DBLabelSwitchedPath *lsp);
+[[nodiscard]] int DBlspListRemove(DBLSPList *list, DBLabelSwitchedPath *lsp);
 /**
  * The order of a list: 1 when `LSPa` sorts before `LSPb`, -1 when after, 0 when precedence,
  * bandwidths (class type by class type, the first difference deciding) and id are equal.

@@ -53,7 +53,7 @@ int DBdestroy(DataBase *dataBase);
  * counted.
  */
 [[nodiscard]] int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst,
-                            const DBLinkState *initLinkState);
+                            DBLinkState *initLinkState);
 /** Removes the link from `src` to `dst`; LSPs that used it stay stored. */
 [[nodiscard]] int DBremoveLink(DataBase *dataBase, Long src, Long dst);
 
@@ -69,9 +69,9 @@ Long DBgetNbLinks(const DataBase *dataBase);
 /** Id of the link from `src` to `dst`; -1, without a message, when there is none. */
 Long DBgetLinkID(const DataBase *dataBase, Long src, Long dst);
 /** Source node of link `id`; -1, without a message, for an unused id within the table. */
-Long DBgetLinkSrc(const DataBase *dataBase, Long id);
+Long DBgetLinkSrc(DataBase *dataBase, Long id);
 /** Destination node of link `id`; as DBgetLinkSrc. */
-Long DBgetLinkDst(const DataBase *dataBase, Long id);
+Long DBgetLinkDst(DataBase *dataBase, Long id);
 
 /** Stored LSP `id`; null, without a message, when there is none. */
 DBLabelSwitchedPath *DBgetLSP(const DataBase *dataBase, Long id);
@@ -80,7 +80,7 @@ DBLSPList *DBgetLinkLSPs(DataBase *dataBase, Long src, Long dst);
 /** Stored state of the link from `src` to `dst`. */
 DBLinkState *DBgetLinkState(DataBase *dataBase, Long src, Long dst);
 /** Copies `newLS` into the state of the link from `src` to `dst`. */
-[[nodiscard]] int DBsetLinkState(DataBase *dataBase, Long src, Long dst, const DBLinkState *newLS);
+[[nodiscard]] int DBsetLinkState(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS);
 /** Stored list of the nodes with a link to node `id`, ascending. */
 LongList *DBgetNodeInNeighb(DataBase *dataBase, Long id);
 /** Stored list of the nodes that node `id` has a link to, ascending. */

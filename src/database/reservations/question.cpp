@@ -153,8 +153,7 @@ void apply(const Effect &effect, DBLinkState &ls, ClassTypes settled, Note note)
 }
 
 /** Finds the primary that a backup protects, null for a primary; 0, or -1 after a message. */
-int findPrimary(const DataBase &db, DBLSPType type, Long primID,
-                const DBLabelSwitchedPath *&primary)
+int findPrimary(const DataBase &db, DBLSPType type, Long primID, DBLabelSwitchedPath *&primary)
 {
     primary = nullptr;
     if (type == primaryLSP)
@@ -166,7 +165,7 @@ int findPrimary(const DataBase &db, DBLSPType type, Long primID,
 }
 
 /** Fills a new record with the LSP that a request describes. */
-int fillRecord(const DataBase &db, const LSPRequest &req, DBLabelSwitchedPath &record)
+int fillRecord(const DataBase &db, LSPRequest &req, DBLabelSwitchedPath &record)
 {
     record.id = req.id;
     record.precedence = req.precedence;
@@ -176,7 +175,7 @@ int fillRecord(const DataBase &db, const LSPRequest &req, DBLabelSwitchedPath &r
     if (longVecCopy(&record.forbidLinks, &req.forbidLinks) != 0)
         return -1;
 
-    const DBLabelSwitchedPath *primary = nullptr;
+    DBLabelSwitchedPath *primary = nullptr;
     if (findPrimary(db, req.type, req.primID, primary) != 0)
         return -1;
     record.primID = primary ? req.primID : -1;
@@ -394,7 +393,7 @@ int updateLS(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
 }
 
 int evalLS(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS, DBLinkState *oldLS,
-           const LSPRequest *req, operation op)
+           LSPRequest *req, operation op)
 {
     if (!dataBase || !newLS || !oldLS || !req)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -419,13 +418,13 @@ int DBupdateLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
 }
 
 int DBevalLSOnSetup(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS, DBLinkState *oldLS,
-                    const LSPRequest *req)
+                    LSPRequest *req)
 {
     return evalLS(dataBase, src, dst, newLS, oldLS, req, SETUP);
 }
 
 int DBevalLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS, DBLinkState *oldLS,
-                     const LSPRequest *req)
+                     LSPRequest *req)
 {
     return evalLS(dataBase, src, dst, newLS, oldLS, req, REMOVE);
 }
@@ -441,7 +440,7 @@ int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DB
 {
     if (!dataBase || !ls || !rbw)
         return here.fail("Bad argument (NULL) in %s at line %d");
-    const DBLabelSwitchedPath *primary = nullptr;
+    DBLabelSwitchedPath *primary = nullptr;
     if (findPrimary(*dataBase, candidate.lsp.type, candidate.primID, primary) != 0)
         return -1;
     candidate.lsp.primPath = primary ? inUse(primary->path) : std::span<const Long>{};

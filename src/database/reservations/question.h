@@ -69,7 +69,7 @@ void updateLink(DataBase &db, DBLink &link, const Effect &effect);
  * `op` of the LSP that `req` describes. `newLS` is an initialised state and may be `oldLS` itself.
  */
 [[nodiscard]] int evalLS(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
-                         DBLinkState *oldLS, const LSPRequest *req, operation op);
+                         DBLinkState *oldLS, LSPRequest *req, operation op);
 
 /** updateLS with SETUP. */
 [[nodiscard]] int DBupdateLSOnSetup(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
@@ -79,10 +79,10 @@ void updateLink(DataBase &db, DBLink &link, const Effect &effect);
                                      const DBLabelSwitchedPath *lsp);
 /** evalLS with SETUP. */
 [[nodiscard]] int DBevalLSOnSetup(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
-                                  DBLinkState *oldLS, const LSPRequest *req);
+                                  DBLinkState *oldLS, LSPRequest *req);
 /** evalLS with REMOVE. */
 [[nodiscard]] int DBevalLSOnRemove(DataBase *dataBase, Long src, Long dst, DBLinkState *newLS,
-                                   DBLinkState *oldLS, const LSPRequest *req);
+                                   DBLinkState *oldLS, LSPRequest *req);
 
 /** What an evaluation reads of a request or of an LSP record that asks for admission. */
 struct Candidate {

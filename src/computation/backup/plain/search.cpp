@@ -1,6 +1,7 @@
 #include "computation/backup/plain/search.h"
 
 #include "common/records.h"
+#include "computation/backup/plain/compute_cost.h"
 #include "database/reservations/question.h"
 #include "error/report.h"
 
@@ -142,7 +143,7 @@ int BackupSearch::writePath(LongVec &path) const
 }
 
 /** Applies a request to the working states of its hops; a state that fails is left as it is. */
-void BackupSearch::evaluateHops(const LSPRequest &req, operation op)
+void BackupSearch::evaluateHops(LSPRequest &req, operation op)
 {
     const auto hops = inUse(req.path);
     for (std::size_t k = 0; k + 1 < hops.size(); ++k) {

@@ -6,8 +6,10 @@
 #define TARNEX_COMPUTATION_BACKUP_PLAIN_SEARCH_H
 
 #include "common/records.h"
-#include "computation/backup/driver.h"
+#include "computation/backup/backup_type.h"
+#include "computation/backup/dijkstra.h"
 #include "computation/backup/plain/working_states.h"
+#include "computation/computation.h"
 #include "database/reservations/effect.h"
 
 #include <span>
@@ -16,7 +18,7 @@ class BackupSearch
 {
 public:
     /** Searches backups of `protectedLSP`; both must outlive the search. */
-    BackupSearch(DataBase &database, const DBLabelSwitchedPath &protectedLSP, BackupType backupType)
+    BackupSearch(DataBase &database, DBLabelSwitchedPath &protectedLSP, BackupType backupType)
         : db(database), primary(protectedLSP), type(backupType), states(database)
     {
     }
@@ -49,19 +51,19 @@ public:
     /** Appends the path found last, from its end to its start; 0, or -1 after a message. */
     [[nodiscard]] int writePath(LongVec &path) const;
     /** Takes the reservation of a request out of the working states of its hops. */
-    void takeOut(const LSPRequest &req) { evaluateHops(req, REMOVE); }
+    void takeOut(LSPRequest &req) { evaluateHops(req, REMOVE); }
     /** Puts the reservation of a request into the working states of its hops. */
-    void putIn(const LSPRequest &req) { evaluateHops(req, SETUP); }
+    void putIn(LSPRequest &req) { evaluateHops(req, SETUP); }
 
 private:
     void reset();
     int relaxLinksOf(CPDijkNode &settled);
     int relax(CPDijkNode &settled, CPDijkNode &neighbour);
     CPDijkNode *nodeOf(Long id) const;
-    void evaluateHops(const LSPRequest &req, operation op);
+    void evaluateHops(LSPRequest &req, operation op);
 
     DataBase &db;
-    const DBLabelSwitchedPath &primary;
+    DBLabelSwitchedPath &primary;
     BackupType type;
     WorkingStates states;
     Long nbIds = 0;
