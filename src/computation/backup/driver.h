@@ -7,8 +7,10 @@
  * (1959) with the extra shared reservation that a link would need as its length. Local backups of
  * one primary see each other's reservations, so they share what they can.
  *
- * The database is read, never changed. Link states are shared with it until a path is written into
- * them; only then is a state copied.
+ * Nodes, links, LSPs and reservations stay as they are. What the database derives from them for
+ * searches, the indices and the summaries of links, is brought up to date on the way. The plain
+ * search shares link states with the database until a path is written into them; only then is a
+ * state copied.
  */
 #ifndef TARNEX_COMPUTATION_BACKUP_DRIVER_H
 #define TARNEX_COMPUTATION_BACKUP_DRIVER_H
