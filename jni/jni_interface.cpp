@@ -259,7 +259,7 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniaddBackupL
     if (!call || !checkLSP(env, arguments))
         return;
     tarnexConfig.predicateConfig.allowReroute = false;
-    const DBLabelSwitchedPath *primary = DBgetLSP(centralDB, plspid);
+    DBLabelSwitchedPath *primary = DBgetLSP(centralDB, plspid);
     if (!primary) {
         pushLSPFailure("Impossible to find PRIMARY LSP in %s at line %d", lspid, bw);
         call.fail(addDBException);

@@ -34,7 +34,7 @@ int longVecEnd(LongVec *vec) { return vec::end(here, vec); }
 
 int longVecDestroy(LongVec *vec) { return vec::destroy(here, vec); }
 
-int longVecCopy(LongVec *dst, const LongVec *src) { return vec::copy(here, dst, src); }
+int longVecCopy(LongVec *dst, LongVec *src) { return vec::copy(here, dst, src); }
 
 int longVecResize(LongVec *vec, Long newsize) { return vec::resize(here, vec, newsize); }
 
@@ -42,10 +42,7 @@ int longVecPushBack(LongVec *vec, Long val) { return vec::pushBack(here, vec, va
 
 int longVecPopBack(LongVec *vec, Long *val) { return vec::popBack(here, vec, val); }
 
-int longVecGet(const LongVec *vec, Long index, Long *val)
-{
-    return vec::get(here, vec, index, val);
-}
+int longVecGet(LongVec *vec, Long index, Long *val) { return vec::get(here, vec, index, val); }
 
 int longVecSet(LongVec *vec, Long index, Long val)
 {
@@ -123,7 +120,7 @@ int dblVecEnd(DoubleVec *vec) { return vec::end(here, vec); }
 
 int dblVecDestroy(DoubleVec *vec) { return vec::destroy(here, vec); }
 
-int dblVecCopy(DoubleVec *dst, const DoubleVec *src) { return vec::copy(here, dst, src); }
+int dblVecCopy(DoubleVec *dst, DoubleVec *src) { return vec::copy(here, dst, src); }
 
 int dblVecResize(DoubleVec *vec, Long newsize) { return vec::resize(here, vec, newsize); }
 
@@ -131,10 +128,7 @@ int dblVecPushBack(DoubleVec *vec, double val) { return vec::pushBack(here, vec,
 
 int dblVecPopBack(DoubleVec *vec, double *val) { return vec::popBack(here, vec, val); }
 
-int dblVecGet(const DoubleVec *vec, Long index, double *val)
-{
-    return vec::get(here, vec, index, val);
-}
+int dblVecGet(DoubleVec *vec, Long index, double *val) { return vec::get(here, vec, index, val); }
 
 int dblVecSet(DoubleVec *vec, Long index, double val)
 {

@@ -79,7 +79,7 @@ int longVecEnd(LongVec *vec);
 /** Releases the contents and the record made by longVecNew. */
 int longVecDestroy(LongVec *vec);
 /** Copies the whole capacity of `src` to the front of `dst`, which grows if it is smaller. */
-[[nodiscard]] int longVecCopy(LongVec *dst, const LongVec *src);
+[[nodiscard]] int longVecCopy(LongVec *dst, LongVec *src);
 /** Grows the capacity to `newsize` slots, the new ones 0. */
 [[nodiscard]] int longVecResize(LongVec *vec, Long newsize);
 /** Appends `val`, doubling a full vector. */
@@ -87,7 +87,7 @@ int longVecDestroy(LongVec *vec);
 /** Removes the last element into `val`. */
 [[nodiscard]] int longVecPopBack(LongVec *vec, Long *val);
 /** Reads slot `index`, which must lie within the capacity. */
-[[nodiscard]] int longVecGet(const LongVec *vec, Long index, Long *val);
+[[nodiscard]] int longVecGet(LongVec *vec, Long index, Long *val);
 /** Writes slot `index`, growing, zero-filled, to the larger of `index` + 1 and twice `size`. */
 [[nodiscard]] int longVecSet(LongVec *vec, Long index, Long val);
 
@@ -111,11 +111,11 @@ int longListSort(LongList *list);
 [[nodiscard]] int dblVecInit(DoubleVec *vec, Long size);
 int dblVecEnd(DoubleVec *vec);
 int dblVecDestroy(DoubleVec *vec);
-[[nodiscard]] int dblVecCopy(DoubleVec *dst, const DoubleVec *src);
+[[nodiscard]] int dblVecCopy(DoubleVec *dst, DoubleVec *src);
 [[nodiscard]] int dblVecResize(DoubleVec *vec, Long newsize);
 [[nodiscard]] int dblVecPushBack(DoubleVec *vec, double val);
 [[nodiscard]] int dblVecPopBack(DoubleVec *vec, double *val);
-[[nodiscard]] int dblVecGet(const DoubleVec *vec, Long index, double *val);
+[[nodiscard]] int dblVecGet(DoubleVec *vec, Long index, double *val);
 [[nodiscard]] int dblVecSet(DoubleVec *vec, Long index, double val);
 ///@}
 

@@ -9,6 +9,8 @@ namespace
 {
 
 constexpr Unit here{"computation/computation"};
+/** A path without known ends is reported by the computation that it was meant for. */
+constexpr Unit primaryPath{"computation/primary/primaryPath"};
 
 /** Fills a zeroed record; nothing stays allocated on failure. */
 int makeRequest(LSPRequest &req)
@@ -40,6 +42,20 @@ int initRange(LSPRequest *requests, Long from, Long to)
 std::size_t bytesFor(Long requests)
 {
     return static_cast<std::size_t>(requests) * sizeof(LSPRequest);
+}
+
+/** Whether both ends of a request's path are known; pushes a message otherwise. */
+bool isWellFormed(const LSPRequest *req)
+{
+    if (!req) {
+        primaryPath.push(CRITICAL, "Bad argument (NULL) in %s at line %d");
+        return false;
+    }
+    const auto path = inUse(req->path);
+    const bool wellFormed = path.size() > 1 && path.front() >= 0 && path.back() >= 0;
+    if (!wellFormed)
+        primaryPath.push(CRITICAL, "Bad requested path format in %s at line %d");
+    return wellFormed;
 }
 
 } // namespace
@@ -75,7 +91,7 @@ int lspRequestEnd(LSPRequest *req)
 
 int lspRequestDestroy(LSPRequest *req) { return destroyRecord<lspRequestEnd>(req); }
 
-int lspRequestCopy(LSPRequest *dst, const LSPRequest *src)
+int lspRequestCopy(LSPRequest *dst, LSPRequest *src)
 {
     if (!dst || !src)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -143,7 +159,7 @@ int lspRequestListResize(LSPRequestList *reqList, Long size)
     return 0;
 }
 
-Long lspRequestListSize(const LSPRequestList *reqList)
+Long lspRequestListSize(LSPRequestList *reqList)
 {
     return reqList ? reqList->size : here.fail("LSPRequestList == NULL in %s at line %d");
 }
@@ -161,4 +177,11 @@ int lspRequestListSet(LSPRequestList * /*reqList*/, LSPRequest * /*req*/, Long /
 {
     here.push(CRITICAL, "Trying to call an undefined function in %s at line %d");
     return 0;
+}
+
+int getRequestSrc(LSPRequest *req) { return isWellFormed(req) ? req->path.cont[0] : -1; }
+
+int getRequestDst(LSPRequest *req)
+{
+    return isWellFormed(req) ? req->path.cont[req->path.top - 1] : -1;
 }

@@ -47,7 +47,7 @@ int lspRequestEnd(LSPRequest *req);
 /** Releases the two lists and the record made by lspRequestNew. */
 int lspRequestDestroy(LSPRequest *req);
 /** Makes the initialised `dst` a copy of `src`; the scalars are copied even when a list fails. */
-[[nodiscard]] int lspRequestCopy(LSPRequest *dst, const LSPRequest *src);
+[[nodiscard]] int lspRequestCopy(LSPRequest *dst, LSPRequest *src);
 
 /** Makes a list of `size` initialised requests, at least one. */
 [[nodiscard]] int lspRequestListInit(LSPRequestList *reqList, Long size);
@@ -56,10 +56,15 @@ int lspRequestListEnd(LSPRequestList *reqList);
 /** Grows or shrinks to `size` requests; shrinking keeps the storage. */
 [[nodiscard]] int lspRequestListResize(LSPRequestList *reqList, Long size);
 /** Number of requests; -1 for a null list. */
-Long lspRequestListSize(const LSPRequestList *reqList);
+Long lspRequestListSize(LSPRequestList *reqList);
 /** Request `index` inside the list; null when out of bounds. */
 LSPRequest *lspRequestListGet(LSPRequestList *reqList, Long index);
 /** Stores nothing and says so on the error stack; write through lspRequestListGet. Returns 0. */
 int lspRequestListSet(LSPRequestList *reqList, LSPRequest *req, Long index);
+
+/** First entry of the request's path; -1 after a message when the path is not well formed. */
+int getRequestSrc(LSPRequest *req);
+/** Last entry of the request's path; -1 after a message when the path is not well formed. */
+int getRequestDst(LSPRequest *req);
 
 #endif

@@ -87,8 +87,8 @@ bool refuseNull()
 
 } // namespace
 
-bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
-                        const LSPRequest *req, double *gain)
+bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, DBLinkState *ls, LSPRequest *req,
+                        double *gain)
 {
     if (!ls || !req || !gain)
         return refuseNull();
@@ -106,8 +106,8 @@ bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkStat
     return isAdmitted && !isRerouted;
 }
 
-bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
-                    const DBLabelSwitchedPath *lsp, double *gain)
+bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
+                    DBLabelSwitchedPath *lsp, double *gain)
 {
     if (!ls || !lsp || !gain)
         return refuseNull();
@@ -127,12 +127,12 @@ bool isValidWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
     return passesTests(rbw, roomy, link.state, lsp.precedence, lsp.forbidLinks, gain);
 }
 
-bool capacityClause(const DBLinkState *ls, const LSPRequest *req, double *gain)
+bool capacityClause(DBLinkState *ls, LSPRequest *req, double *gain)
 {
     return fitsCapacity(ls->rbw, {}, ls->cap, req->precedence, gain);
 }
 
-bool colorClause(const DBLinkState *ls, const LSPRequest *req)
+bool colorClause(DBLinkState *ls, LSPRequest *req)
 {
     return avoidsColor(req->forbidLinks, ls->color);
 }

@@ -21,8 +21,8 @@
  * @param gain MAXOA bandwidths that preemption must free; zeroed in advance by the caller, because
  * a capacity test that is off, or refuses, does not write all of it
  */
-bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
-                        const LSPRequest *req, double *gain);
+bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, DBLinkState *ls, LSPRequest *req,
+                        double *gain);
 
 /**
  * Tells whether the link from `src` to `dst` in state `ls` can carry `lsp`, possibly by preempting.
@@ -31,8 +31,8 @@ bool isValidRequestLink(DataBase *dataBase, Long src, Long dst, const DBLinkStat
  *             test as far as it gets, so zeroed in advance by the caller
  * @return true when admitted; false when refused or, after a message, when the question failed
  */
-bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,
-                    const DBLabelSwitchedPath *lsp, double *gain);
+bool isValidLSPLink(DataBase *dataBase, Long src, Long dst, DBLinkState *ls,
+                    DBLabelSwitchedPath *lsp, double *gain);
 
 /** As isValidLSPLink for a stored link, with the LSP's effect on it already worked out. */
 bool isValidWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
@@ -43,9 +43,9 @@ bool isValidWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
  * cannot preempt must fit the capacity (everything, when rerouting is not allowed). Fills `gain`
  * with what the reservations exceed the capacity by.
  */
-bool capacityClause(const DBLinkState *ls, const LSPRequest *req, double *gain);
+bool capacityClause(DBLinkState *ls, LSPRequest *req, double *gain);
 
 /** Colour test: false when the link's colour is among the request's forbidden ones. */
-bool colorClause(const DBLinkState *ls, const LSPRequest *req);
+bool colorClause(DBLinkState *ls, LSPRequest *req);
 
 #endif

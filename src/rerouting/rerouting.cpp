@@ -64,8 +64,8 @@ private:
 
 } // namespace
 
-int chooseReroutedLSPs(int precedence, const DBLinkState *state, const DBLSPList *lspList,
-                       const double *toGain, LongList *idList)
+int chooseReroutedLSPs(int precedence, DBLinkState *state, DBLSPList *lspList, double *toGain,
+                       LongList *idList)
 {
     if (!idList || !idList->cont || !state || !lspList || !lspList->cont)
         return here.fail("Invalid arguments in %s at line %d");
@@ -88,7 +88,7 @@ int chooseReroutedLSPs(int precedence, const DBLinkState *state, const DBLSPList
     return 0;
 }
 
-double makeRerouteScore(const LSPRequest *req, const double *gain, const DBLinkState *ls, int oa)
+double makeRerouteScore(LSPRequest *req, double *gain, DBLinkState *ls, int oa)
 {
     const double(&coefficient)[MAXPL] = tarnexConfig.reroutingConfig.scoreCoef[oa];
     double score = 0.0;

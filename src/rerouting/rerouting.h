@@ -22,9 +22,8 @@
  * @param idList ids of the chosen LSPs are appended; those appended before a failure stay
  * @return 0, or -1 when there is not enough to preempt
  */
-[[nodiscard]] int chooseReroutedLSPs(int precedence, const DBLinkState *state,
-                                     const DBLSPList *lspList, const double *toGain,
-                                     LongList *idList);
+[[nodiscard]] int chooseReroutedLSPs(int precedence, DBLinkState *state, DBLSPList *lspList,
+                                     double *toGain, LongList *idList);
 
 /**
  * Penalty of freeing `gain[oa]` on a link in state `ls`, per unit of the request's bandwidth in
@@ -35,6 +34,6 @@
  * @return the penalty; positive infinity, after a message, when the levels below the request's do
  *         not hold the gain
  */
-double makeRerouteScore(const LSPRequest *req, const double *gain, const DBLinkState *ls, int oa);
+double makeRerouteScore(LSPRequest *req, double *gain, DBLinkState *ls, int oa);
 
 #endif

@@ -1,5 +1,6 @@
 #include "admission/admission.h"
 #include "computation/backup/driver.h"
+#include "computation/backup/plain/compute_cost.h"
 #include "database/books/change.h"
 #include "database/books/lookup.h"
 #include "database/update/update.h"
@@ -21,7 +22,7 @@ double total(const double (&levels)[MAXPL]) { return std::accumulate(levels, lev
 class PlainBackups
 {
 public:
-    PlainBackups(DataBase *database, const DBLabelSwitchedPath &protectedLSP, BackupType kind)
+    PlainBackups(DataBase *database, DBLabelSwitchedPath &protectedLSP, BackupType kind)
         : db(database), primary(protectedLSP), type(kind),
           path(inUse(primary.path).begin(), inUse(primary.path).end())
     {
@@ -29,8 +30,7 @@ public:
             if (db->linkSrcVec.cont[id] == 0)
                 continue;
             states[id] = State{DBlinkStateNew()};
-            DBLinkState &stored =
-                storedState(db, {DBgetLinkSrc(db, id), DBgetLinkDst(db, id)});
+            DBLinkState &stored = storedState(db, {DBgetLinkSrc(db, id), DBgetLinkDst(db, id)});
             EXPECT_EQ(DBlinkStateCopy(states[id].get(), &stored), 0);
         }
     }
@@ -160,7 +160,7 @@ private:
     }
 
     DataBase *db;
-    const DBLabelSwitchedPath &primary;
+    DBLabelSwitchedPath &primary;
     BackupType type;
     NodePath path;
     std::map<Long, State> states;
@@ -213,7 +213,7 @@ protected:
     /** Compares the engine's backups with the plain ones; the number of paths found. */
     int compare(Long primaryId, BackupType type)
     {
-        const DBLabelSwitchedPath &primary = *DBgetLSP(db, primaryId);
+        DBLabelSwitchedPath &primary = *DBgetLSP(db, primaryId);
         Requests requests;
         ::testing::internal::CaptureStdout();
         ::testing::internal::CaptureStderr();

@@ -18,7 +18,7 @@ using W = PrimaryComputationConfig;
 
 /** What a request can see. */
 struct Topology : BKTopology {
-    Topology(DataBase *db, const LSPRequest *request) : BKTopology{}
+    Topology(DataBase *db, LSPRequest *request) : BKTopology{}
     {
         EXPECT_EQ(initTopo(this, -1), 0);
         EXPECT_EQ(fillTopo(db, request, this), 0);
@@ -74,11 +74,11 @@ TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
         (weights.*row.weight)[0] = row.value;
         std::ranges::fill(state->cap, row.capacity);
         start.cost = row.cost;
-        const BKConnect connect{0, state.get(), {{row.gain}}};
+        BKConnect connect{0, state.get(), {{row.gain}}};
         EXPECT_DOUBLE_EQ(makeScore(&topo, request.get(), 0, 1, &connect), row.score) << row.name;
     }
     request->precedence = 5;
-    const double gain = 25;
+    double gain = 25;
     EXPECT_EQ(makeRerouteScore(request.get(), &gain, state.get(), 0), infinity);
     expectTrail({"internal error: impossible to realize gain"});
     state->rbw[0][7] = std::numeric_limits<double>::quiet_NaN(); // is not less than what remains
@@ -93,7 +93,7 @@ TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
     for (const auto &[load, capacity, slope] : slopes) {
         state->pbw[0][1] = state->pbw[0][7] = load / 2;
         std::ranges::fill(state->cap, capacity);
-        const BKConnect connect{0, state.get(), {}};
+        BKConnect connect{0, state.get(), {}};
         EXPECT_EQ(makeScore(&topo, request.get(), 0, 1, &connect), 1 + 20 * slope) << load;
     }
 }
@@ -198,7 +198,7 @@ TEST_F(PrimaryPathProperty, AnIndexThatFoundNoMemoryIsMadeAnew)
 }
 
 /** The search in its plain form: every pass looks at every in-link of every reached node. */
-void searchPlainly(BKTopology &topo, const LSPRequest &req)
+void searchPlainly(BKTopology &topo, LSPRequest &req)
 {
     NodePath reached{req.path.cont[0]}; // in the order in which they are
     const auto isReached = [&](Long nd) { return std::ranges::count(reached, nd) > 0; };
@@ -210,7 +210,7 @@ void searchPlainly(BKTopology &topo, const LSPRequest &req)
         }
         return end == nd;
     };
-    const auto choose = [&](BKNode &node, const BKConnect &in) {
+    const auto choose = [&](BKNode &node, BKConnect &in) {
         node.info.newNeighbInd = static_cast<Long>(&in - node.inNeighb.cont);
         node.info.newCost = makeScore(&topo, &req, in.neighbId, node.nodeId, &in);
         for (int oa = 0; oa < MAXOA; ++oa)
@@ -247,7 +247,7 @@ void searchPlainly(BKTopology &topo, const LSPRequest &req)
         changed = false;
         for (const Long nd : inPass) {
             BKNode &node = placedNode(topo, nd);
-            for (const BKConnect &in : inUse(node.inNeighb)) {
+            for (BKConnect &in : inUse(node.inNeighb)) {
                 if (!isReached(in.neighbId) || isOnChain(nd, in.neighbId))
                     continue;
                 if (makeScore(&topo, &req, in.neighbId, nd, &in) - node.info.cost < -1e-10) {
@@ -294,7 +294,7 @@ protected:
     {
         const Long source = request->path.cont[0];
         request->precedence = randomInt(rng, MAXPL);
-        const LSPRequest *req = request.get();
+        LSPRequest *req = request.get();
         Topology expected{db, req};
         searchPlainly(expected, *req);
         Topology topo{db, req};
@@ -303,7 +303,7 @@ protected:
             const Long nd = node.nodeId;
             ASSERT_EQ(node.neighbInd, placedNode(expected, nd).neighbInd) << nd;
             ASSERT_EQ(node.info.cost, placedNode(expected, nd).info.cost) << nd;
-            for (const BKConnect &in : inUse(node.inNeighb)) {
+            for (BKConnect &in : inUse(node.inNeighb)) {
                 const Long nb = in.neighbId;
                 if ((placedNode(topo, nb).neighbInd < 0 && nb != source) || !noLoop(&topo, nb, nd))
                     continue;

@@ -158,7 +158,7 @@ TEST_F(AdmissionProperty, PreemptionTakesWholeLevelsThenTheBestFit)
     for (const auto &row : rows) {
         state->rbw[0][7] = row.reserved7;
         preempted.top = 0;
-        const double need[MAXOA] = {row.need0, row.need1};
+        double need[MAXOA] = {row.need0, row.need1};
         EXPECT_EQ(chooseReroutedLSPs(row.precedence, state.get(), list.get(), need, &preempted),
                   row.enough ? 0 : -1);
         EXPECT_EQ(idsIn(preempted), row.chosen) << row.need0 + row.need1;

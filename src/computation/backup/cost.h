@@ -7,7 +7,8 @@
 #define TARNEX_COMPUTATION_BACKUP_COST_H
 
 #include "common/records.h"
-#include "database/books/network.h"
+#include "database/books/link_state.h"
+#include "database/books/lsp.h"
 
 #include <algorithm>
 #include <array>

@@ -165,7 +165,7 @@ int computeBackup(DataBase *dataBase, LSPRequestList *reqList, Long lspID, Backu
 {
     if (!dataBase || !reqList)
         return here.fail("Wrong argument in %s at line %d");
-    const DBLabelSwitchedPath *primary = DBgetLSP(dataBase, lspID);
+    DBLabelSwitchedPath *primary = DBgetLSP(dataBase, lspID);
     if (!primary)
         return here.fail("Cannot find lsp ID %ld in %s at line %d", long{lspID});
     IndexedBackupSearch indexed{*dataBase, *primary, *reqList, type};

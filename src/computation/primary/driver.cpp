@@ -14,7 +14,7 @@ namespace
 constexpr Unit here{"computation/primary/primaryPath"};
 
 /** Topology node of an id; null, after a message, when the lookup fails. */
-const BKNode *lookUp(const BKTopology &topo, Long id)
+BKNode *lookUp(BKTopology &topo, Long id)
 {
     Long position = 0;
     if (longVecGet(&topo.nodeInd, id, &position) != 0)
@@ -23,7 +23,7 @@ const BKNode *lookUp(const BKTopology &topo, Long id)
 }
 
 /** Appends the nodes from `nd` back to `src`, both included. */
-int walkBack(const BKTopology &topo, Long src, Long nd, LongList &path)
+int walkBack(BKTopology &topo, Long src, Long nd, LongList &path)
 {
     const BKNode *node = lookUp(topo, nd);
     while (node && nd != src) {
@@ -90,7 +90,7 @@ int computePrimaryPath(DataBase *dataBase, LSPRequest *req)
     return -1;
 }
 
-int updateRequest(const BKTopology *topo, LSPRequest *req)
+int updateRequest(BKTopology *topo, LSPRequest *req)
 {
     if (!topo || !req)
         return here.fail("Bad argument (NULL) in %s at line %d");

@@ -1,7 +1,8 @@
 /**
  * Primary path computation (unit "computation/primary/primaryPath"): working topology, search and
- * write-back. The database is read, never changed; whether the LSP is set up is the caller's
- * affair.
+ * write-back. Nodes, links, LSPs and reservations stay as they are, and whether the LSP is set up
+ * is the caller's affair; what the database derives from them for searches, the indices and the
+ * summaries of links, is brought up to date on the way.
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_DRIVER_H
 #define TARNEX_COMPUTATION_PRIMARY_DRIVER_H
@@ -18,6 +19,6 @@
 [[nodiscard]] int computePrimaryPath(DataBase *dataBase, LSPRequest *req);
 
 /** Replaces `req->path` by the committed path of a searched topology; 0, or -1 after a message. */
-[[nodiscard]] int updateRequest(const BKTopology *topo, LSPRequest *req);
+[[nodiscard]] int updateRequest(BKTopology *topo, LSPRequest *req);
 
 #endif

@@ -7,7 +7,7 @@ namespace
 
 constexpr Unit here{"database/database"};
 
-Long linkEnd(const LongVec &translator, Long id)
+Long linkEnd(LongVec &translator, Long id)
 {
     Long slot = 0;
     if (longVecGet(&translator, id, &slot) != 0)

@@ -6,9 +6,10 @@
 #ifndef TARNEX_COMPUTATION_BACKUP_INDEXED_PRICING_H
 #define TARNEX_COMPUTATION_BACKUP_INDEXED_PRICING_H
 
+#include "computation/backup/backup_type.h"
 #include "computation/backup/cost.h"
-#include "computation/backup/driver.h"
 #include "computation/backup/indexed/failure_needs.h"
+#include "computation/computation.h"
 
 #include <cassert>
 #include <span>

@@ -2,7 +2,7 @@
 
 #include "common/vector.h"
 #include "computation/backup/cost.h"
-#include "computation/backup/plain/working_states.h"
+#include "computation/backup/free_ids.h"
 
 #include <algorithm>
 #include <cmath>
@@ -140,7 +140,7 @@ Long IndexedBackupSearch::positionOf(Long src, Long dst) const
 int IndexedBackupSearch::prepare()
 {
     if (db.backups.nbIds > db.backups.nbLinks)
-        WorkingStates::reportFreeIds(db);
+        reportFreeIds(db);
     return 0;
 }
 

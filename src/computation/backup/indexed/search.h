@@ -6,6 +6,7 @@
 #define TARNEX_COMPUTATION_BACKUP_INDEXED_SEARCH_H
 
 #include "computation/backup/indexed/pricing.h"
+#include "computation/computation.h"
 
 class IndexedBackupSearch
 {

@@ -1,6 +1,7 @@
 #include "computation/backup/plain/search.h"
 
 #include "common/records.h"
+#include "computation/backup/plain/compute_cost.h"
 #include "database/books/lookup.h"
 #include "database/update/update.h"
 #include "error/report.h"

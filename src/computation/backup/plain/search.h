@@ -6,8 +6,10 @@
 #define TARNEX_COMPUTATION_BACKUP_PLAIN_SEARCH_H
 
 #include "common/records.h"
-#include "computation/backup/driver.h"
+#include "computation/backup/backup_type.h"
+#include "computation/backup/dijkstra.h"
 #include "computation/backup/plain/working_states.h"
+#include "computation/computation.h"
 #include "database/reservations/effect.h"
 
 #include <span>
@@ -16,7 +18,7 @@ class BackupSearch
 {
 public:
     /** Searches backups of `protectedLSP`; both must outlive the search. */
-    BackupSearch(DataBase &database, const DBLabelSwitchedPath &protectedLSP, BackupType backupType)
+    BackupSearch(DataBase &database, DBLabelSwitchedPath &protectedLSP, BackupType backupType)
         : db(database), primary(protectedLSP), type(backupType), states(database)
     {
     }
@@ -61,7 +63,7 @@ private:
     void evaluateHops(LSPRequest &req, operation op);
 
     DataBase &db;
-    const DBLabelSwitchedPath &primary;
+    DBLabelSwitchedPath &primary;
     BackupType type;
     WorkingStates states;
     Long nbIds = 0;

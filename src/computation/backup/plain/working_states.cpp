@@ -1,6 +1,7 @@
 #include "computation/backup/plain/working_states.h"
 
 #include "common/records.h"
+#include "computation/backup/free_ids.h"
 #include "database/books/lookup.h"
 #include "error/report.h"
 
@@ -8,17 +9,6 @@ namespace
 {
 
 constexpr Unit here{"computation/backup/backup"};
-
-/** Whether an id lacks a link, which has been reported then. */
-bool reportIfFree(Long link, Long src, Long dst)
-{
-    if (src != -1 && dst != -1)
-        return false;
-    constexpr Message message{
-        "Warning there is no link numbered %ld : src = %ld, dst = %ld .... in %s at line %ld"};
-    addError(INFO, message.format, long{link}, long{src}, long{dst}, here.name, long{message.line});
-    return true;
-}
 
 DBLinkState *copyOf(DBLinkState &state)
 {
@@ -64,15 +54,6 @@ void WorkingStates::share()
             lsList[link] = &stored->state;
         else
             here.push(WARNING, "Oups there should be a link-state here in %s at line %d");
-    }
-}
-
-void WorkingStates::reportFreeIds(const DataBase &db)
-{
-    for (Long link = 0; link < db.linkSrcVec.top; ++link) {
-        const bool isFree = db.linkSrcVec.cont[link] == 0;
-        if (isFree)
-            reportIfFree(link, -1, -1);
     }
 }
 

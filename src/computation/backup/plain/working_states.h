@@ -20,11 +20,9 @@ public:
     [[nodiscard]] bool allocate();
     /** Fills the list with the database's states; what is missing is reported and stays empty. */
     void share();
-    /** Reports the link ids that no link has. */
-    static void reportFreeIds(const DataBase &db);
 
     /** The states by link id, null where there is none; as computeCost wants them. */
-    DBLinkState *const *list() const { return lsList; }
+    DBLinkState **list() { return lsList; }
     /**
      * A state that may be written, copied from the database's on first use. Null when there is none
      * or, after a message, when it cannot be copied; the link is then out of the computation.

@@ -1,20 +1,26 @@
 /**
- * The search (search.h) where it has only one way to end, under increments of few grades (unit
- * "computation/primary/primaryPath").
+ * The search for the one path that is clearly the best, where links add one of a few increments
+ * (unit "computation/primary/primaryPath").
  *
- * Whatever order the passes look at links in, the score they end with is above the least that any
- * path has by no more than the margin for each link and the rounding. Where only one path comes as
- * near to the least score, it is the one that they end with, and its links give the score.
+ * Passes (plain/search.h) stop when no link improves a label by more than the margin. The score
+ * that they end with is therefore above the least by no more than the margin for each link, and
+ * rounding; which of the paths that near the least they end with depends on the order of their
+ * work. Mostly there is just one such path. The passes end with it whatever their order, so it need
+ * only be found, and any faster search will do:
  *
- * What remains from each node to the destination is found in ascending order, against the links.
- * Scores that grew by the same increment come up in that order, so they wait in one queue.
+ * 1. Find what remains from each node to the destination at least, against the links and in
+ * ascending order (Dijkstra, 1959). The nodes come in ascending order, so the scores that grew by
+ * the same increment do, too: a plain queue for each increment takes the place of a heap.
+ * 2. Follow the links from the source that lead to the destination at nearly the least score. Where
+ * a node has two of them the outcome is in doubt, and the passes have to decide.
+ * 3. Add the score up over the path from the source on, as the passes do: the bits are the same.
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
 
 #include "common/layout.h"
+#include "computation/primary/improvement.h"
 #include "computation/primary/indexed/link_terms.h"
-#include "computation/primary/plain/search.h"
 #include "database/indices/network_index.h"
 
 #include <algorithm>

@@ -24,7 +24,7 @@ bool tellsLinksApart(const PrimaryComputationConfig &w, int oa)
 
 } // namespace
 
-LinkAppraisal::LinkAppraisal(DataBase &database, const LSPRequest &request)
+LinkAppraisal::LinkAppraisal(DataBase &database, LSPRequest &request)
     : db(database), req(request), level(levelFor(request))
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
@@ -129,7 +129,7 @@ Verdict LinkAppraisal::settle(Long link)
 
 bool LinkAppraisal::ask(Long link)
 {
-    const DBLink &stored = *index.links[link];
+    DBLink &stored = *index.links[link];
     double gain[MAXOA];
     return isValidRequestLink(&db, index.nodeIds[index.source[link]],
                               index.nodeIds[index.destination[link]], &stored.state, &req, gain);

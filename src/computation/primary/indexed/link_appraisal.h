@@ -22,7 +22,7 @@ public:
     /** Which form the increments of the links take. */
     enum class Form { alike, graded, listed };
 
-    LinkAppraisal(DataBase &database, const LSPRequest &request);
+    LinkAppraisal(DataBase &database, LSPRequest &request);
 
     /** The level up to which the reservations must fit the capacity. */
     static int levelFor(const LSPRequest &request);
@@ -58,7 +58,7 @@ private:
 
     DataBase &db;
     const NetworkIndex &index = db.index;
-    const LSPRequest &req;
+    LSPRequest &req;
     const PrimaryComputationConfig &weights = tarnexConfig.primaryComputationConfig;
     int level;
     ClassTypes requested{};

@@ -1,17 +1,25 @@
 /**
- * The label-correcting search in passes (search.h), on node and link numbers and under increments
- * of at least 0 (unit "computation/primary/primaryPath").
+ * The label-correcting search in passes (plain/search.h), on node and link numbers and under
+ * increments of at least 0 (unit "computation/primary/primaryPath").
  *
- * A label that changes is offered to the nodes that its links lead to, and a pass looks only at the
- * nodes that something was offered to; the labels, the passes and the choices in them are those of
- * passes that look at every link. As no link lowers a score, a node on the chain that leads to
- * another never has the larger label: no candidate that improves closes a loop.
+ * The plain search looks at every link into every reached node in every pass, and most of what it
+ * sees is as it was in the pass before. A node can choose anew only after a node before it has got
+ * another label. So a node whose label changes offers it over its out-links, and a pass looks only
+ * at the nodes that have an offer.
+ *
+ * The result is that of the plain passes, to the bit:
+ * - Nodes are looked at in the order in which they were reached, with the labels that the pass
+ *   before committed, and of several links that improve a label the last one wins.
+ * - The test for loops is left out because it cannot fail. No link lowers a score, so a node's
+ * label is at most that of any node behind it, and what it is offered from there improves nothing.
+ * - The passes end as soon as nothing that is on offer can lower the labels on the path to the
+ *   destination by the margin. No other label is asked for.
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_PASS_SEARCH_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_PASS_SEARCH_H
 
 #include "common/layout.h"
-#include "computation/primary/plain/search.h"
+#include "computation/primary/improvement.h"
 #include "database/indices/network_index.h"
 
 #include <algorithm>
@@ -110,8 +118,6 @@ private:
     static void mark(std::uint64_t *bits, Long i) { wordOf(bits, i) |= bitOf(i); }
     static void unmark(std::uint64_t *bits, Long i) { wordOf(bits, i) &= ~bitOf(i); }
     static bool isMarked(std::uint64_t *bits, Long i) { return (wordOf(bits, i) & bitOf(i)) != 0; }
-
-    static bool improves(double score, double on) { return score - on < -improvementMargin; }
 
     /** Whether nothing that is on offer, and no node that is yet to be reached, can lead to a lower
      * label of `node` or of one on its path: it would have to lower that of `node` by the margin,

@@ -48,8 +48,7 @@ bool addIncrements(const PrimaryComputationConfig &weights, int oa, const Terms 
 }
 
 /** The weighted preemption penalty of the link, over all class types. */
-double reroutePenalty(const PrimaryComputationConfig &weights, const LSPRequest *req,
-                      const BKConnect &connect)
+double reroutePenalty(const PrimaryComputationConfig &weights, LSPRequest *req, BKConnect &connect)
 {
     double penalty = 0.0;
     for (int oa = 0; oa < MAXOA; ++oa) {
@@ -70,8 +69,7 @@ double primaryLoad(const DBLinkState &state, int oa)
     return load;
 }
 
-double makeScore(const BKTopology *topo, const LSPRequest *req, Long src, Long /*dst*/,
-                 const BKConnect *connect)
+double makeScore(BKTopology *topo, LSPRequest *req, Long src, Long /*dst*/, BKConnect *connect)
 {
     if (!topo || !connect) {
         here.push(CRITICAL, "Bad argument (NULL) in %s at line %d");

@@ -22,8 +22,7 @@
  * @param connect the in-connection of `dst` from `src`
  * @return the score; positive infinity when the link cannot be scored
  */
-double makeScore(const BKTopology *topo, const LSPRequest *req, Long src, Long dst,
-                 const BKConnect *connect);
+double makeScore(BKTopology *topo, LSPRequest *req, Long src, Long dst, BKConnect *connect);
 
 /** Bandwidth that primary LSPs of class type `oa` reserve on a link, over all levels. */
 double primaryLoad(const DBLinkState &state, int oa);

@@ -2,6 +2,7 @@
 
 #include "common/records.h"
 #include "common/setup.h"
+#include "computation/primary/improvement.h"
 #include "computation/primary/plain/score.h"
 #include "error/report.h"
 
@@ -20,7 +21,7 @@ bool isLoadBalanced(int oa) { return tarnexConfig.primaryComputationConfig.loadB
 class Search
 {
 public:
-    Search(BKTopology *topology, const LSPRequest *request, Long source)
+    Search(BKTopology *topology, LSPRequest *request, Long source)
         : topo(topology), req(request), src(source), size(topology->nodeInd.top)
     {
     }
@@ -104,13 +105,13 @@ private:
     {
         BKNode &node = placedNode(*topo, nd);
         for (Long j = 0; j < node.inNeighb.top; ++j) {
-            const BKConnect &in = node.inNeighb.cont[j];
+            BKConnect &in = node.inNeighb.cont[j];
             if (in.neighbId >= size)
                 return here.fail("Inexistent node in %s at line %d");
             if (activeFlags[in.neighbId] == notReached || !noLoop(topo, in.neighbId, nd))
                 continue;
             const double score = makeScore(topo, req, in.neighbId, nd, &in);
-            if (score - node.info.cost < -improvementMargin) {
+            if (improves(score, node.info.cost)) {
                 node.info.newNeighbInd = j;
                 node.info.newCost = score;
                 done = false;
@@ -153,7 +154,7 @@ private:
     }
 
     BKTopology *topo;
-    const LSPRequest *req;
+    LSPRequest *req;
     Long src;
     Long size; ///< one more than the largest placed id
     Scoped<LongList, longVecEnd> activeNodes;
@@ -162,7 +163,7 @@ private:
 
 } // namespace
 
-int bellmanKalaba(BKTopology *topo, const LSPRequest *req)
+int bellmanKalaba(BKTopology *topo, LSPRequest *req)
 {
     if (!topo)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -193,8 +194,7 @@ int initScore(Long src, BKTopology *topo)
     return 0;
 }
 
-int updateNodeInfoOnElect(BKTopology *topo, const LSPRequest *req, Long src, Long dst,
-                          const BKConnect *connect)
+int updateNodeInfoOnElect(BKTopology *topo, LSPRequest *req, Long src, Long dst, BKConnect *connect)
 {
     if (!topo || !connect)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -219,7 +219,7 @@ int activateNodeInfo(BKTopology *topo, Long nd)
     return 0;
 }
 
-int noLoop(const BKTopology *topo, Long src, Long dst)
+int noLoop(BKTopology *topo, Long src, Long dst)
 {
     const BKNode *node = &placedNode(*topo, src);
     while (node->neighbInd != -1) {

@@ -16,23 +16,20 @@
 
 #include "computation/primary/plain/topology.h"
 
-/** A candidate must be lower than the committed cost by more than this. */
-inline constexpr double improvementMargin = 1e-10;
-
 /** Labels every node of a filled topology that the request's source reaches; 0, or -1. */
-[[nodiscard]] int bellmanKalaba(BKTopology *topo, const LSPRequest *req);
+[[nodiscard]] int bellmanKalaba(BKTopology *topo, LSPRequest *req);
 
 /** Sets the source's load-balance sums to the total utilization of the admitted links. */
 [[nodiscard]] int initScore(Long src, BKTopology *topo);
 
 /** Records the load-balance sums of `dst` reached through `src` over `connect`. */
-int updateNodeInfoOnElect(BKTopology *topo, const LSPRequest *req, Long src, Long dst,
-                          const BKConnect *connect);
+int updateNodeInfoOnElect(BKTopology *topo, LSPRequest *req, Long src, Long dst,
+                          BKConnect *connect);
 
 /** Commits a node's load-balance sums. */
 int activateNodeInfo(BKTopology *topo, Long nd);
 
 /** 1 when `dst` is not on the current predecessor chain of `src`, `src` itself included; else 0. */
-int noLoop(const BKTopology *topo, Long src, Long dst);
+int noLoop(BKTopology *topo, Long src, Long dst);
 
 #endif

@@ -31,7 +31,7 @@ BKConnectVec &connections(BKNode &node, Side side)
 class TopologyBuilder
 {
 public:
-    TopologyBuilder(DataBase *dataBase, const LSPRequest *request, BKTopology *topology)
+    TopologyBuilder(DataBase *dataBase, LSPRequest *request, BKTopology *topology)
         : db(dataBase), req(request), topo(topology)
     {
     }
@@ -140,14 +140,14 @@ private:
     {
         const Long src = side == Side::in ? nb : nd;
         const Long dst = side == Side::in ? nd : nb;
-        const DBLink *link = linkAt(db->linkTab, src, dst);
+        DBLink *link = linkAt(db->linkTab, src, dst);
         BKConnect connect{nb, link ? &link->state : nullptr, {}};
         if (!isValidRequestLink(db, src, dst, connect.linkState, req, connect.info.gain))
             return 0;
         return append(connect, side);
     }
 
-    int append(const BKConnect &connect, Side side)
+    int append(BKConnect connect, Side side)
     {
         if (bkConnectVecPushBack(&connections(tmpNode, side), &connect) != 0)
             return here.fail("Unable to push back neighbour in %s at line %d");
@@ -155,27 +155,13 @@ private:
     }
 
     DataBase *db;
-    const LSPRequest *req;
+    LSPRequest *req;
     BKTopology *topo;
     Long nbIds = 0;
     Scoped<LongList, longVecEnd> toDoNodes;
     Stage *activeFlags = nullptr;
     BKNode tmpNode{};
 };
-
-/** Whether both ends of a request's path are known; pushes a message otherwise. */
-bool isWellFormed(const LSPRequest *req)
-{
-    if (!req) {
-        here.push(CRITICAL, "Bad argument (NULL) in %s at line %d");
-        return false;
-    }
-    const auto path = inUse(req->path);
-    const bool wellFormed = path.size() > 1 && path.front() >= 0 && path.back() >= 0;
-    if (!wellFormed)
-        here.push(CRITICAL, "Bad requested path format in %s at line %d");
-    return wellFormed;
-}
 
 void printNeighbours(const BKConnectVec &connects)
 {
@@ -198,7 +184,7 @@ int initTopo(BKTopology *topo, Long size)
     return 0;
 }
 
-int fillTopo(DataBase *dataBase, const LSPRequest *req, BKTopology *topo)
+int fillTopo(DataBase *dataBase, LSPRequest *req, BKTopology *topo)
 {
     if (!dataBase || !req || !topo)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -217,7 +203,7 @@ int endTopo(BKTopology *topo)
     return 0;
 }
 
-int printTopo(const BKTopology *topo)
+int printTopo(BKTopology *topo)
 {
     if (!topo)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -235,11 +221,4 @@ int printTopo(const BKTopology *topo)
         std::printf("\nChosen Neighbour Index: %ld \n\n", long{node->neighbInd});
     }
     return 0;
-}
-
-int getRequestSrc(const LSPRequest *req) { return isWellFormed(req) ? req->path.cont[0] : -1; }
-
-int getRequestDst(const LSPRequest *req)
-{
-    return isWellFormed(req) ? req->path.cont[req->path.top - 1] : -1;
 }

@@ -24,8 +24,8 @@ using BKConnectInfo = BKConnectInfo_;
 
 /** One directed link seen from one of its ends. */
 struct BKConnect_ {
-    Long neighbId;                ///< node at the other end
-    const DBLinkState *linkState; ///< state inside the database, not owned
+    Long neighbId;          ///< node at the other end
+    DBLinkState *linkState; ///< state inside the database, not owned
     BKConnectInfo info;
 };
 using BKConnect = BKConnect_;
@@ -81,11 +81,11 @@ using BKTopology = BKTopology_;
 [[nodiscard]] int bkConnectVecInit(BKConnectVec *vec, Long size);
 int bkConnectVecEnd(BKConnectVec *vec);
 int bkConnectVecDestroy(BKConnectVec *vec);
-[[nodiscard]] int bkConnectVecCopy(BKConnectVec *dst, const BKConnectVec *src);
-[[nodiscard]] int bkConnectVecPushBack(BKConnectVec *vec, const BKConnect *val);
+[[nodiscard]] int bkConnectVecCopy(BKConnectVec *dst, BKConnectVec *src);
+[[nodiscard]] int bkConnectVecPushBack(BKConnectVec *vec, BKConnect *val);
 [[nodiscard]] int bkConnectVecPopBack(BKConnectVec *vec, BKConnect *val);
-[[nodiscard]] int bkConnectVecGet(const BKConnectVec *vec, Long index, BKConnect *val);
-[[nodiscard]] int bkConnectVecSet(BKConnectVec *vec, Long index, const BKConnect *val);
+[[nodiscard]] int bkConnectVecGet(BKConnectVec *vec, Long index, BKConnect *val);
+[[nodiscard]] int bkConnectVecSet(BKConnectVec *vec, Long index, BKConnect *val);
 [[nodiscard]] int bkConnectVecResize(BKConnectVec *vec, Long newsize);
 ///@}
 
@@ -100,27 +100,22 @@ int bkConnectVecDestroy(BKConnectVec *vec);
 int bkNodeVecEnd(BKNodeVec *vec);
 int bkNodeVecDestroy(BKNodeVec *vec);
 [[nodiscard]] int bkNodeVecResize(BKNodeVec *vec, Long newsize);
-[[nodiscard]] int bkNodeVecSet(BKNodeVec *vec, Long index, const BKNode *val);
-[[nodiscard]] int bkNodeVecPushBack(BKNodeVec *vec, const BKNode *val);
+[[nodiscard]] int bkNodeVecSet(BKNodeVec *vec, Long index, BKNode *val);
+[[nodiscard]] int bkNodeVecPushBack(BKNodeVec *vec, BKNode *val);
 /** Copies the last node into `val`, whose two lists must be initialised, and drops it. */
 [[nodiscard]] int bkNodeVecPopBack(BKNodeVec *vec, BKNode *val);
 /** Address of slot `index`, which must lie within the capacity; good until the vector grows. */
-BKNode *bkNodeVecGet(const BKNodeVec *vec, Long index);
+BKNode *bkNodeVecGet(BKNodeVec *vec, Long index);
 ///@}
 
 /** Makes an empty topology, its node index of `size` slots; the two counts are untouched. */
 [[nodiscard]] int initTopo(BKTopology *topo, Long size);
 /** Fills an empty topology with what `req` can see; nodes placed before a failure stay. */
-[[nodiscard]] int fillTopo(DataBase *dataBase, const LSPRequest *req, BKTopology *topo);
+[[nodiscard]] int fillTopo(DataBase *dataBase, LSPRequest *req, BKTopology *topo);
 /** Releases the node vector and the node index. */
 int endTopo(BKTopology *topo);
 /** Writes the topology on standard output; only one that holds every id up to its largest. */
-int printTopo(const BKTopology *topo);
-
-/** First entry of the request's path; -1 after a message when the path is not well formed. */
-int getRequestSrc(const LSPRequest *req);
-/** Last entry of the request's path; -1 after a message when the path is not well formed. */
-int getRequestDst(const LSPRequest *req);
+int printTopo(BKTopology *topo);
 
 /** Node of a placed id; for an id below the index's count that was not placed, the source's. */
 inline BKNode &placedNode(const BKTopology &topo, Long id)

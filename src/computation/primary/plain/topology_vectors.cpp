@@ -61,7 +61,7 @@ int growNodes(BKNodeVec &vec, std::int64_t newSize)
     return -1;
 }
 
-int copyNode(BKNode &dst, const BKNode &src)
+int copyNode(BKNode &dst, BKNode &src)
 {
     if (bkConnectVecCopy(&dst.inNeighb, &src.inNeighb) != 0 ||
         bkConnectVecCopy(&dst.outNeighb, &src.outNeighb) != 0)
@@ -81,24 +81,21 @@ int bkConnectVecEnd(BKConnectVec *vec) { return vec::end(here, vec); }
 
 int bkConnectVecDestroy(BKConnectVec *vec) { return vec::destroy(here, vec); }
 
-int bkConnectVecCopy(BKConnectVec *dst, const BKConnectVec *src)
-{
-    return vec::copy(here, dst, src);
-}
+int bkConnectVecCopy(BKConnectVec *dst, BKConnectVec *src) { return vec::copy(here, dst, src); }
 
-int bkConnectVecPushBack(BKConnectVec *vec, const BKConnect *val)
+int bkConnectVecPushBack(BKConnectVec *vec, BKConnect *val)
 {
     return val ? vec::pushBack(here, vec, *val) : here.fail("Bad argument (NULL) in %s at line %d");
 }
 
 int bkConnectVecPopBack(BKConnectVec *vec, BKConnect *val) { return vec::popBack(here, vec, val); }
 
-int bkConnectVecGet(const BKConnectVec *vec, Long index, BKConnect *val)
+int bkConnectVecGet(BKConnectVec *vec, Long index, BKConnect *val)
 {
     return vec::get(here, vec, index, val);
 }
 
-int bkConnectVecSet(BKConnectVec *vec, Long index, const BKConnect *val)
+int bkConnectVecSet(BKConnectVec *vec, Long index, BKConnect *val)
 {
     if (!val)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -144,7 +141,7 @@ int bkNodeVecResize(BKNodeVec *vec, Long newsize)
                             : here.fail("Bad argument (NULL) in %s at line %d");
 }
 
-int bkNodeVecSet(BKNodeVec *vec, Long index, const BKNode *val)
+int bkNodeVecSet(BKNodeVec *vec, Long index, BKNode *val)
 {
     if (!vec::isLive(vec) || !val)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -158,7 +155,7 @@ int bkNodeVecSet(BKNodeVec *vec, Long index, const BKNode *val)
     return 0;
 }
 
-int bkNodeVecPushBack(BKNodeVec *vec, const BKNode *val)
+int bkNodeVecPushBack(BKNodeVec *vec, BKNode *val)
 {
     if (!vec::isLive(vec) || !val)
         return here.fail("Bad argument (NULL) in %s at line %d");
@@ -182,7 +179,7 @@ int bkNodeVecPopBack(BKNodeVec *vec, BKNode *val)
     return 0;
 }
 
-BKNode *bkNodeVecGet(const BKNodeVec *vec, Long index)
+BKNode *bkNodeVecGet(BKNodeVec *vec, Long index)
 {
     if (!vec::isLive(vec))
         return here.null("Bad argument (NULL) in %s at line %d");
