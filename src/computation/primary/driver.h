@@ -1,7 +1,7 @@
 /**
  * Primary path computation (unit "computation/primary/primaryPath"): working topology, search and
- * write-back. Nodes, links, LSPs and reservations stay as they are, and whether the LSP is set up is
- * the caller's affair; what the database derives from them for searches, the indices and the
+ * write-back. Nodes, links, LSPs and reservations stay as they are, and whether the LSP is set up
+ * is the caller's affair; what the database derives from them for searches, the indices and the
  * summaries of links, is brought up to date on the way.
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_DRIVER_H

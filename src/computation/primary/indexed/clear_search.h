@@ -2,17 +2,17 @@
  * The search for the one path that is clearly the best, where links add one of a few increments
  * (unit "computation/primary/primaryPath").
  *
- * Passes (plain/search.h) stop when no link improves a label by more than the margin. The score that
- * they end with is therefore above the least by no more than the margin for each link, and rounding;
- * which of the paths that near the least they end with depends on the order of their work. Mostly
- * there is just one such path. The passes end with it whatever their order, so it need only be
- * found, and any faster search will do:
+ * Passes (plain/search.h) stop when no link improves a label by more than the margin. The score
+ * that they end with is therefore above the least by no more than the margin for each link, and
+ * rounding; which of the paths that near the least they end with depends on the order of their
+ * work. Mostly there is just one such path. The passes end with it whatever their order, so it need
+ * only be found, and any faster search will do:
  *
- * 1. Find what remains from each node to the destination at least, against the links and in ascending
- *    order (Dijkstra, 1959). The nodes come in ascending order, so the scores that grew by the same
- *    increment do, too: a plain queue for each increment takes the place of a heap.
- * 2. Follow the links from the source that lead to the destination at nearly the least score. Where a
- *    node has two of them the outcome is in doubt, and the passes have to decide.
+ * 1. Find what remains from each node to the destination at least, against the links and in
+ * ascending order (Dijkstra, 1959). The nodes come in ascending order, so the scores that grew by
+ * the same increment do, too: a plain queue for each increment takes the place of a heap.
+ * 2. Follow the links from the source that lead to the destination at nearly the least score. Where
+ * a node has two of them the outcome is in doubt, and the passes have to decide.
  * 3. Add the score up over the path from the source on, as the passes do: the bits are the same.
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
@@ -38,8 +38,8 @@ public:
     {
     }
 
-    /** Places the tables that the search works on. */
-    void place(Layout &layout)
+    /** Lays out the tables that the search works on. */
+    void layOut(Layout &layout)
     {
         layout.place(remaining, index.nbNodes);
         layout.place(before, index.nbNodes);
