@@ -93,7 +93,7 @@ public:
         require(found, "no path was found");
     }
 
-    void admit(const DBLabelSwitchedPath *lsp)
+    void admit(DBLabelSwitchedPath *lsp)
     {
         require(DBaddLSP(db, lsp, &preempted) == 0 && DBgetLSP(db, lsp->id), "an LSP was refused");
     }

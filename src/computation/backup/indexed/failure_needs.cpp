@@ -15,17 +15,17 @@ FailureNeeds::FailureNeeds(const DataBase &database, const BackupDemand &backupD
 void FailureNeeds::layOut(Layout &layout)
 {
     const Long nbLinks = db.backups.nbLinks;
-    layout.place(placeOf, nbLinks);
+    layout.place(carriedAt, nbLinks);
     layout.place(carried, nbLinks);
     layout.place(inRow, nbLinks);
 }
 
-void FailureNeeds::begin() { std::fill_n(placeOf, db.backups.nbLinks, -1); }
+void FailureNeeds::begin() { std::fill_n(carriedAt, db.backups.nbLinks, -1); }
 
 void FailureNeeds::clear()
 {
     for (const Carried &link : std::span{carried, static_cast<std::size_t>(nbCarried)})
-        placeOf[link.position] = -1;
+        carriedAt[link.position] = -1;
     nbCarried = 0;
     nbRows = 0;
 }
@@ -62,9 +62,9 @@ void FailureNeeds::carryAlong(const CarrierList &list)
 {
     for (Long i = 0; i < list.top; ++i) {
         const Long position = db.backups.positionOfId[list.carriers[i].linkId()];
-        if (placeOf[position] >= 0)
+        if (carriedAt[position] >= 0)
             continue;
-        placeOf[position] = nbCarried;
+        carriedAt[position] = nbCarried;
         carried[nbCarried] = {};
         carried[nbCarried++].position = position;
     }
@@ -126,12 +126,12 @@ void FailureNeeds::forEachCarried(const CarrierList &list, int p, Add add)
     if ((list.levels >> p & 1U) == 0)
         return;
     for (Long i = 0; i < list.top; ++i) {
-        const Long place = placeOf[db.backups.positionOfId[list.carriers[i].linkId()]];
-        if (place < 0 || list.carriers[i].level() != p)
+        const Long at = carriedAt[db.backups.positionOfId[list.carriers[i].linkId()]];
+        if (at < 0 || list.carriers[i].level() != p)
             continue;
-        if (carried[place].row != nbRows)
-            enterRow(carried[place], p);
-        add(carried[place], list.values[i]);
+        if (carried[at].row != nbRows)
+            enterRow(carried[at], p);
+        add(carried[at], list.values[i]);
     }
 }
 

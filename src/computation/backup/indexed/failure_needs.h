@@ -27,7 +27,7 @@ class FailureNeeds
 public:
     FailureNeeds(const DataBase &database, const BackupDemand &backupDemand);
 
-    /** Places the tables that it works with. */
+    /** Lays out the tables that it works with. */
     void layOut(Layout &layout);
     /** Makes the tables ready for use; they may hold anything before. */
     void begin();
@@ -40,12 +40,12 @@ public:
     void addUp(std::span<const Long> stretch);
 
     /** Whether the link at a position may need anything but the backup's bandwidth. */
-    bool isCarriedOn(Long position) const { return placeOf[position] >= 0; }
+    bool isCarriedOn(Long position) const { return carriedAt[position] >= 0; }
     /** MAXPL needs, the largest at each level, on the link at a position. */
     const double *on(Long position) const
     {
-        const Long place = placeOf[position];
-        return place < 0 ? plain : carried[place].largest;
+        const Long at = carriedAt[position];
+        return at < 0 ? plain : carried[at].largest;
     }
 
 private:
@@ -75,8 +75,8 @@ private:
 
     const DataBase &db;
     const BackupDemand &demand;
-    double plain[MAXPL];     ///< needs on a link with nothing in the tables
-    Long *placeOf = nullptr; ///< by position: place in `carried`, -1 when the tables hold nothing
+    double plain[MAXPL];       ///< needs on a link with nothing in the tables
+    Long *carriedAt = nullptr; ///< by position: index in `carried`, -1 when the tables hold nothing
     Carried *carried = nullptr;
     Carried **inRow = nullptr; ///< those with something in the row that is being added up
     Long nbCarried = 0;

@@ -61,7 +61,7 @@ double LinkPricing::costInClasses(Long position, double reserved) const
     return costOf(before, after, hopFactor(primary, dst), bandwidth);
 }
 
-void LinkPricing::placeOn(Long position)
+void LinkPricing::setUpOn(Long position)
 {
     if (index.isAsked[position])
         return;
@@ -93,9 +93,9 @@ double LinkPricing::reservedByLevel(Long position) const
     return reserved;
 }
 
-/** The price from the stored tables, with the effects of the placed backups and this one on it. */
+/** The price from the stored tables, with the effects of the earlier backups and this one on it. */
 double LinkPricing::priceExactly(Long position, Long start,
-                                 std::span<const LSPRequest> placed) const
+                                 std::span<const LSPRequest> earlier) const
 {
     DBLink &link = *index.links[position];
     const Long src = DBgetLinkSrc(&db, link.id);
@@ -107,8 +107,8 @@ double LinkPricing::priceExactly(Long position, Long start,
                 .type = type,
                 .noContentionId = -1};
     Effect effect;
-    for (std::size_t i = placed.size(); i-- > 0;) {
-        lsp.path = inUse(placed[i].path);
+    for (std::size_t i = earlier.size(); i-- > 0;) {
+        lsp.path = inUse(earlier[i].path);
         if (hasHop(lsp.path, src, dst))
             append(db, src, dst, lsp, effect);
     }

@@ -31,12 +31,12 @@ public:
     double leastCost() const { return least; }
 
     /** The cost of the link at a position for a backup from node `start`; `infeasible` without
-     * room. `placed`: requests whose paths carry reservations already, the one placed last first.
+     * room. `earlier`: requests whose paths carry reservations already, the latest first.
      */
-    double price(Long position, Long start, std::span<const LSPRequest> placed) const
+    double price(Long position, Long start, std::span<const LSPRequest> earlier) const
     {
         if (index.isAsked[position])
-            return priceExactly(position, start, placed);
+            return priceExactly(position, start, earlier);
         const BackupFigures &own = figures[position];
         const double reserved = reservedOn(position);
         const bool lacksRoom =
@@ -44,15 +44,15 @@ public:
         const double cost = lacksRoom  ? infeasible
                             : isSimple ? costOf(own.stored, reserved, 1, bandwidth)
                                        : costInClasses(position, reserved);
-        assert(cost == priceExactly(position, start, placed));
+        assert(cost == priceExactly(position, start, earlier));
         return cost;
     }
 
     /** Has the link at a position carry the backup that was priced there. */
-    void placeOn(Long position);
+    void setUpOn(Long position);
 
 private:
-    double priceExactly(Long position, Long start, std::span<const LSPRequest> placed) const;
+    double priceExactly(Long position, Long start, std::span<const LSPRequest> earlier) const;
     double costInClasses(Long position, double reserved) const;
     double reservedByLevel(Long position) const;
 

@@ -76,7 +76,7 @@ IndexedBackupSearch::~IndexedBackupSearch()
 
 IndexedBackupSearch::Service IndexedBackupSearch::offer()
 {
-    if (!isUsual())
+    if (!isServed())
         return Service::impossible;
     if (!bringBackupsUpToDate(db, demand.oa))
         return Service::noMemory;
@@ -97,7 +97,7 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
  * that every link has a cost for, a path of links that passes no node twice, and no reservation of
  * the requests to take out first.
  */
-bool IndexedBackupSearch::isUsual() const
+bool IndexedBackupSearch::isServed() const
 {
     const bool isKnownType = type == LOCAL_BACKUP || type == GLOBAL_BACKUP;
     const bool costsSomething =
@@ -127,12 +127,12 @@ std::size_t IndexedBackupSearch::layOut(void *block)
 void IndexedBackupSearch::askOnOwnHops(bool isAsked)
 {
     for (std::size_t i = 1; i < path.size(); ++i) {
-        const Long position = positionOf(path[i - 1], path[i]);
+        const Long position = positionBetween(path[i - 1], path[i]);
         db.backups.isAsked[position] = isAsked || !hasReliableFigures(db.backups, position);
     }
 }
 
-Long IndexedBackupSearch::positionOf(Long src, Long dst) const
+Long IndexedBackupSearch::positionBetween(Long src, Long dst) const
 {
     return db.backups.positionOf[linkAt(db.linkTab, src, dst)->number];
 }
@@ -153,7 +153,7 @@ void IndexedBackupSearch::allowAll() { std::fill_n(isForbidden, db.backups.nbLin
 
 int IndexedBackupSearch::forbidLink(Long src, Long dst)
 {
-    isForbidden[positionOf(src, dst)] = true;
+    isForbidden[positionBetween(src, dst)] = true;
     return 0;
 }
 
@@ -172,7 +172,7 @@ bool IndexedBackupSearch::areShutOff(std::span<const Long> targets) const
         const Long node = db.nodeVec.cont[target]->number;
         const Long *first = db.backups.positionOf + db.index.firstIn[node];
         const Long *last = db.backups.positionOf + db.index.firstIn[node + 1];
-        return std::all_of(first, last, [this](Long link) { return isForbidden[link]; });
+        return std::all_of(first, last, [this](Long position) { return isForbidden[position]; });
     });
 }
 
@@ -219,48 +219,48 @@ void IndexedBackupSearch::relaxLinksOf(Long node)
     const Long startId = db.index.nodeIds[start];
     const Long *destination = db.backups.destination;
     const Long past = db.index.firstOut[node + 1];
-    for (Long link = db.index.firstOut[node]; link < past; ++link) {
-        Label &neighbour = labels[destination[link]];
-        if (isForbidden[link] || !mayMatter(neighbour, least))
+    for (Long position = db.index.firstOut[node]; position < past; ++position) {
+        Label &neighbour = labels[destination[position]];
+        if (isForbidden[position] || !mayMatter(neighbour, least))
             continue;
-        const double cost = pricing.price(link, startId, placed);
+        const double cost = pricing.price(position, startId, earlier);
         if (cost < 0.0 || !mayMatter(neighbour, val + cost))
             continue;
         neighbour.val = val + cost;
-        neighbour.entry = link;
+        neighbour.entry = position;
         const bool costsMore = neighbour.val + pricing.leastCost() > neighbour.val;
         if (neighbour.isTarget && costsMore)
             bound = neighbour.val;
-        push(neighbour.val, destination[link]);
+        push(neighbour.val, destination[position]);
     }
 }
 
 void IndexedBackupSearch::push(double key, Long node)
 {
     const Entry entry{key, nbInserted++, node};
-    Long place = frontierSize++;
-    while (place > 0 && entry.isBefore(frontier[(place - 1) / arity])) {
-        frontier[place] = frontier[(place - 1) / arity];
-        place = (place - 1) / arity;
+    Long slot = frontierSize++;
+    while (slot > 0 && entry.isBefore(frontier[(slot - 1) / arity])) {
+        frontier[slot] = frontier[(slot - 1) / arity];
+        slot = (slot - 1) / arity;
     }
-    frontier[place] = entry;
+    frontier[slot] = entry;
 }
 
 IndexedBackupSearch::Entry IndexedBackupSearch::pop()
 {
     const Entry next = frontier[0];
     const Entry last = frontier[--frontierSize];
-    Long place = 0;
-    for (Long child = 1; child < frontierSize; child = arity * place + 1) {
+    Long slot = 0;
+    for (Long child = 1; child < frontierSize; child = arity * slot + 1) {
         const Long past = std::min(child + arity, frontierSize);
         for (Long sibling = child + 1; sibling < past; ++sibling)
             child = frontier[sibling].isBefore(frontier[child]) ? sibling : child;
         if (!frontier[child].isBefore(last))
             break;
-        frontier[place] = frontier[child];
-        place = child;
+        frontier[slot] = frontier[child];
+        slot = child;
     }
-    frontier[place] = last;
+    frontier[slot] = last;
     return next;
 }
 
@@ -282,7 +282,7 @@ int IndexedBackupSearch::writePath(LongVec &found) const
 void IndexedBackupSearch::putIn(const LSPRequest &req)
 {
     for (Long node = end; node != start; node = nodeBefore(node))
-        pricing.placeOn(labels[node].entry);
+        pricing.setUpOn(labels[node].entry);
     const LSPRequest *all = reqList.cont + reqList.size;
-    placed = {&req, static_cast<std::size_t>(all - &req)};
+    earlier = {&req, static_cast<std::size_t>(all - &req)};
 }

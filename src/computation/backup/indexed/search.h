@@ -56,9 +56,9 @@ private:
         }
     };
 
-    bool isUsual() const;
+    bool isServed() const;
     std::size_t layOut(void *block);
-    Long positionOf(Long src, Long dst) const;
+    Long positionBetween(Long src, Long dst) const;
     Long nodeBefore(Long node) const;
     void askOnOwnHops(bool isAsked);
     bool areShutOff(std::span<const Long> targets) const;
@@ -73,7 +73,7 @@ private:
     BackupType type;
     BackupDemand demand;
     LinkPricing pricing;
-    std::span<const LSPRequest> placed; ///< requests that have been put in, the last one first
+    std::span<const LSPRequest> earlier; ///< requests that have been put in, the last one first
     bool isServing = false;
     Long start = 0; ///< node number of the search's start
     Long end = 0;   ///< node number of the target settled last

@@ -38,8 +38,8 @@ public:
     {
     }
 
-    /** Places the tables that the search works on. */
-    void place(Layout &layout)
+    /** Lays out the tables that the search works on. */
+    void layOut(Layout &layout)
     {
         layout.place(remaining, index.nbNodes);
         layout.place(before, index.nbNodes);

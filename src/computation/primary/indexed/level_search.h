@@ -23,8 +23,8 @@ public:
     {
     }
 
-    /** Places the tables that the search works on. */
-    void place(Layout &layout)
+    /** Lays out the tables that the search works on. */
+    void layOut(Layout &layout)
     {
         layout.place(before, index.nbNodes);
         layout.place(order, index.nbNodes);

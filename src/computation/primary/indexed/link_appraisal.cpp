@@ -180,10 +180,10 @@ bool LinkAppraisal::fillFirst(ListedTerms &terms) const { return fillOne(0, term
 bool LinkAppraisal::fillOne(Long link, double *own) const
 {
     own[0] = 0.0;
-    bool isUsual = true;
+    bool areInRange = true;
     forEachTerm(link, [&](double term) {
         *own++ = term;
-        isUsual = isUsual && isInRange(term);
+        areInRange = areInRange && isInRange(term);
     });
-    return isUsual;
+    return areInRange;
 }

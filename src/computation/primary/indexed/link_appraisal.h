@@ -1,5 +1,5 @@
 /**
- * Which links a usual request may use, and what each adds to the score (unit
+ * Which links a request that the index serves may use, and what each adds to the score (unit
  * "computation/primary/primaryPath"). Both follow from the figures of the network's index; a link
  * about which they leave a doubt is put to the predicate.
  */

@@ -37,8 +37,8 @@ public:
     {
     }
 
-    /** Places the tables that the search works on. */
-    void place(Layout &layout)
+    /** Lays out the tables that the search works on. */
+    void layOut(Layout &layout)
     {
         layout.place(cost, index.nbNodes);
         layout.place(before, index.nbNodes);
@@ -87,7 +87,7 @@ private:
     struct Offer {
         double least;  ///< of the scores
         Long last;     ///< the last link into the node that improves its label
-        Long position; ///< of the node, its place in `order`
+        Long position; ///< of the node in `order`
     };
 
     /** A choice of this pass. */
@@ -128,8 +128,8 @@ private:
         return cost[node] + rounding < least + 0.5 * improvementMargin;
     }
 
-    /** Takes note of a score that a node has or is offered. */
-    void note(double score, Long node)
+    /** Lowers `least` to what a score that a node has or is offered can lead to. */
+    void lowerLeast(double score, Long node)
     {
         least = std::min(least, remaining ? score + remaining[node] : score);
     }
@@ -188,7 +188,7 @@ private:
         Offer &offered = offers[out.node];
         offered.last = std::max(offered.last, out.link);
         offered.least = std::min(offered.least, score);
-        note(score, out.node);
+        lowerLeast(score, out.node);
         mark(toLookAt, offered.position);
     }
 
@@ -216,7 +216,7 @@ private:
         before[node] = from;
         order[i] = node;
         offers[node] = {infinity, none, i};
-        note(score, node);
+        lowerLeast(score, node);
         mark(toLookAt, i);
         if (!offerOn(node))
             mark(toExpand, i);
@@ -232,7 +232,7 @@ private:
             before[change.node] = index.source[change.link];
             const bool mayImprove = improves(change.least, change.score);
             if (mayImprove)
-                note(change.least, change.node);
+                lowerLeast(change.least, change.node);
             if (mayImprove || isMarked(toLookAt, offer.position)) {
                 offer.last = unknown;
                 mark(toLookAt, offer.position);
@@ -251,7 +251,7 @@ private:
     Long *order = nullptr;             ///< nodes in the order in which they are reached
     Offer *offers = nullptr;           ///< by node
     Change *changes = nullptr;         ///< of this pass
-    std::uint64_t *toLookAt = nullptr; ///< a bit per place in `order`
+    std::uint64_t *toLookAt = nullptr; ///< a bit per position in `order`
     std::uint64_t *toExpand = nullptr; ///< likewise: links lead to nodes that are not reached yet
     Long nbReached = 0;
     Long nbChanged = 0;

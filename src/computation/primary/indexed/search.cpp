@@ -16,7 +16,7 @@ namespace
 {
 
 /** Whether the weights are finite and leave out what depends on more than link and request. */
-bool areUsual(const PrimaryComputationConfig &w)
+bool areServed(const PrimaryComputationConfig &w)
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
         const double sum = std::abs(w.load[oa]) + std::abs(w.sqLoad[oa]) + std::abs(w.relLoad[oa]) +
@@ -27,7 +27,7 @@ bool areUsual(const PrimaryComputationConfig &w)
     return true;
 }
 
-bool isUsual(const LSPRequest &req)
+bool isServed(const LSPRequest &req)
 {
     const auto path = inUse(req.path);
     const bool isOpen =
@@ -38,7 +38,7 @@ bool isUsual(const LSPRequest &req)
     return req.type == primaryLSP && isOpen && isFinite && req.rerouteInfo.id < 0 &&
            req.precedence >= 0 && req.precedence < MAXPL &&
            (!config.colorClause || req.forbidLinks.top == 0) &&
-           areUsual(tarnexConfig.primaryComputationConfig);
+           areServed(tarnexConfig.primaryComputationConfig);
 }
 
 /** Writes the path from node number `src` to `dst`; false without memory. */
@@ -86,17 +86,18 @@ public:
     }
 
 private:
-    /** Gives the tables that `place` places their room in the workspace; false without memory. */
-    template <class Place>
-    bool layOut(Place place)
+    /** Gives the tables that `tables` lays out their room in the workspace; false without memory.
+     */
+    template <class Tables>
+    bool layOut(Tables tables)
     {
         Layout measured{nullptr};
-        place(measured);
+        tables(measured);
         void *workspace = workspaceOf(index, measured.bytes());
         if (!workspace)
             return false;
         Layout layout{workspace};
-        place(layout);
+        tables(layout);
         return true;
     }
 
@@ -121,12 +122,12 @@ private:
         ListedTerms terms{appraisal.termsPerLink()};
         unsigned char *verdicts = nullptr;
         LevelSearch search{index, src};
-        const auto place = [&](Layout &layout) {
+        const auto tables = [&](Layout &layout) {
             layout.place(verdicts, index.nbLinks);
             layout.place(terms.terms, terms.perLink);
-            search.place(layout);
+            search.layOut(layout);
         };
-        if (!layOut(place))
+        if (!layOut(tables))
             return IndexedResult::noMemory;
         if (!appraisal.fillFirst(terms))
             return IndexedResult::notTried;
@@ -144,12 +145,12 @@ private:
         GradedTerms terms;
         ClearSearch clear{index, terms, src};
         PassSearch passes{index, terms, src};
-        const auto place = [&](Layout &layout) {
+        const auto tables = [&](Layout &layout) {
             layout.place(terms.grades, index.nbLinks);
-            clear.place(layout);
-            passes.place(layout);
+            clear.layOut(layout);
+            passes.layOut(layout);
         };
-        if (!layOut(place))
+        if (!layOut(tables))
             return IndexedResult::noMemory;
         appraisal.judge(terms.grades);
         if (!appraisal.fill(terms))
@@ -171,12 +172,12 @@ private:
         ListedTerms terms{appraisal.termsPerLink()};
         unsigned char *verdicts = nullptr;
         PassSearch search{index, terms, src};
-        const auto place = [&](Layout &layout) {
+        const auto tables = [&](Layout &layout) {
             layout.place(verdicts, index.nbLinks);
             layout.place(terms.terms, std::int64_t{index.nbLinks} * terms.perLink);
-            search.place(layout);
+            search.layOut(layout);
         };
-        if (!layOut(place))
+        if (!layOut(tables))
             return IndexedResult::noMemory;
         appraisal.judge(verdicts);
         return appraisal.fill(terms, verdicts) ? runPasses(search, cost) : IndexedResult::notTried;
@@ -193,7 +194,7 @@ private:
 
 IndexedResult searchIndexed(DataBase &db, LSPRequest &req, double &cost)
 {
-    if (!isUsual(req))
+    if (!isServed(req))
         return IndexedResult::notTried;
     if (!bringUpToDate(db, LinkAppraisal::levelFor(req)))
         return IndexedResult::noMemory;

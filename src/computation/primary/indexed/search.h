@@ -1,5 +1,5 @@
 /**
- * The path of a usual request, found over the network's index (unit
+ * The path of nearly every request, found over the network's index (unit
  * "computation/primary/primaryPath").
  *
  * The result is that of the topology and the passes (topology.h, search.h), bit for bit: the same
@@ -18,15 +18,15 @@ enum class IndexedResult {
     found,       ///< the path is in the request
     unreachable, ///< there is none
     noMemory,
-    notTried ///< the request, the configuration or the network is not of the usual kind
+    notTried ///< the request, the configuration or the network is not one that the index serves
 };
 
 /**
  * Computes the path of `req`, whose path names source and destination, and writes it there.
  *
- * Usual is a primary without a rerouted LSP and without colours to avoid, under finite weights that
- * leave balance and preemption out and under which no link lowers a score, in a network in which
- * all nodes with links reach each other.
+ * Served is a primary without a rerouted LSP and without colours to avoid, under finite weights
+ * that leave balance and preemption out and under which no link lowers a score, in a network in
+ * which all nodes with links reach each other.
  *
  * @param cost the path's score, written when one is found
  */

@@ -14,9 +14,9 @@ namespace
 constexpr Unit here{"computation/primary/primaryPath"};
 
 /** Whether a node has been met by the traversal. */
-enum Stage : int { notMet = 0, waiting = 1, placed = 2 };
+enum Stage : int { notMet = 0, waiting = 1, added = 2 };
 
-/** Which end of a link is being placed. */
+/** At which end of a link the node stands that is being added. */
 enum class Side { in, out };
 
 BKConnectVec &connections(BKNode &node, Side side)
@@ -55,7 +55,7 @@ public:
             Long nd = 0;
             if (longVecPopBack(&toDoNodes, &nd) != 0)
                 return here.fail("Unable to pop back on list of longs in %s at line %d");
-            if (place(nd) != 0)
+            if (add(nd) != 0)
                 return -1;
         }
         topo->nbNodes = DBgetNbNodes(db);
@@ -91,7 +91,7 @@ private:
         return 0;
     }
 
-    int place(Long nd)
+    int add(Long nd)
     {
         const LongList *in = DBgetNodeInNeighb(db, nd);
         if (!in)
@@ -108,7 +108,7 @@ private:
             return here.fail("Unable to push back node in %s at line %d");
         if (longVecSet(&topo->nodeInd, nd, position) != 0)
             return here.fail("Unable to set node index in %s at line %d");
-        activeFlags[nd] = placed;
+        activeFlags[nd] = added;
         return 0;
     }
 
@@ -118,7 +118,7 @@ private:
         connections(tmpNode, side).top = 0;
         for (const Long nb : inUse(neighbours)) {
             const int result =
-                activeFlags[nb] == placed ? copyAnswer(nd, nb, side) : askPredicate(nd, nb, side);
+                activeFlags[nb] == added ? copyAnswer(nd, nb, side) : askPredicate(nd, nb, side);
             if (result != 0)
                 return -1;
             if (side == Side::out && activeFlags[nb] == notMet && enqueue(nb) != 0)
@@ -127,7 +127,7 @@ private:
         return 0;
     }
 
-    /** The link was put to the predicate when its other end was placed. */
+    /** The link was put to the predicate when its other end was added. */
     int copyAnswer(Long nd, Long nb, Side side)
     {
         BKNode &other = placedNode(*topo, nb);
