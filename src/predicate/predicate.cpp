@@ -14,14 +14,14 @@ namespace
 constexpr Unit here{"predicate/predicate"};
 
 /**
- * The capacity test on reservations `rbw[oa][p]` that include the newcomer's own; the `roomy` class
- * types are not in there and known to fit.
+ * The capacity test on reservations `rbw[oa][p]` that include the newcomer's own; the
+ * `neverOverfull` class types are not in there and known to fit.
  */
-bool fitsCapacity(const double rbw[MAXOA][MAXPL], ClassTypes roomy, const double cap[MAXOA],
+bool fitsCapacity(const double rbw[MAXOA][MAXPL], ClassTypes neverOverfull, const double cap[MAXOA],
                   int precedence, double *gain)
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
-        if (roomy.has(oa)) {
+        if (neverOverfull.has(oa)) {
             gain[oa] = 0.0;
             continue;
         }
@@ -46,11 +46,11 @@ bool avoidsColor(const LongList &forbidden, Long color)
 }
 
 /** The tests that are switched on, of a link that would reserve `rbw` with the newcomer. */
-bool passesTests(const double rbw[MAXOA][MAXPL], ClassTypes roomy, const DBLinkState &ls,
+bool passesTests(const double rbw[MAXOA][MAXPL], ClassTypes neverOverfull, const DBLinkState &ls,
                  int precedence, const LongList &forbidLinks, double *gain)
 {
     const PredicateConfig &config = tarnexConfig.predicateConfig;
-    if (config.capacityClause && !fitsCapacity(rbw, roomy, ls.cap, precedence, gain))
+    if (config.capacityClause && !fitsCapacity(rbw, neverOverfull, ls.cap, precedence, gain))
         return false;
     return !config.colorClause || avoidsColor(forbidLinks, ls.color);
 }
@@ -121,10 +121,10 @@ bool isValidWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
                        const DBLabelSwitchedPath &lsp, double *gain)
 {
     double rbw[MAXOA][MAXPL];
-    ClassTypes roomy{};
-    if (reservationWithEffect(db, link, effect, rbw, &roomy) != 0)
+    ClassTypes neverOverfull{};
+    if (reservationWithEffect(db, link, effect, rbw, &neverOverfull) != 0)
         return refuseUnknown();
-    return passesTests(rbw, roomy, link.state, lsp.precedence, lsp.forbidLinks, gain);
+    return passesTests(rbw, neverOverfull, link.state, lsp.precedence, lsp.forbidLinks, gain);
 }
 
 bool capacityClause(DBLinkState *ls, LSPRequest *req, double *gain)

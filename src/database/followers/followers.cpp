@@ -104,7 +104,7 @@ void applyToStored(DataBase &db, DBLink &link, const Effect &effect)
         });
     followEffect(summary, link.state, effect);
     summary.settled = summary.settled.without(changed);
-    summary.roomy = summary.roomy.without(changed);
+    summary.neverOverfull = summary.neverOverfull.without(changed);
     for (const int oa : raised)
         raiseByChanges(db, tablesOf(link.state), effect, oa, summary.needy[oa],
                        summary.largest[oa]);

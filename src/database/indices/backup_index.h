@@ -49,7 +49,7 @@ struct BackupIndex {
     Long *idOf;                    ///< link id by link number
     Long *destination;             ///< by position: node number
     DBLink_ **links;               ///< by position
-    ClassTypes *overfull;          ///< by position: class types that exceed its capacity
+    ClassTypes *overfull;          ///< by position: where it is overfull
     bool *isAsked;                 ///< by position: its figures cannot be relied on
     bool *isStale;                 ///< by position
     Long *stale;                   ///< the stale positions
@@ -61,8 +61,8 @@ struct BackupIndex {
 
 /**
  * Makes the index current, with no stale figures, and with the figures of class type `oa`; if its
- * ids lead to the links, with the carriers of the class type (database/indices/failure_carriers.h). False without
- * memory.
+ * ids lead to the links, with the carriers of the class type (database/indices/failure_carriers.h).
+ * False without memory.
  */
 [[nodiscard]] bool bringBackupsUpToDate(DataBase_ &db, int oa);
 

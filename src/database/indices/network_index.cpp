@@ -30,7 +30,7 @@ std::size_t layOut(NetworkIndex &index, void *block)
         layout.place(index.pieces[oa], index.nbLinks);
     }
     for (int p = index.lowestLevel; p < MAXPL; ++p) {
-        layout.place(index.doubtful[p], index.nbLinks);
+        layout.place(index.maybeOverfull[p], index.nbLinks);
         for (int oa = 0; oa < MAXOA; ++oa) {
             layout.place(index.fits[oa][p], index.nbLinks);
             layout.place(index.exceeds[oa][p], index.nbLinks);
@@ -185,7 +185,7 @@ void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
             continue;
         double &fits = index.fits[oa][p][number];
         setLimits(now, fits, index.exceeds[oa][p][number]);
-        index.doubtful[p][number].set(oa, !(fits >= 0.0));
+        index.maybeOverfull[p][number].set(oa, !(fits >= 0.0));
     }
     index.figures[oa][number] = {now.capacity, now.load};
     index.pieces[oa][number] = pieceAt(now.load / now.capacity);

@@ -10,8 +10,8 @@
  * on it surely does not. They are the link's room less and more a margin, since the predicate adds
  * the same figures up in another order; for the few bandwidths in between it is asked. The level
  * is the one up to which reservations count: the newcomer's own if it may preempt, else the last. A
- * class type that the newcomer does not use refuses it, too, when it exceeds its capacity as it
- * is: `doubtful` names those for which that is not out of the question.
+ * class type that the newcomer does not use refuses it, too, when it is overfull as it
+ * is: `maybeOverfull` names those for which that is not out of the question.
  *
  * Building costs a pass over all nodes and links; the figures of a link cost the rows of its needy
  * slots (reservations/failure_rows.h). A search brings up to date the links listed as stale and
@@ -60,14 +60,14 @@ struct NetworkIndex {
     DBLink_ **links;              ///< by link number
     LinkFigures *figures[MAXOA];  ///< by link number
     unsigned char *pieces[MAXOA]; ///< by link: the piece of the link cost that its load lies on
-    int lowestLevel; ///< the next three tables are there for the levels from this one on
-    double *fits[MAXOA][MAXPL];    ///< by link: a primary of up to so much fits, as far as the
-                                   ///< reservations of the levels up to this one decide
-    double *exceeds[MAXOA][MAXPL]; ///< by link: one of so much or more does not; no number where
-                                   ///< only the link's tables decide
-    ClassTypes *doubtful[MAXPL];   ///< by link: where it may be overfull
-    ClassTypes *staleClasses;      ///< by link
-    Long *stale;                   ///< the stale links
+    int lowestLevel;            ///< the next three tables are there for the levels from this one on
+    double *fits[MAXOA][MAXPL]; ///< by link: a primary of up to so much fits, as far as the
+                                ///< reservations of the levels up to this one decide
+    double *exceeds[MAXOA][MAXPL];    ///< by link: one of so much or more does not; no number where
+                                      ///< only the link's tables decide
+    ClassTypes *maybeOverfull[MAXPL]; ///< by link: where it may be overfull
+    ClassTypes *staleClasses;         ///< by link
+    Long *stale;                      ///< the stale links
     Long nbStale;
     void *block;     ///< counted block that holds all the tables; null before the first search
     void *workspace; ///< counted block that searches use in turn

@@ -14,7 +14,7 @@ namespace
 constexpr Unit here{"database/database"};
 
 /** Whether the capacity suffices for the reservations up to any level. */
-bool isRoomy(const double (&rbw)[MAXPL], double capacity)
+bool isNeverOverfull(const double (&rbw)[MAXPL], double capacity)
 {
     double total = 0.0;
     bool suffices = !(total > capacity);
@@ -49,19 +49,19 @@ void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *s
 }
 
 /** Whether what the tables themselves give leaves room at every level; for debug builds. */
-[[maybe_unused]] bool isRoomyByTables(const DataBase &db, const DBLinkState &ls, int oa)
+[[maybe_unused]] bool isNeverOverfullByTables(const DataBase &db, const DBLinkState &ls, int oa)
 {
     double rbw[MAXPL];
     reservePresent(db, ls, nullptr, oa, rbw);
-    return isRoomy(rbw, ls.cap[oa]);
+    return isNeverOverfull(rbw, ls.cap[oa]);
 }
 
 /**
- * Writes what a link reserves with an effect, or, with `roomy`, only the class types that matter to
- * whether it has the capacity; 0, or -1 after a message.
+ * Writes what a link reserves with an effect, or, with `neverOverfull`, only the class types that
+ * matter to whether it has the capacity; 0, or -1 after a message.
  */
 int evaluate(const DataBase &db, const DBLinkState &ls, LinkSummary *summary, const Effect &effect,
-             double rbw[MAXOA][MAXPL], ClassTypes *roomy)
+             double rbw[MAXOA][MAXPL], ClassTypes *neverOverfull)
 {
     if (!effect.concerned) {
         std::memcpy(rbw, ls.rbw, sizeof ls.rbw);
@@ -75,11 +75,11 @@ int evaluate(const DataBase &db, const DBLinkState &ls, LinkSummary *summary, co
         const bool isChanged = effect.changes(oa);
         if (isChanged)
             reserveWithEffect(db, ls, summary, effect, oa, rbw[oa]);
-        else if (!roomy || !summary || !summary->roomy.has(oa))
+        else if (!neverOverfull || !summary || !summary->neverOverfull.has(oa))
             reservePresent(db, ls, summary, oa, rbw[oa]);
-        if (roomy)
-            roomy->set(oa, !isChanged && summary && summary->roomy.has(oa));
-        assert(!roomy || !roomy->has(oa) || isRoomyByTables(db, ls, oa));
+        if (neverOverfull)
+            neverOverfull->set(oa, !isChanged && summary && summary->neverOverfull.has(oa));
+        assert(!neverOverfull || !neverOverfull->has(oa) || isNeverOverfullByTables(db, ls, oa));
     }
     return 0;
 }
@@ -93,7 +93,7 @@ void reservePresent(const DataBase &db, const DBLinkState &ls, LinkSummary *summ
     presentLargest(db, tablesOf(ls), summary, oa, largest);
     spreadOverLevels(ls.pbw[oa], largest, rbw);
     if (summary)
-        summary->roomy.set(oa, isRoomy(rbw, ls.cap[oa]));
+        summary->neverOverfull.set(oa, isNeverOverfull(rbw, ls.cap[oa]));
 }
 
 int computeRBW(DataBase *dataBase, double rbw[MAXOA][MAXPL], double pbw[MAXOA][MAXPL],
@@ -127,9 +127,9 @@ int findPrimary(const DataBase &db, DBLSPType type, Long primID, DBLabelSwitched
 }
 
 int reservationWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
-                          double (&rbw)[MAXOA][MAXPL], ClassTypes *roomy)
+                          double (&rbw)[MAXOA][MAXPL], ClassTypes *neverOverfull)
 {
-    return evaluate(db, link.state, trustedSummary(&link), effect, rbw, roomy);
+    return evaluate(db, link.state, trustedSummary(&link), effect, rbw, neverOverfull);
 }
 
 int reservationAfterSetup(const DataBase *dataBase, Long src, Long dst, const DBLinkState *ls,

@@ -65,10 +65,10 @@ struct Candidate {
 /**
  * As reservationAfterSetup for a stored link, with the effect on it already worked out and sorted.
  *
- * @param roomy class types left out of `rbw`: up to no level do they exceed the link's capacity;
- *        null when all are wanted
+ * @param neverOverfull class types left out of `rbw`: up to no level do they exceed the link's
+ * capacity; null when all are wanted
  */
 [[nodiscard]] int reservationWithEffect(const DataBase &db, DBLink &link, const Effect &effect,
-                                        double (&rbw)[MAXOA][MAXPL], ClassTypes *roomy);
+                                        double (&rbw)[MAXOA][MAXPL], ClassTypes *neverOverfull);
 
 #endif

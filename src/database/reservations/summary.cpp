@@ -73,7 +73,7 @@ bool followChangesOf(LongList &needy, const StateTables &tables, const Effect &e
 void distrust(LinkSummary &summary)
 {
     summary.isTrusted = false;
-    summary.known = summary.settled = summary.roomy = {};
+    summary.known = summary.settled = summary.neverOverfull = {};
 }
 
 } // namespace
@@ -82,7 +82,7 @@ void summarize(LinkSummary &summary, const DBLinkState &state)
 {
     const StateTables tables = tablesOf(state);
     summary.isTrusted = !summary.isExposed;
-    summary.known = summary.settled = summary.roomy = {};
+    summary.known = summary.settled = summary.neverOverfull = {};
     for (int oa = 0; oa < MAXOA && summary.isTrusted; ++oa) {
         summary.needy[oa].top = 0;
         const Long end = longestTable(tables, oa);

@@ -11,7 +11,7 @@
  *   bit. Two values could change otherwise: an `rbw` that was handed in with the link gives way to
  *   the one that the tables give, and a -0.0 in `pbw` becomes 0.0 when 0.0 is added. So a class
  *   type is settled once its `rbw` has been worked out and its `pbw` holds no -0.0.
- * - `roomy`: the reservations do not exceed the capacity, whatever levels are counted.
+ * - `neverOverfull`: the reservations do not exceed the capacity, whatever levels are counted.
  *
  * The lists hold, ascending, exactly the needy slots (reservations/failure_tables.h), for as long
  * as the summary is trusted. The other three also depend on which links enter which node, so they
@@ -39,7 +39,7 @@ struct LinkSummary {
     Long topology;      ///< count of topology changes that the next three hold for
     ClassTypes known;   ///< where `largest` holds
     ClassTypes settled; ///< where an effect of 0 changes nothing
-    ClassTypes roomy;   ///< where the link is not overfull up to any level
+    ClassTypes neverOverfull;     ///< where the link is not overfull up to any level
     LongList needy[MAXOA];        ///< needy slots by class type; without contents until the first
     double largest[MAXOA][MAXPL]; ///< largest need over all failures, at each level
 };
@@ -48,7 +48,7 @@ struct LinkSummary {
 inline void bringToTopology(LinkSummary &summary, Long present)
 {
     if (summary.topology != present)
-        summary.known = summary.settled = summary.roomy = {};
+        summary.known = summary.settled = summary.neverOverfull = {};
     summary.topology = present;
 }
 

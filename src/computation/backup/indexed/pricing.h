@@ -39,9 +39,9 @@ public:
             return priceExactly(position, start, earlier);
         const BackupFigures &own = figures[position];
         const double reserved = reservedOn(position);
-        const bool lacksRoom =
+        const bool isOverfull =
             reserved > own.capacity || !index.overfull[position].without(ownClass).isEmpty();
-        const double cost = lacksRoom  ? infeasible
+        const double cost = isOverfull ? infeasible
                             : isSimple ? costOf(own.stored, reserved, 1, bandwidth)
                                        : costInClasses(position, reserved);
         assert(cost == priceExactly(position, start, earlier));

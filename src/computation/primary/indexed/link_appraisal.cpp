@@ -83,9 +83,9 @@ void LinkAppraisal::judge(unsigned char *verdicts)
 /** What the figures say of the capacities. */
 void LinkAppraisal::judgeByCapacity(unsigned char *verdicts) const
 {
-    std::transform(index.doubtful[level], index.doubtful[level] + index.nbLinks, verdicts,
-                   [this](ClassTypes doubtful) -> unsigned char {
-                       return doubtful.without(requested).isEmpty() ? admitted : unsettled;
+    std::transform(index.maybeOverfull[level], index.maybeOverfull[level] + index.nbLinks, verdicts,
+                   [this](ClassTypes maybeOverfull) -> unsigned char {
+                       return maybeOverfull.without(requested).isEmpty() ? admitted : unsettled;
                    });
     for (const int oa : requested)
         judgeClass(oa, verdicts);
@@ -93,13 +93,13 @@ void LinkAppraisal::judgeByCapacity(unsigned char *verdicts) const
 
 /**
  * Without the capacities a link is admitted unless no table has room for its id: such a link is
- * doubtful in every class type, which hardly any other is.
+ * maybe overfull in every class type, as hardly any other is.
  */
 void LinkAppraisal::judgeByIdsAlone(unsigned char *verdicts) const
 {
-    std::transform(index.doubtful[level], index.doubtful[level] + index.nbLinks, verdicts,
-                   [](ClassTypes doubtful) -> unsigned char {
-                       return doubtful == ClassTypes::all() ? unsettled : admitted;
+    std::transform(index.maybeOverfull[level], index.maybeOverfull[level] + index.nbLinks, verdicts,
+                   [](ClassTypes maybeOverfull) -> unsigned char {
+                       return maybeOverfull == ClassTypes::all() ? unsettled : admitted;
                    });
 }
 
@@ -116,7 +116,7 @@ void LinkAppraisal::judgeClass(int oa, unsigned char *verdicts) const
     }
 }
 
-/** A class type that exceeds its capacity as it is refuses all; any other doubt is asked about. */
+/** A class type that is overfull as it is refuses all; any other doubt is asked about. */
 Verdict LinkAppraisal::settle(Long link)
 {
     const bool testsCapacity = tarnexConfig.predicateConfig.capacityClause;
