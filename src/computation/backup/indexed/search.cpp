@@ -47,15 +47,16 @@ bool isSimple(std::span<const Long> path)
 /** Whether no link's cost can be other than a number, as the order of the frontier needs it. */
 bool doAllAddUp(const BackupIndex &index)
 {
-    const bool *end = index.isAsked + index.nbLinks;
-    for (const bool *at = index.isAsked; at != end; ++at) {
-        at = static_cast<const bool *>(std::memchr(at, 1, static_cast<std::size_t>(end - at)));
-        if (!at)
-            break;
-        if (!addUp(index, static_cast<Long>(at - index.isAsked)))
-            return false;
-    }
-    return true;
+    const auto nextAsked = [&index](Long from) {
+        const void *found =
+            std::memchr(index.isAsked + from, 1, static_cast<std::size_t>(index.nbLinks - from));
+        return found ? static_cast<Long>(static_cast<const bool *>(found) - index.isAsked)
+                     : index.nbLinks;
+    };
+    Long position = nextAsked(0);
+    while (position < index.nbLinks && addUp(index, position))
+        position = nextAsked(position + 1);
+    return position == index.nbLinks;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstring>
 #include <limits>
 
 namespace
@@ -20,6 +21,13 @@ bool tellsLinksApart(const PrimaryComputationConfig &w, int oa)
 {
     return w.sqLoad[oa] != 0.0 || w.relLoad[oa] != 0.0 || w.sqRelLoad[oa] != 0.0 ||
            w.delay[oa] != 0.0;
+}
+
+/** The first verdict from `at` on that is not settled; null when there is none before `end`. */
+unsigned char *nextUnsettled(unsigned char *at, const unsigned char *end)
+{
+    return static_cast<unsigned char *>(
+        std::memchr(at, unsettled, static_cast<std::size_t>(end - at)));
 }
 
 } // namespace
@@ -63,9 +71,8 @@ void LinkAppraisal::judge(unsigned char *verdicts)
         judgeByCapacity(verdicts);
     else
         judgeByIdsAlone(verdicts);
-    unsigned char *end = verdicts + index.nbLinks;
-    for (unsigned char *at = std::find(verdicts, end, unsettled); at != end;
-         at = std::find(at + 1, end, unsettled))
+    const unsigned char *end = verdicts + index.nbLinks;
+    for (unsigned char *at = verdicts; (at = nextUnsettled(at, end)) != nullptr; ++at)
         *at = settle(static_cast<Long>(at - verdicts));
     assert(areRight(verdicts));
 }
