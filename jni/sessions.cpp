@@ -44,7 +44,7 @@ int saveCntx(int sessId)
 
 int loadCntx(JNIEnv *env, jobject obj)
 {
-    const jfieldID field = env->ExceptionCheck() ? nullptr : fieldOf(env, obj, "sessId", "I");
+    const jfieldID field = fieldOf(env, obj, "sessId", "I");
     if (!field)
         return -1;
     const int slot = env->GetIntField(obj, field);
