@@ -24,7 +24,7 @@ constexpr Unit here{"jni_interface"};
 /** What a backup path call asks for. */
 struct BackupArguments {
     jint primarylspId;
-    std::span<const jint> ids; ///< for the backups
+    std::span<const jint> ids; ///< for the backups, if they are to be added
     jint backupType;
     PlacementGoal goal;
 
@@ -114,11 +114,11 @@ int compute(const BackupArguments &arguments, LSPRequestList &req)
     return here.fail("Impossible to compute local backup paths in %s at line %d");
 }
 
-/** Whether there is an id for every backup. */
+/** Whether there is an id for every backup that is to be added. */
 bool checkIds(SessionCall &call, const BackupArguments &arguments, Long nbBackups)
 {
     const auto given = static_cast<Long>(arguments.ids.size());
-    return given >= nbBackups ||
+    return arguments.goal != PlacementGoal::lsp || given >= nbBackups ||
            call.refuse("backuplspIds needs %d elements or more, but has %d", nbBackups, given);
 }
 
@@ -156,7 +156,7 @@ JNIEXPORT jobjectArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnico
     jboolean ADDLSP, jboolean PREEMPT)
 {
     SessionCall call{env, obj};
-    if (!call || !checkArray(call, "backuplspIds", backuplspIds, 0))
+    if (!call || (ADDLSP && !checkArray(call, "backuplspIds", backuplspIds, 0)))
         return nullptr;
     const LocalRef<jclass> pathClass{env, intArrayClass(env)};
     const IntElements ids{env, pathClass ? backuplspIds : nullptr};

@@ -127,9 +127,16 @@ protected:
          contract + "reservation must be a finite bandwidth of at least 0, but is nan"},
         {"local backups", [this] { return protect(backups, 0, true, false); }, "0 3 2 | 1 3 2 | ",
          [] {}, true},
-        {"global backup", [this] { return protect(backups, 1, false, true); }, "0 3 2 | "},
+        {"global backup", [this] { return protect(backups, 1, true, true); }, "0 3 2 | ", [] {},
+         true},
         {"too few ids", [this] { return protect(caller.ints({34}), 0, true, true); },
          contract + "backuplspIds needs 2 elements or more, but has 1"},
+        {"no ids", [this] { return protect(nullptr, 0, true, false); },
+         contract + "backuplspIds must not be null"},
+        {"no ids where none is used", [this] { return protect(nullptr, 1, false, true); },
+         "0 3 2 | "},
+        {"too few ids where none is used",
+         [this] { return protect(caller.ints({34}), 0, false, true); }, "0 3 2 | 1 3 2 | "},
         {"backups again",
          [this] {
              return protect(caller.ints({1, 2}), 0, true, false);

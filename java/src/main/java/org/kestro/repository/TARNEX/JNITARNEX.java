@@ -45,7 +45,8 @@ import org.kestro.repository.model.exception.RoutingException;
  *     names the argument, and changes nothing. Such calls are: null arrays or rows; arrays or rows
  *     with fewer elements than the class types and levels in use; a number of class types or
  *     levels outside 1 to 8; a preemption level outside 0 to 7; a bandwidth that is negative or
- *     not finite; a capacity that is not a number; fewer ids for backups than backups.
+ *     not finite; a capacity that is not a number; fewer ids for backups than backups that are to
+ *     be added.
  * <li>A call on an object that never had a session does nothing and returns null where a result
  *     is due; {@link #jnikillTarnex} says so on standard error.
  * <li>After a kill the number of the session may be given to another object. A killed object must
@@ -368,7 +369,8 @@ public class JNITARNEX {
      *
      * @param primarylspId id of the LSP to protect
      * @param backuplspIds ids for the backups, in the order of the result: one per hop for local
-     *        backups, one for a global backup; further ids are not used
+     *        backups, one for a global backup; further ids are not used. Without ADDLSP the array
+     *        is not examined; null will do
      * @param backupType 1 for a global backup, any other value for local backups
      * @param ADDLSP whether to add the backups to the network
      * @param PREEMPT whether admission may count on less important LSPs giving way
@@ -377,8 +379,8 @@ public class JNITARNEX {
      * @throws NoRouteToHostException if there is no such LSP, a backup cannot be found, or a global
      *         one is asked for an LSP that crosses no link
      * @throws AddDBException if a backup cannot be added: its id is negative, too large or in use
-     * @throws IllegalArgumentException if backuplspIds is null or has fewer elements than there are
-     *         backups; nothing is added then
+     * @throws IllegalArgumentException if backups are to be added and backuplspIds is null or has
+     *         fewer elements than there are backups; nothing is added then
      */
     public native int[][] jnicomputeBackupPath(int primarylspId, int[] backuplspIds,
                                                int backupType, boolean ADDLSP, boolean PREEMPT)
