@@ -13,6 +13,7 @@ EngineCall::EngineCall(JNIEnv *environment, jobject engineObject)
 
 EngineCall::~EngineCall()
 {
+    lock.unlock();
     if (toThrow)
         throwNew(env, toThrow, message);
 }

@@ -1,14 +1,18 @@
 /**
  * One call from Java, from entry to return: what it works on and how it ends.
  *
+ * Calls may come from any thread; each holds the engine's lock for its whole length.
+ *
  * A call that cannot go on notes the exception that Java is to see and returns. The exception is
- * thrown when the call object goes, after everything that the call has made and after the session
- * is saved: looking the class up may run Java code, and that may call the engine again.
+ * thrown when the call object goes, after everything that the call has made, after the session is
+ * saved and the lock given back: looking the class up may run Java code, and that may call the
+ * engine again or wait for a thread that does.
  */
 #ifndef TARNEX_JNI_SESSION_CALL_H
 #define TARNEX_JNI_SESSION_CALL_H
 
 #include "admission/placement.h"
+#include "common/engine_lock.h"
 
 #include <jni.h>
 
@@ -20,7 +24,7 @@ inline constexpr const char *noRouteToHostException =
 inline constexpr const char *routingException =
     "org/kestro/repository/model/exception/RoutingException";
 
-/** A call that needs no session; the first object of its method. */
+/** A call that needs no session; the first object of its method, and so the last to go. */
 class EngineCall
 {
 public:
@@ -46,6 +50,7 @@ public:
     const jobject obj;
 
 private:
+    EngineLock lock = lockEngine();
     const char *toThrow = nullptr; ///< class of the exception; null: none
     const char *message = nullptr; ///< its text, in `text`; null: none
     char text[200];

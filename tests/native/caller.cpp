@@ -16,6 +16,14 @@ std::shared_ptr<std::vector<Element>> copyOf(const std::vector<Element> &values)
     return copy;
 }
 
+std::string text(const std::vector<jint> &values)
+{
+    std::string all;
+    for (const jint value : values)
+        all += std::to_string(value) + " ";
+    return all;
+}
+
 bool hasField(const std::string &type, const std::string &name, const std::string &signature)
 {
     return (type == "Engine" && name == "lsps" && signature == "[I") ||
@@ -133,17 +141,11 @@ const JNINativeInterface_ Caller::table = [] {
 
 Caller::Caller() : JNIEnv{&table} {}
 
-jobject Caller::argument(Thing thing)
-{
-    const auto [at, isNew] = arguments.insert(std::make_unique<ThingPtr>(make(std::move(thing))));
-    return reinterpret_cast<jobject>(at->get());
-}
-
-jobject Caller::local(ThingPtr thing)
+jobject Caller::add(References &references, ThingPtr thing)
 {
     auto reference = std::make_unique<ThingPtr>(std::move(thing));
     ThingPtr *const key = reference.get();
-    locals[key] = std::move(reference);
+    references[key] = std::move(reference);
     return reinterpret_cast<jobject>(key);
 }
 
@@ -192,6 +194,20 @@ ThingPtr Caller::finish(jobject returned)
     return result;
 }
 
+std::string Caller::outcome(jobject engine, jobject returned)
+{
+    const ThingPtr result = finish(returned);
+    std::string all = thrown;
+    if (result) {
+        all += text(result->ints);
+        for (const ThingPtr &element : result->elements)
+            all += text(element->ints) + "| ";
+    }
+    if (const ThingPtr preempted = at(engine).lsps)
+        all += "lsps " + text(preempted->ints);
+    return all;
+}
+
 bool Caller::enter(const char *function)
 {
     if (isPending)
@@ -204,9 +220,7 @@ bool Caller::enter(const char *function)
 Thing &Caller::read(jobject reference)
 {
     auto *const key = reinterpret_cast<ThingPtr *>(reference);
-    const bool isArgument =
-        std::ranges::any_of(arguments, [&](const auto &argument) { return argument.get() == key; });
-    if (!isArgument && !locals.contains(key)) {
+    if (!arguments.contains(key) && !locals.contains(key)) {
         static Thing nothing;
         misuse.emplace_back("a reference that leads nowhere");
         return nothing;

@@ -11,7 +11,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -50,6 +49,8 @@ public:
 
     /** Ends a call: what it returned is taken, deleted and handed out; null for a null. */
     ThingPtr finish(jobject returned = nullptr);
+    /** Ends a call on `engine`: what it threw, returned and stored in field "lsps", as text. */
+    std::string outcome(jobject engine, jobject returned);
 
     std::string thrown;              ///< by the last call: class without its package, text
     std::vector<std::string> misuse; ///< what a JVM would not forgive
@@ -60,8 +61,8 @@ private:
     static const JNINativeInterface_ table;
     static Caller &of(JNIEnv *env) { return static_cast<Caller &>(*env); }
 
-    jobject argument(Thing thing);
-    jobject local(ThingPtr thing);
+    jobject argument(Thing thing) { return add(arguments, std::make_shared<Thing>(thing)); }
+    jobject local(ThingPtr thing) { return add(locals, std::move(thing)); }
     /** Opens every function: whether it goes on. */
     bool enter(const char *function);
     Thing &read(jobject reference);
@@ -70,8 +71,10 @@ private:
     template <class Element>
     void unpin(jarray array, Element *elements, jint mode, std::vector<Element> Thing::*values);
 
-    std::set<std::unique_ptr<ThingPtr>> arguments;
-    std::map<ThingPtr *, std::unique_ptr<ThingPtr>> locals;
+    using References = std::map<ThingPtr *, std::unique_ptr<ThingPtr>>;
+    static jobject add(References &references, ThingPtr thing);
+
+    References arguments, locals;
     std::map<void *, std::pair<Thing *, std::shared_ptr<void>>> pins;
     bool isPending = false;
     std::string refusedName;

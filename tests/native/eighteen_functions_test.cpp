@@ -24,14 +24,6 @@ protected:
         return {networkOf(slot), dumpOf(slot), nbSessions, object.sessId, object.lsps};
     }
 
-    static std::string text(const std::vector<jint> &values)
-    {
-        std::string all;
-        for (const jint value : values)
-            all += std::to_string(value) + " ";
-        return all;
-    }
-
     /** Makes the call on a session of its own; what came of it. */
     std::string outcomeOf(const Row &row, const std::string &refused = "", int nth = 0)
     {
@@ -41,17 +33,9 @@ protected:
         caller.finish();
         before = state();
         caller.refuse(refused, nth);
-        ThingPtr result;
-        output = printed([&] { result = caller.finish(row.call()); });
+        std::string outcome;
+        output = printed([&] { outcome = caller.outcome(engine, row.call()); });
         hasRefused = caller.endRefusal();
-        std::string outcome = caller.thrown;
-        if (result) {
-            outcome += text(result->ints);
-            for (const ThingPtr &element : result->elements)
-                outcome += text(element->ints) + "| ";
-        }
-        if (const ThingPtr preempted = Caller::at(engine).lsps)
-            outcome += "lsps " + text(preempted->ints);
         return outcome;
     }
 

@@ -1,5 +1,5 @@
 /**
- * What the tests of the native methods see of a session from inside the process, and how they call.
+ * What the tests of the native methods see of a session from inside the process.
  */
 #ifndef TARNEX_TESTS_SUPPORT_SESSION_VIEW_H
 #define TARNEX_TESTS_SUPPORT_SESSION_VIEW_H
@@ -7,18 +7,13 @@
 #include "database/books/dump.h"
 #include "sessions.h"
 #include "support/engine_test.h"
-
-#include <org_kestro_repository_TARNEX_JNITARNEX.h>
+#include "support/native_calls.h"
 
 #include <cstdio>
 #include <functional>
 #include <map>
 #include <set>
 #include <utility>
-
-/** Calls a native method, named without its prefix, on `engine` with `env`. */
-#define CALL(method, ...)                                                                          \
-    Java_org_kestro_repository_TARNEX_JNITARNEX_jni##method(env, engine __VA_OPT__(, ) __VA_ARGS__)
 
 /** The ids of everything in a session. */
 struct Network {

@@ -56,9 +56,12 @@ import org.kestro.repository.model.exception.RoutingException;
  *
  * <h2>Threads</h2>
  *
- * <p>The library takes no lock and its sessions share state: calls must come one at a time in the
- * whole process, whatever the engine object and the thread. The numbers of class types and levels
- * are shared too: those of the latest initialisation hold for every live session.
+ * <p>Calls may come from any thread, on different engine objects or on the same. The library takes
+ * them one at a time in the whole process: a call waits until the one before it has returned or is
+ * about to throw. The fields {@link #sessId} and {@link #lsps} are ordinary ones: threads that share
+ * an engine object and read {@link #lsps} have to agree on whose result it holds. The numbers of
+ * class types and levels are shared by all sessions: those of the latest initialisation hold for
+ * every live one.
  */
 public class JNITARNEX {
     static {
