@@ -9,6 +9,7 @@
 #include "computation/primary/driver.h"
 #include "jvm/jvm.h"
 #include "measure.h"
+#include "support/native_calls.h"
 #include "support/random_network.h"
 
 #include <cstdio>

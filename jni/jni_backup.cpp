@@ -6,6 +6,7 @@
 #include "common/records.h"
 #include "common/setup.h"
 #include "computation/backup/driver.h"
+#include "contract.h"
 #include "database/books/lookup.h"
 #include "error/report.h"
 #include "jni_support.h"
@@ -24,30 +25,27 @@ constexpr Unit here{"jni_interface"};
 /** What a backup path call asks for. */
 struct BackupArguments {
     jint primarylspId;
-    jintArray backuplspIds;
+    std::span<const jint> ids; ///< for the backups, if they are to be added
     jint backupType;
     PlacementGoal goal;
 
     bool isGlobal() const { return backupType == 1; }
 };
 
-/** New array of int arrays, one null element per backup; null with an exception pending. */
-jobjectArray newPaths(JNIEnv *env, Long count)
+/** The class of int arrays; null with an exception pending. */
+jclass intArrayClass(JNIEnv *env)
 {
-    const LocalRef<jintArray> sample{env, env->NewIntArray(0)};
-    if (!sample)
-        return nullptr;
-    const LocalRef<jclass> elementClass{env, env->GetObjectClass(sample.get())};
-    return env->NewObjectArray(count, elementClass.get(), nullptr);
+    constexpr jsize anyLength = 100;
+    const LocalRef<jintArray> sample{env, env->NewIntArray(anyLength)};
+    return sample ? env->GetObjectClass(sample.get()) : nullptr;
 }
 
-bool storePath(JNIEnv *env, jobjectArray paths, Long index, const LongList &path)
+bool storePath(JNIEnv *env, jobjectArray paths, jsize index, const LongList &path)
 {
     const LocalRef<jintArray> element{env, newIntArray(env, inUse(path))};
-    if (!element || env->ExceptionCheck())
-        return false;
-    env->SetObjectArrayElement(paths, index, element.get());
-    return !env->ExceptionCheck();
+    if (element)
+        env->SetObjectArrayElement(paths, index, element.get());
+    return static_cast<bool>(element);
 }
 
 /** Tells on standard error, in Latin-1, why a backup found no room on the links of its path. */
@@ -71,12 +69,13 @@ void describeRefusal(Long primary, const LSPRequest &backup)
     std::fputs(" \n", stderr);
 }
 
-/** Does with one backup what was asked; false, after its messages, when the call has to end. */
+/** Does with backup `j` what was asked; false, after its messages, when the call has to end. */
 bool placeBackup(const BackupArguments &arguments, BackupPlacement &placement, LSPRequest &backup,
-                 Long id)
+                 std::size_t j)
 {
+    const bool isAdded = arguments.goal == PlacementGoal::lsp;
     std::fill(backup.bw + NBOA, std::end(backup.bw), 0.0);
-    switch (placement.place(backup, id, arguments.goal)) {
+    switch (placement.place(backup, isAdded ? arguments.ids[j] : -1, arguments.goal)) {
     case Placement::notListed:
         here.push(CRITICAL, "Impossible to obtain preemptList in %s at line %d");
         std::fputs("Can't obtain preemptList \n", stderr);
@@ -92,13 +91,12 @@ bool placeBackup(const BackupArguments &arguments, BackupPlacement &placement, L
 
 /** Stores the paths in the result and does with each backup what was asked; false: call failed. */
 bool handleBackups(SessionCall &call, const BackupArguments &arguments,
-                   std::span<LSPRequest> backups, std::span<const Long> ids,
-                   BackupPlacement &placement, jobjectArray paths)
+                   std::span<LSPRequest> backups, BackupPlacement &placement, jobjectArray paths)
 {
     for (std::size_t j = 0; j < backups.size(); ++j) {
         if (!storePath(call.env, paths, static_cast<jsize>(j), backups[j].path))
             return false;
-        if (!placeBackup(arguments, placement, backups[j], ids[j])) {
+        if (!placeBackup(arguments, placement, backups[j], j)) {
             call.fail(addDBException);
             return false;
         }
@@ -117,8 +115,17 @@ int compute(const BackupArguments &arguments, LSPRequestList &req)
     return here.fail("Impossible to compute local backup paths in %s at line %d");
 }
 
+/** Whether there is an id for every backup that is to be added. */
+bool checkIds(SessionCall &call, const BackupArguments &arguments, Long nbBackups)
+{
+    const auto given = static_cast<Long>(arguments.ids.size());
+    return arguments.goal != PlacementGoal::lsp || given >= nbBackups ||
+           call.refuse("backuplspIds needs %d elements or more, but has %d", nbBackups, given);
+}
+
 /** Turns computed requests into the result of the call; null when it has failed. */
-jobjectArray answer(SessionCall &call, const BackupArguments &arguments, LSPRequestList &req)
+jobjectArray answer(SessionCall &call, const BackupArguments &arguments, LSPRequestList &req,
+                    jclass pathClass)
 {
     DBLabelSwitchedPath *primary = DBgetLSP(centralDB, arguments.primarylspId);
     if (!primary) {
@@ -128,8 +135,7 @@ jobjectArray answer(SessionCall &call, const BackupArguments &arguments, LSPRequ
     }
     BackupPlacement placement{*centralDB, *primary,
                               arguments.isGlobal() ? globalBackupLSP : localBackupLSP};
-    const Owned<LongList, longVecDestroy> ids{longVecNew(-1)};
-    if (!placement || !ids || readInts(call.env, arguments.backuplspIds, req.size, *ids) != 0) {
+    if (!placement) {
         here.push(CRITICAL, "Impossible to add BACKUP LSP in %s at line %d");
         call.fail(addDBException);
         return nullptr;
@@ -137,9 +143,9 @@ jobjectArray answer(SessionCall &call, const BackupArguments &arguments, LSPRequ
     if (arguments.backupType == 0 && primary->path.top - 1 != req.size)
         std::fputs("Pas assez de lsps de backups locaux pour la taille du lsp!\n", stderr);
 
-    LocalRef<jobjectArray> paths{call.env, newPaths(call.env, req.size)};
+    LocalRef<jobjectArray> paths{call.env, call.env->NewObjectArray(req.size, pathClass, nullptr)};
     const std::span backups{req.cont, static_cast<std::size_t>(req.size)};
-    if (!paths || !handleBackups(call, arguments, backups, inUse(*ids), placement, paths.get()))
+    if (!paths || !handleBackups(call, arguments, backups, placement, paths.get()))
         return nullptr;
     return paths.release();
 }
@@ -151,9 +157,13 @@ JNIEXPORT jobjectArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnico
     jboolean ADDLSP, jboolean PREEMPT)
 {
     SessionCall call{env, obj};
-    if (!call || !checkArray(env, "backuplspIds", backuplspIds, 0))
+    if (!call || (ADDLSP && !checkArray(call, "backuplspIds", backuplspIds, 0)))
         return nullptr;
-    const BackupArguments arguments{primarylspId, backuplspIds, backupType,
+    const LocalRef<jclass> pathClass{env, intArrayClass(env)};
+    const IntElements ids{env, pathClass ? backuplspIds : nullptr};
+    if (!pathClass || !ids)
+        return nullptr;
+    const BackupArguments arguments{primarylspId, ids.values(), backupType,
                                     goalOf(ADDLSP, PREEMPT)};
     bool &allowReroute = tarnexConfig.predicateConfig.allowReroute;
     const bool allowedBefore = allowReroute;
@@ -166,9 +176,9 @@ JNIEXPORT jobjectArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnico
         call.fail(noRouteToHostException);
         return nullptr;
     }
-    if (!checkArray(env, "backuplspIds", backuplspIds, req.size)) {
+    if (!checkIds(call, arguments, req.size)) {
         allowReroute = allowedBefore;
         return nullptr;
     }
-    return answer(call, arguments, req);
+    return answer(call, arguments, req, pathClass.get());
 }

@@ -7,6 +7,7 @@
 #include "admission/placement.h"
 #include "common/records.h"
 #include "common/setup.h"
+#include "contract.h"
 #include "database/books/change.h"
 #include "database/books/dump.h"
 #include "database/books/lookup.h"
@@ -18,7 +19,6 @@
 #include <org_kestro_repository_TARNEX_JNITARNEX.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 namespace
@@ -47,25 +47,26 @@ void pushLSPFailure(Message message, jint lspid, jfloat bw)
 /** What Java says of an LSP computed elsewhere. */
 struct LSPArguments {
     jint lspid;
-    jintArray path;
     jint PL;
     jint OA;
     jfloat bw;
 };
 
-bool checkLSP(JNIEnv *env, const LSPArguments &lsp)
+bool checkLSP(EngineCall &call, const LSPArguments &lsp, jintArray path)
 {
-    return checkArray(env, "path", lsp.path, 0) && checkLevel(env, lsp.PL) &&
-           checkBandwidth(env, "bw", lsp.bw);
+    return checkArray(call, "path", path, 0) && checkLevel(call, lsp.PL) &&
+           checkBandwidth(call, "bw", lsp.bw);
 }
 
 /** Record of an LSP computed elsewhere; null when it cannot be made. */
-OwnedLSP makeRecord(JNIEnv *env, const LSPArguments &arguments, DBLSPType type)
+OwnedLSP makeRecord(const LSPArguments &arguments, std::span<const jint> path, DBLSPType type)
 {
     OwnedLSP lsp{DBlspNew()};
-    const jsize length = env->GetArrayLength(arguments.path);
-    if (!lsp || readInts(env, arguments.path, length, lsp->path) != 0)
+    const auto length = static_cast<Long>(path.size());
+    if (!lsp || longVecResize(&lsp->path, length) != 0)
         return nullptr;
+    std::ranges::copy(path, lsp->path.cont);
+    lsp->path.top = length;
     lsp->id = arguments.lspid;
     lsp->precedence = arguments.PL;
     lsp->type = type;
@@ -92,31 +93,6 @@ void finish(SessionCall &call, int result, Message failure)
     call.fail(addDBException);
 }
 
-/** Reads capacities and reservations into a new link's state; false: exception pending. */
-bool readLinkState(JNIEnv *env, jfloatArray cap, jobjectArray rbw, double (&capacities)[MAXOA],
-                   double (&reservations)[MAXOA][MAXPL])
-{
-    if (!checkArray(env, "cap", cap, NBOA) ||
-        !readFloats(env, cap, {capacities, static_cast<std::size_t>(NBOA)}) ||
-        !readMatrix(env, "rbw", rbw, NBOA, NBPL, reservations))
-        return false;
-    for (int oa = 0; oa < NBOA; ++oa) {
-        if (std::isnan(capacities[oa])) {
-            throwIllegalArgument(env, "cap[%d] must be a number", oa);
-            return false;
-        }
-        for (int p = 0; p < NBPL; ++p) {
-            if (!std::isfinite(reservations[oa][p]) || reservations[oa][p] < 0.0) {
-                throwIllegalArgument(
-                    env, "rbw[%d][%d] must be a finite bandwidth of at least 0, but is %g", oa, p,
-                    reservations[oa][p]);
-                return false;
-            }
-        }
-    }
-    return true;
-}
-
 } // namespace
 
 // --- sessions ---
@@ -127,9 +103,9 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniinitTarnex
     jfloat sqRelativeLoad, jfloat delay, jfloat fortz, jobjectArray reroutingScorecoef)
 {
     ReroutingConfig reroutingConfig{};
-    if (env->ExceptionCheck() || !checkCount(env, "nbOA", nbOA, MAXOA) ||
-        !checkCount(env, "nbPL", nbPL, MAXPL) ||
-        !readMatrix(env, "reroutingScorecoef", reroutingScorecoef, nbOA, nbPL,
+    EngineCall call{env, obj};
+    if (!checkCount(call, "nbOA", nbOA, MAXOA) || !checkCount(call, "nbPL", nbPL, MAXPL) ||
+        !readMatrix(call, "reroutingScorecoef", reroutingScorecoef, nbOA, nbPL,
                     reroutingConfig.scoreCoef))
         return;
     const jfieldID sessId = fieldOf(env, obj, "sessId", "I");
@@ -179,8 +155,7 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniinitTarnex
 JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnikillTarnex(JNIEnv *env,
                                                                                  jobject obj)
 {
-    if (env->ExceptionCheck())
-        return;
+    const EngineCall call{env, obj};
     const int slot = loadCntx(env, obj);
     if (slot < 0 || !centralDB) {
         std::fputs("ERROR, call to killTarnex before initTarnex\n", stderr);
@@ -219,7 +194,7 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniaddLink(
     SessionCall call{env, obj};
     double capacities[MAXOA] = {};
     double reservations[MAXOA][MAXPL] = {};
-    if (!call || !readLinkState(env, cap, rbw, capacities, reservations))
+    if (!call || !readLinkState(call, cap, rbw, capacities, reservations))
         return;
 
     const Owned<DBLinkState, DBlinkStateDestroy> ls{DBlinkStateNew()};
@@ -238,11 +213,14 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniaddLSP(
     JNIEnv *env, jobject obj, jint lspid, jintArray path, jint PL, jint OA, jfloat bw)
 {
     SessionCall call{env, obj};
-    const LSPArguments arguments{lspid, path, PL, OA, bw};
-    if (!call || !checkLSP(env, arguments))
+    const LSPArguments arguments{lspid, PL, OA, bw};
+    if (!call || !checkLSP(call, arguments, path))
+        return;
+    const IntElements nodes{env, path};
+    if (!nodes)
         return;
     tarnexConfig.predicateConfig.allowReroute = false;
-    if (addComputedLSP(makeRecord(env, arguments, primaryLSP)) < 0) {
+    if (addComputedLSP(makeRecord(arguments, nodes.values(), primaryLSP)) < 0) {
         pushLSPFailure(
             "Impossible to add PRIMARY LSP (computed by another algorithm) in %s at line %d", lspid,
             bw);
@@ -255,8 +233,11 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniaddBackupL
     jboolean type)
 {
     SessionCall call{env, obj};
-    const LSPArguments arguments{lspid, path, PL, OA, bw};
-    if (!call || !checkLSP(env, arguments))
+    const LSPArguments arguments{lspid, PL, OA, bw};
+    if (!call || !checkLSP(call, arguments, path))
+        return;
+    const IntElements nodes{env, path};
+    if (!nodes)
         return;
     tarnexConfig.predicateConfig.allowReroute = false;
     DBLabelSwitchedPath *primary = DBgetLSP(centralDB, plspid);
@@ -265,7 +246,7 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniaddBackupL
         call.fail(addDBException);
         return;
     }
-    OwnedLSP lsp = makeRecord(env, arguments, type ? localBackupLSP : globalBackupLSP);
+    OwnedLSP lsp = makeRecord(arguments, nodes.values(), type ? localBackupLSP : globalBackupLSP);
     if (lsp && longVecCopy(&lsp->primPath, &primary->path) != 0)
         lsp.reset();
     if (lsp)
@@ -388,7 +369,7 @@ JNIEXPORT jintArray JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnicompu
     jboolean PREEMPT)
 {
     SessionCall call{env, obj};
-    if (!call || !checkLevel(env, PL) || !checkBandwidth(env, "reservation", reservation))
+    if (!call || !checkLevel(call, PL) || !checkBandwidth(call, "reservation", reservation))
         return nullptr;
     const jfieldID lsps = PREEMPT ? fieldOf(env, obj, "lsps", "[I") : nullptr;
     if (PREEMPT && !lsps)

@@ -1,9 +1,6 @@
 #include "jni_support.h"
 
-#include "common/types.h"
-
-#include <algorithm>
-#include <array>
+#include <cstdio>
 
 jfieldID fieldOf(JNIEnv *env, jobject obj, const char *name, const char *signature)
 {
@@ -11,34 +8,13 @@ jfieldID fieldOf(JNIEnv *env, jobject obj, const char *name, const char *signatu
     return env->GetFieldID(objectClass.get(), name, signature);
 }
 
-bool throwNew(JNIEnv *env, const char *className, const char *message)
+void throwNew(JNIEnv *env, const char *className, const char *message)
 {
     const LocalRef<jclass> exceptionClass{env, env->FindClass(className)};
-    if (!exceptionClass)
-        return false;
-    env->ThrowNew(exceptionClass.get(), message);
-    return true;
-}
-
-bool readFloats(JNIEnv *env, jfloatArray array, std::span<double> values)
-{
-    std::array<jfloat, std::max(MAXOA, MAXPL)> floats{};
-    env->GetFloatArrayRegion(array, 0, static_cast<jsize>(values.size()), floats.data());
-    if (env->ExceptionCheck())
-        return false;
-    std::copy_n(floats.begin(), values.size(), values.begin());
-    return true;
-}
-
-int readInts(JNIEnv *env, jintArray array, jsize count, LongList &list)
-{
-    if (longVecResize(&list, count) != 0)
-        return -1;
-    env->GetIntArrayRegion(array, 0, count, list.cont);
-    if (env->ExceptionCheck())
-        return -1;
-    list.top = count;
-    return 0;
+    if (exceptionClass)
+        env->ThrowNew(exceptionClass.get(), message);
+    else
+        std::fputs("Unable to find the exception class, giving up\n", stderr);
 }
 
 jintArray newIntArray(JNIEnv *env, std::span<const Long> ids)

@@ -1,8 +1,13 @@
 /**
- * What the Java binding needs of JNI: scoped references, array views, fields and exceptions.
+ * What the Java binding needs of JNI: scoped references, the elements of arrays, fields and
+ * exceptions.
  *
- * The helpers leave an exception that the JVM has raised pending and say so in their result; the
- * caller then returns to Java without further JNI calls.
+ * The binding uses eighteen functions of the JNIEnv table and no others: GetObjectClass,
+ * GetFieldID, GetIntField, SetIntField, SetObjectField, FindClass, ThrowNew, GetArrayLength,
+ * GetObjectArrayElement, SetObjectArrayElement, NewObjectArray, NewIntArray, SetIntArrayRegion,
+ * GetIntArrayElements, ReleaseIntArrayElements, GetFloatArrayElements, ReleaseFloatArrayElements
+ * and DeleteLocalRef. None of them tells whether an exception is pending: a null result does, and
+ * the caller then returns to Java.
  */
 #ifndef TARNEX_JNI_JNI_SUPPORT_H
 #define TARNEX_JNI_JNI_SUPPORT_H
@@ -44,25 +49,51 @@ private:
     Ref ref;
 };
 
+/** The elements of a Java array, for reading, from construction to the end of the scope. */
+template <class Array, class Element, auto get, auto release>
+class Elements
+{
+public:
+    /** Null counts as an array without elements. */
+    Elements(JNIEnv *environment, Array source)
+        : env(environment), array(source),
+          length(source ? static_cast<std::size_t>(env->GetArrayLength(source)) : 0),
+          elements(length > 0 ? (env->*get)(source, nullptr) : nullptr)
+    {
+    }
+    ~Elements()
+    {
+        if (elements)
+            (env->*release)(array, elements, 0);
+    }
+    Elements(const Elements &) = delete;
+    Elements &operator=(const Elements &) = delete;
+
+    /** False, with the JVM's OutOfMemoryError pending, when they cannot be had. */
+    explicit operator bool() const { return elements || length == 0; }
+    std::span<const Element> values() const { return {elements, length}; }
+
+private:
+    JNIEnv *env;
+    Array array;
+    std::size_t length;
+    Element *elements;
+};
+using IntElements =
+    Elements<jintArray, jint, &JNIEnv::GetIntArrayElements, &JNIEnv::ReleaseIntArrayElements>;
+using FloatElements = Elements<jfloatArray, jfloat, &JNIEnv::GetFloatArrayElements,
+                               &JNIEnv::ReleaseFloatArrayElements>;
+
 /** Field of the object's class; null with the JVM's NoSuchFieldError pending when it has none. */
 jfieldID fieldOf(JNIEnv *env, jobject obj, const char *name, const char *signature);
 
 /**
- * Throws a new exception of the class named with slashes.
+ * Throws a new exception of the class named with slashes; when the class is not found, says so on
+ * standard error and leaves the JVM's NoClassDefFoundError pending.
  *
  * @param message its text, null for none
- * @return false, with the JVM's NoClassDefFoundError pending, when the class is not found
  */
-bool throwNew(JNIEnv *env, const char *className, const char *message);
-
-/** Copies the first floats of a long enough array into `values`; false: exception pending. */
-bool readFloats(JNIEnv *env, jfloatArray array, std::span<double> values);
-
-/**
- * Fills an empty list with the first `count` elements of an array that has as many; 0, or -1 after
- * a message.
- */
-[[nodiscard]] int readInts(JNIEnv *env, jintArray array, jsize count, LongList &list);
+void throwNew(JNIEnv *env, const char *className, const char *message);
 
 /** New Java array of the given ids; null with the JVM's OutOfMemoryError pending. */
 jintArray newIntArray(JNIEnv *env, std::span<const Long> ids);

@@ -1,17 +1,20 @@
 /**
- * One call from Java on a live session: the session's context is loaded on entry and saved on every
- * way out, before an exception is thrown.
+ * One call from Java, from entry to return: what it works on and how it ends.
+ *
+ * Calls may come from any thread; each holds the engine's lock for its whole length.
+ *
+ * A call that cannot go on notes the exception that Java is to see and returns. The exception is
+ * thrown when the call object goes, after everything that the call has made, after the session is
+ * saved and the lock given back: looking the class up may run Java code, and that may call the
+ * engine again or wait for a thread that does.
  */
 #ifndef TARNEX_JNI_SESSION_CALL_H
 #define TARNEX_JNI_SESSION_CALL_H
 
 #include "admission/placement.h"
-#include "common/types.h"
-#include "jni_support.h"
+#include "common/engine_lock.h"
 
 #include <jni.h>
-
-#include <span>
 
 /** The Java exceptions of the engine, as FindClass wants them. */
 inline constexpr const char *addDBException =
@@ -21,62 +24,56 @@ inline constexpr const char *noRouteToHostException =
 inline constexpr const char *routingException =
     "org/kestro/repository/model/exception/RoutingException";
 
-/** Throws IllegalArgumentException with a text that says what is wrong with which argument. */
-void throwIllegalArgument(JNIEnv *env, const char *format, ...)
-    __attribute__((format(printf, 2, 3)));
+/** A call that needs no session; the first object of its method, and so the last to go. */
+class EngineCall
+{
+public:
+    EngineCall(JNIEnv *environment, jobject engineObject);
+    ~EngineCall();
+    EngineCall(const EngineCall &) = delete;
+    EngineCall &operator=(const EngineCall &) = delete;
 
-/**
- * @name Contract checks
- * Each is true when the argument is within the contract; otherwise IllegalArgumentException (or an
- * exception of the JVM itself) is pending and the call must return. They change nothing.
- */
-///@{
-bool checkCount(JNIEnv *env, const char *name, jint count, int max);
-bool checkLevel(JNIEnv *env, jint level);
-bool checkBandwidth(JNIEnv *env, const char *name, jfloat bandwidth);
-bool checkArray(JNIEnv *env, const char *name, jarray array, jsize minLength);
-/** Reads `rows` rows of `columns` floats into the front of the rows of `matrix`. */
-bool readMatrix(JNIEnv *env, const char *name, jobjectArray array, int rows, int columns,
-                double (&matrix)[MAXOA][MAXPL]);
-///@}
+    /**
+     * Notes an exception of that class without a message. The caller pushes its messages first and
+     * returns right after, as it does after refuse.
+     */
+    void fail(const char *exceptionClass) { toThrow = exceptionClass; }
+
+    /**
+     * Notes an IllegalArgumentException with a text that says what is wrong with which argument.
+     *
+     * @return false, as the checks that refuse an argument do
+     */
+    bool refuse(const char *format, ...) __attribute__((format(printf, 2, 3)));
+
+    JNIEnv *const env;
+    const jobject obj;
+
+private:
+    EngineLock lock = lockEngine();
+    const char *toThrow = nullptr; ///< class of the exception; null: none
+    const char *message = nullptr; ///< its text, in `text`; null: none
+    char text[200];
+};
+
+/** A call on a session, which is in the globals from here to the end of the call. */
+class SessionCall : public EngineCall
+{
+public:
+    SessionCall(JNIEnv *environment, jobject engineObject);
+    ~SessionCall();
+
+    /** False when the object names no live session: the call returns at once. */
+    explicit operator bool() const { return slot >= 0; }
+
+private:
+    int slot;
+};
 
 /** What a path computation is to do with the network beside computing. */
 inline PlacementGoal goalOf(jboolean addLSP, jboolean preempt)
 {
     return addLSP ? PlacementGoal::lsp : preempt ? PlacementGoal::room : PlacementGoal::pathOnly;
 }
-
-/** The caller's session in the globals, from entry to return. */
-class SessionCall
-{
-public:
-    SessionCall(JNIEnv *environment, jobject engineObject);
-    ~SessionCall();
-    SessionCall(const SessionCall &) = delete;
-    SessionCall &operator=(const SessionCall &) = delete;
-
-    /**
-     * False when the object names no live session or an exception was pending on entry: the call
-     * returns at once.
-     */
-    explicit operator bool() const { return slot >= 0; }
-
-    /**
-     * Saves the session and throws an exception of that class without a message; when the class is
-     * not found, says so on standard error and leaves the JVM's own error pending. The caller
-     * pushes its messages first and returns right after. An exception that is pending already
-     * stays.
-     */
-    void fail(const char *exceptionClass);
-
-    JNIEnv *const env;
-    const jobject obj;
-
-private:
-    void save();
-
-    int slot;
-    bool isSaved = false;
-};
 
 #endif

@@ -17,6 +17,20 @@ constexpr Unit here{"jni_interface"};
 
 bool isLive(int slot) { return slot >= 0 && slot < maxSessions && sessions[slot]; }
 
+/**
+ * Says so on the stack that is current. A session whose stack that is follows it where it moves,
+ * but keeps its own count of messages: with the next load this one is gone.
+ */
+void reportNoSession(int slot)
+{
+    here.push(CRITICAL, "Non existing Session (%d) in %s at line %d", slot);
+    if (isLive(currentSessId)) {
+        ErrorList &kept = sessions[currentSessId]->errorManager;
+        kept.list = errorManager.list;
+        kept.size = errorManager.size;
+    }
+}
+
 /** Releases an error stack that no session owns before the globals take another one. */
 void dropUnownedStack()
 {
@@ -44,15 +58,12 @@ int saveCntx(int sessId)
 
 int loadCntx(JNIEnv *env, jobject obj)
 {
-    const jfieldID field = env->ExceptionCheck() ? nullptr : fieldOf(env, obj, "sessId", "I");
+    const jfieldID field = fieldOf(env, obj, "sessId", "I");
     if (!field)
         return -1;
     const int slot = env->GetIntField(obj, field);
     if (!isLive(slot)) {
-        here.push(CRITICAL, "Non existing Session (%d) in %s at line %d", slot);
-        // The message went to the stack of the session loaded last, which may have moved.
-        if (isLive(currentSessId))
-            sessions[currentSessId]->errorManager = errorManager;
+        reportNoSession(slot);
         return -1;
     }
     dropUnownedStack();

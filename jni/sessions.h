@@ -39,9 +39,8 @@ int saveCntx(int sessId);
 /**
  * Copies the context of the session that `obj` names into the globals.
  *
- * @return the slot; -1 after a message when it is not live, or with an exception pending: one that
- *         was so on entry, or the JVM's NoSuchFieldError when the object has no field "sessId"; the
- *         globals then stay as they are
+ * @return the slot; -1 after a message when it is not live, or with the JVM's NoSuchFieldError
+ *         pending when the object has no field "sessId"; the globals then stay as they are
  */
 int loadCntx(JNIEnv *env, jobject obj);
 

@@ -3,8 +3,8 @@
  * "common/setup").
  *
  * The core reads and writes these globals directly and never sees a session number; the Java
- * binding copies a session's context in before a call and out after it. There is no locking: calls
- * come one at a time.
+ * binding copies a session's context in before a call and out after it. Calls may come from any
+ * thread: whoever uses the globals holds the engine's lock (engine_lock.h), the core takes none.
  */
 #ifndef TARNEX_COMMON_SETUP_H
 #define TARNEX_COMMON_SETUP_H

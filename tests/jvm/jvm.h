@@ -6,14 +6,8 @@
 
 #include "jni_support.h"
 
-#include <org_kestro_repository_TARNEX_JNITARNEX.h>
-
 #include <string>
 #include <vector>
-
-/** Calls a native method, named without its prefix, on `engine`. */
-#define CALL(method, ...)                                                                          \
-    Java_org_kestro_repository_TARNEX_JNITARNEX_jni##method(env, engine __VA_OPT__(, ) __VA_ARGS__)
 
 inline JNIEnv *env = nullptr; ///< of the main thread, the only one that calls the engine
 

@@ -300,12 +300,13 @@ public:
 
     Call protection()
     {
-        isProtection = true;
         const jint primary = anyLsp(), type = below(3), flags = below(4);
+        isProtection = flags & 1;
         backupIds.clear();
         for (int i = below(8); i > 0; --i)
             backupIds.push_back(id(lspIds));
-        const jintArray ids = flawed("backuplspIds") ? nullptr : newIntArray(env, backupIds);
+        const bool isLost = flags & 1 ? flawed("backuplspIds") : below(48) == 0;
+        const jintArray ids = isLost ? nullptr : newIntArray(env, backupIds);
         return [=, this](Network &n) {
             const jobjectArray paths =
                 CALL(computeBackupPath, primary, ids, type, flags & 1, flags > 1);

@@ -1,6 +1,6 @@
 /*
- * Each native method in surroundings it does not expect: an exception pending on entry, objects of
- * other classes, memory that runs out, a caller that never returns to Java.
+ * Each native method in surroundings it does not expect: objects of other classes, memory that runs
+ * out, a caller that never returns to Java.
  */
 #include "jvm/jvm_test.h"
 
@@ -105,7 +105,6 @@ protected:
         return faulted;
     }
 
-    static inline const JNINativeInterface_ *whole = nullptr; ///< the JVM's own functions
     const jobject first = engine;
     const jfloatArray wide = floats({9, 9}), narrow = floats({4.5, 4.5});
     const jintArray path = newIntArray(env, std::array{0, 1, 2});
@@ -129,19 +128,6 @@ protected:
         {"initTarnex", [this] { open(); }},
         {"killTarnex", [this] { CALL(killTarnex); }}};
 };
-
-TEST_F(NativeMethods, ReturnAtOnceWithAnExceptionPending)
-{
-    const State before = state();
-    const LocalRef<jclass> type{env, env->FindClass("java/lang/RuntimeException")};
-    for (const Row &row : table) {
-        env->ThrowNew(type.get(), row.name);
-        EXPECT_EQ(printed(row.call), "");
-        EXPECT_EQ(takeException(), std::string("java.lang.RuntimeException: ") + row.name);
-        EXPECT_EQ(takeSessionTrail(), Trail{});
-        EXPECT_TRUE(state() == before && env->GetIntField(engine, sessId) == slot) << row.name;
-    }
-}
 
 TEST_F(NativeMethods, NeedTheFieldsOfAnEngine)
 {
@@ -195,28 +181,6 @@ TEST_F(NativeMethods, RemoveAnLspOnceThatIsChosenTwice)
     EXPECT_EQ(takeException(), "");
     EXPECT_EQ(valuesOf(preempted()), std::vector<jint>{7});
     EXPECT_EQ(networkOf(slot).lsps, std::set<jint>{33});
-}
-
-TEST_F(NativeMethods, ChangeNothingWhenTheAnswerFindsNoRoomInTheJvm)
-{
-    static int arraysLeft = 0;
-    JNINativeInterface_ withoutArrays = *env->functions;
-    withoutArrays.NewIntArray = [](JNIEnv *e, jsize length) -> jintArray {
-        if (arraysLeft-- > 0)
-            return whole->NewIntArray(e, length);
-        const LocalRef<jclass> type{e, e->FindClass("java/lang/OutOfMemoryError")};
-        e->ThrowNew(type.get(), "no array");
-        return nullptr;
-    };
-    const State before = state();
-    whole = std::exchange(env->functions, &withoutArrays);
-    for (const auto &[given, adds] : {std::pair{0, true}, {1, true}, {1, false}}) {
-        arraysLeft = given;
-        compute(6, adds, true);
-        EXPECT_EQ(takeException(), "java.lang.OutOfMemoryError: no array");
-        EXPECT_TRUE(state() == before);
-    }
-    env->functions = whole;
 }
 
 TEST_F(NativeMethods, SurviveEveryLackOfMemory)

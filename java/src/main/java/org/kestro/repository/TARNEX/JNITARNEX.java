@@ -45,7 +45,8 @@ import org.kestro.repository.model.exception.RoutingException;
  *     names the argument, and changes nothing. Such calls are: null arrays or rows; arrays or rows
  *     with fewer elements than the class types and levels in use; a number of class types or
  *     levels outside 1 to 8; a preemption level outside 0 to 7; a bandwidth that is negative or
- *     not finite; a capacity that is not a number; fewer ids for backups than backups.
+ *     not finite; a capacity that is not a number; fewer ids for backups than backups that are to
+ *     be added.
  * <li>A call on an object that never had a session does nothing and returns null where a result
  *     is due; {@link #jnikillTarnex} says so on standard error.
  * <li>After a kill the number of the session may be given to another object. A killed object must
@@ -55,9 +56,12 @@ import org.kestro.repository.model.exception.RoutingException;
  *
  * <h2>Threads</h2>
  *
- * <p>The library takes no lock and its sessions share state: calls must come one at a time in the
- * whole process, whatever the engine object and the thread. The numbers of class types and levels
- * are shared too: those of the latest initialisation hold for every live session.
+ * <p>Calls may come from any thread, on different engine objects or on the same. The library takes
+ * them one at a time in the whole process: a call waits until the one before it has returned or is
+ * about to throw. The fields {@link #sessId} and {@link #lsps} are ordinary ones: threads that share
+ * an engine object and read {@link #lsps} have to agree on whose result it holds. The numbers of
+ * class types and levels are shared by all sessions: those of the latest initialisation hold for
+ * every live one.
  */
 public class JNITARNEX {
     static {
@@ -368,7 +372,8 @@ public class JNITARNEX {
      *
      * @param primarylspId id of the LSP to protect
      * @param backuplspIds ids for the backups, in the order of the result: one per hop for local
-     *        backups, one for a global backup; further ids are not used
+     *        backups, one for a global backup; further ids are not used. Without ADDLSP the array
+     *        is not examined; null will do
      * @param backupType 1 for a global backup, any other value for local backups
      * @param ADDLSP whether to add the backups to the network
      * @param PREEMPT whether admission may count on less important LSPs giving way
@@ -377,8 +382,8 @@ public class JNITARNEX {
      * @throws NoRouteToHostException if there is no such LSP, a backup cannot be found, or a global
      *         one is asked for an LSP that crosses no link
      * @throws AddDBException if a backup cannot be added: its id is negative, too large or in use
-     * @throws IllegalArgumentException if backuplspIds is null or has fewer elements than there are
-     *         backups; nothing is added then
+     * @throws IllegalArgumentException if backups are to be added and backuplspIds is null or has
+     *         fewer elements than there are backups; nothing is added then
      */
     public native int[][] jnicomputeBackupPath(int primarylspId, int[] backuplspIds,
                                                int backupType, boolean ADDLSP, boolean PREEMPT)

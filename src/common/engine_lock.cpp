@@ -1,0 +1,10 @@
+#include "common/engine_lock.h"
+
+namespace
+{
+
+constinit std::mutex engineMutex;
+
+} // namespace
+
+EngineLock lockEngine() { return EngineLock{engineMutex}; }
