@@ -57,50 +57,104 @@ public:
         env->PopLocalFrame(nullptr);
     }
 
+    /** One call: what was there before it, what it should do and what came of it. */
+    struct Judged {
+        bool isLive;    ///< whether it is on a live session
+        bool isInForce; ///< whether it has to answer for its arguments: that, or an opening
+        int witness;    ///< another session, or the same
+        bool dumps;     ///< whether dumps are compared
+        TARNEXConfig config;
+        std::string before, aside; ///< dumps of the session and of the witness
+        Network after{};           ///< what the session should hold if it succeeds
+        std::string thrown{};
+        Trail trail{};
+
+        bool isRefused() const
+        {
+            return thrown.starts_with("java.lang.IllegalArgumentException: ");
+        }
+    };
+
     /** Makes the call and compares what it threw and what it did with what it should. */
     void judge(const Call &call)
     {
-        const bool isLive = live.contains(target), isJudged = isLive || isOpening;
-        const int witness = anySession();
-        const bool dumps = !flaws.empty() || !isJudged || below(32) == 0;
-        const std::string before = dumps ? dump(target) : "", aside = dumps ? dump(witness) : "";
-        Network after = network();
-        const TARNEXConfig config = isLive ? sessions[target]->tarnexConfig : TARNEXConfig{};
-        const std::string output = printed([&] { call(after); });
-        const std::string thrown = takeException();
-        const Trail trail = takeSessionTrail();
+        Judged judged = stateBefore();
+        const std::string output = printed([&] { call(judged.after); });
+        judged.thrown = takeException();
+        judged.trail = takeSessionTrail();
+        checkRefusal(judged);
+        checkException(judged);
+        if (judged.isLive && live.contains(target))
+            checkNetwork(judged);
+        checkNothingElseChanged(judged);
+        if (HasFailure())
+            std::printf("%s\n%s\n", judged.thrown.c_str(), output.c_str());
+    }
 
-        const bool isRefused = thrown.starts_with("java.lang.IllegalArgumentException: ");
+    Judged stateBefore()
+    {
+        const bool isLive = live.contains(target), isInForce = isLive || isOpening;
+        const int witness = anySession();
+        const bool dumps = !flaws.empty() || !isInForce || below(32) == 0;
+        return {isLive,
+                isInForce,
+                witness,
+                dumps,
+                isLive ? sessions[target]->tarnexConfig : TARNEXConfig{},
+                dumps ? dump(target) : "",
+                dumps ? dump(witness) : "",
+                network()};
+    }
+
+    /** A flawed argument is refused by its name, and only that is; the configuration stays. */
+    void checkRefusal(const Judged &judged)
+    {
+        const bool isRefused = judged.isRefused();
         if (isRefused && isProtection)
             flaws.push_back("backuplspIds"); // how many it takes shows in the computation
-        EXPECT_EQ(isRefused, isJudged && std::ranges::any_of(flaws, [&](const std::string &name) {
-                                 return !isRefused || thrown.find(name) != std::string::npos;
-                             }));
-        EXPECT_TRUE(!isRefused || !isLive || isOpening ||
-                    std::memcmp(&config, &sessions[target]->tarnexConfig, sizeof config) == 0);
-        EXPECT_TRUE(thrown.empty() || isRefused || (isLive && thrown.starts_with("org.kestro.")));
-        if (isLive && live.contains(target)) {
-            Network &expected = live[target];
-            const Network found = networkOf(target);
-            const bool isPartial = std::ranges::any_of(trail, [](const std::string &text) {
-                return text.find("uncomplete") != std::string::npos;
-            });
-            if (isPartial || thrown.empty())
-                expected = isPartial ? found : after;
-            else if (isProtection && !isRefused) // backups before the one that failed stay
-                std::ranges::copy_if(backupIds, std::inserter(expected.lsps, expected.lsps.end()),
-                                     [&](jint id) { return found.lsps.contains(id); });
-            EXPECT_EQ(found, expected) << testing::PrintToString(trail);
-        }
-        if (dumps && (isRefused || !isJudged)) {
-            EXPECT_EQ(dump(target), before);
+        const bool isNamed = std::ranges::any_of(flaws, [&](const std::string &name) {
+            return !isRefused || judged.thrown.find(name) != std::string::npos;
+        });
+        EXPECT_EQ(isRefused, judged.isInForce && isNamed);
+        EXPECT_TRUE(!isRefused || !judged.isLive || isOpening ||
+                    std::memcmp(&judged.config, &sessions[target]->tarnexConfig,
+                                sizeof judged.config) == 0);
+    }
+
+    /** Whatever else is thrown is an exception of the engine, on a live session. */
+    static void checkException(const Judged &judged)
+    {
+        EXPECT_TRUE(judged.thrown.empty() || judged.isRefused() ||
+                    (judged.isLive && judged.thrown.starts_with("org.kestro.")));
+    }
+
+    /** The session holds what it should, and the model follows where a call failed half way. */
+    void checkNetwork(const Judged &judged)
+    {
+        Network &expected = live[target];
+        const Network found = networkOf(target);
+        const bool isPartial = std::ranges::any_of(judged.trail, [](const std::string &text) {
+            return text.find("uncomplete") != std::string::npos;
+        });
+        if (isPartial || judged.thrown.empty())
+            expected = isPartial ? found : judged.after;
+        else if (isProtection && !judged.isRefused()) // backups before the one that failed stay
+            std::ranges::copy_if(backupIds, std::inserter(expected.lsps, expected.lsps.end()),
+                                 [&](jint id) { return found.lsps.contains(id); });
+        EXPECT_EQ(found, expected) << testing::PrintToString(judged.trail);
+    }
+
+    /** A call that does nothing changes nothing, and none changes another session. */
+    void checkNothingElseChanged(const Judged &judged)
+    {
+        if (judged.dumps && (judged.isRefused() || !judged.isInForce)) {
+            EXPECT_EQ(dump(target), judged.before);
             EXPECT_EQ(env->GetIntField(engine, sessId), target);
         }
-        EXPECT_TRUE(!dumps || witness == target || dump(witness) == aside);
+        EXPECT_TRUE(!judged.dumps || judged.witness == target ||
+                    dump(judged.witness) == judged.aside);
         for (auto other = live.begin(); calls % 1024 == 0 && other != live.end(); ++other)
             EXPECT_EQ(networkOf(other->first), other->second);
-        if (HasFailure())
-            std::printf("%s\n%s\n", thrown.c_str(), output.c_str());
     }
 
     const Network &network() const
