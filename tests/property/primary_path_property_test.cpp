@@ -1,9 +1,9 @@
 #include "computation/primary/driver.h"
 #include "computation/primary/plain/score.h"
 #include "computation/primary/plain/search.h"
-#include "property/session.h"
 #include "rerouting/rerouting.h"
 #include "support/memory_probe.h"
+#include "support/session.h"
 
 #include <limits>
 #include <memory>
@@ -79,7 +79,7 @@ TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
     request->precedence = 5;
     const double gain = 25;
     EXPECT_EQ(makeRerouteScore(request.get(), &gain, state.get(), 0), infinity);
-    expectTrail({"internal error: impossible to realize gain"});
+    expectTrail({"internal error: impossible to realize gain" + inRerouting});
     // Breakpoints are single-precision but for 9/10, and what is no number takes the last slope.
     weights = {};
     weights.Fortz = 2;
@@ -121,16 +121,19 @@ TEST_F(PrimaryPathProperty, TopologyFollowsEveryLinkAndListsTheAdmitted)
     const BKConnect &preempting = placedNode(topo, 4).outNeighb.cont[0];
     EXPECT_EQ(std::pair(preempting.info.gain[0], preempting.info.gain[1]), std::pair(1.0, 0.5));
     // Each link is asked once, the one from a node to itself from both ends.
-    expectTrail(Trail(7 + 1, "?Cannot find the old LSP"));
+    expectTrail(Trail(7 + 1, "[WARNING] Cannot find the old LSP" + inDatabase));
 }
 
 TEST_F(PrimaryPathProperty, DriverWritesThePathOrSaysWhy)
 {
-    const Trail unreachable{"Destination unreachable", "Unable to update requested path"};
-    const Trail unknown{"Node don't exist (id = 40)", "Unable to get the list of neighbours",
-                        "Unable to build topology"};
-    const Trail malformed{"Bad requested path format", "Unable to get requested source"};
-    const Trail outside{"Inexistent node", "Bellman-Kalaba failure"};
+    const Trail unreachable{"Destination unreachable" + inPrimary,
+                            "Unable to update requested path" + inPrimary};
+    const Trail unknown{"Node don't exist (id = 40)" + inDatabase,
+                        "Unable to get the list of neighbours" + inPrimary,
+                        "Unable to build topology" + inPrimary};
+    const Trail malformed{"Bad requested path format" + inPrimary,
+                          "Unable to get requested source" + inPrimary};
+    const Trail outside{"Inexistent node" + inPrimary, "Bellman-Kalaba failure" + inPrimary};
     const struct {
         const char *name;
         NodePath wanted, path;
@@ -141,7 +144,7 @@ TEST_F(PrimaryPathProperty, DriverWritesThePathOrSaysWhy)
         {"one hop", {5, -1, 6}, {5, 6}, 32, {}},
         {"refused link", {5, -1, 7}, {}, 0, unreachable},
         {"just beyond the index", {4, -1, 5}, {}, 0, unreachable},
-        {"where it starts", {4, -1, 4}, {4}, 0, {"Bad requested path format"}},
+        {"where it starts", {4, -1, 4}, {4}, 0, {"Bad requested path format" + inPrimary}},
         {"unknown source", {40, -1, 4}, {40, -1, 4}, 0, unknown},
         {"no destination", {2, -1}, {2, -1}, 0, malformed},
         {"link from outside, larger id", {8, -1, 9}, {8, -1, 9}, 0, outside},
@@ -179,9 +182,10 @@ TEST_F(PrimaryPathProperty, AnIndexThatFoundNoMemoryIsMadeAnew)
         auto probe = std::make_unique<MemoryProbe>(nth);
         EXPECT_EQ(computePrimaryPath(db, request.get()), -1) << nth;
         probe.reset();
-        expectTrail(nth > 1 ? Trail{"Critical lack of memory", "Critical lack of memory",
-                                    "Unable to build topology"}
-                            : Trail{"Critical lack of memory", "Unable to build topology"});
+        Trail trail{noMemory + inPrimary, "Unable to build topology" + inPrimary};
+        if (nth > 1)
+            trail.insert(trail.begin(), noList);
+        expectTrail(trail);
         ask(1, {1, -1, 4});
         EXPECT_EQ(computePrimaryPath(db, request.get()), 0);
         EXPECT_EQ(idsIn(request->path), (NodePath{1, 0, 4}));

@@ -29,8 +29,6 @@ void require(bool holds, const std::string &otherwise)
 /** A generator of its own for what takes many choices: bytes are spent on operations. */
 unsigned seedFrom(Rng &rng) { return static_cast<unsigned>(randomInt(rng, 256)); }
 
-NodePath idsIn(const LongList &list) { return {inUse(list).begin(), inUse(list).end()}; }
-
 bool isSame(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
 
 /** A path and its score. */

@@ -148,9 +148,9 @@ PlannedLsp plannedFrom(const DBLabelSwitchedPath &record)
 {
     PlannedLsp lsp{record.id, record.type, record.precedence};
     std::ranges::copy(record.bw, lsp.bw.begin());
-    lsp.path.assign(inUse(record.path).begin(), inUse(record.path).end());
+    lsp.path = idsIn(record.path);
     lsp.primID = record.primID;
-    lsp.primPath.assign(inUse(record.primPath).begin(), inUse(record.primPath).end());
+    lsp.primPath = idsIn(record.primPath);
     lsp.noContentionId = record.noContentionId;
     return lsp;
 }

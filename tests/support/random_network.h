@@ -62,6 +62,9 @@ struct PlannedLsp {
     Long noContentionId = -1;
 };
 
+/** What a list holds. */
+inline NodePath idsIn(const LongList &list) { return {inUse(list).begin(), inUse(list).end()}; }
+
 using LspRecord = Owned<DBLabelSwitchedPath, DBlspDestroy>;
 using State = Owned<DBLinkState, DBlinkStateDestroy>;
 using RequestRecord = Owned<LSPRequest, lspRequestDestroy>;

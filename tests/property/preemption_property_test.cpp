@@ -1,0 +1,283 @@
+#include "rerouting/rerouting.h"
+#include "support/session.h"
+
+#include <limits>
+#include <map>
+
+namespace property
+{
+namespace
+{
+
+using Amounts8 = std::array<double, MAXOA>;
+using Lsps = std::vector<PlannedLsp>;
+
+const std::string notEnough = "Not enough preemptable bandwidth for LSP selection" + inRerouting;
+
+/** What gives way, in the order chosen, and whether it is enough. */
+struct Choice {
+    NodePath ids{};
+    bool isEnough = true;
+};
+
+/** Chooses among the LSPs of a link what gives way to a newcomer of level `own`. */
+Choice chosenPlainly(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsps,
+                     const Amounts8 &need)
+{
+    std::map<int, Lsps> levels;
+    for (const PlannedLsp &lsp : lsps)
+        levels[-lsp.precedence].push_back(lsp);
+    Choice choice;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        const auto k = static_cast<std::size_t>(oa);
+        double rest = need[k];
+        const auto take = [&](const PlannedLsp &lsp) {
+            choice.ids.push_back(lsp.id);
+            return lsp.bw[k];
+        };
+        for (auto &[negated, level] : levels) {
+            if (rest <= 1e-10 || -negated <= own)
+                break;
+            std::ranges::sort(level, comesFirst);
+            const double reserved = rbw[oa][-negated];
+            if (rest >= reserved) {
+                std::ranges::for_each(level, take);
+                rest -= reserved;
+                continue;
+            }
+            for (auto lsp = level.begin(); lsp != level.end() && rest > 1e-10; ++lsp) {
+                const auto covers = [&](const PlannedLsp &l) { return l.bw[k] >= rest; };
+                if (lsp->bw[k] > rest) // the last of those that cover the rest
+                    lsp = std::prev(std::find_if_not(lsp, level.end(), covers));
+                rest -= take(*lsp);
+            }
+        }
+        if (rest > 1e-10)
+            return {choice.ids, false};
+    }
+    return choice;
+}
+
+double scoreOfTaking(double gain, int own, const double (&reserved)[MAXPL],
+                     const double (&coefficient)[MAXPL])
+{
+    double score = 0.0;
+    for (int p = MAXPL - 1; gain > 0.0; --p) {
+        if (p <= own)
+            return std::numeric_limits<double>::infinity();
+        score += coefficient[p] * std::min(gain, reserved[p]);
+        gain -= reserved[p];
+    }
+    return score;
+}
+
+class Preemption : public Session
+{
+protected:
+    /** The engine's choice, whose trail must fit. */
+    Choice chosen(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsps,
+                  const Amounts8 &need)
+    {
+        const Owned<DBLSPList, DBlspListDestroy> list{DBlspListNew(-1)};
+        std::vector<LspRecord> records;
+        for (const PlannedLsp &lsp : lsps) {
+            records.push_back(recordOf(lsp));
+            EXPECT_GE(DBlspListInsert(list.get(), records.back().get()), 0);
+        }
+        const State state{DBlinkStateNew()};
+        std::memcpy(state->rbw, rbw, sizeof rbw);
+        preempted.top = 0;
+        const int result =
+            chooseReroutedLSPs(own, state.get(), list.get(), need.data(), &preempted);
+        expectTrail(Trail(result == 0 ? 0 : 1, notEnough));
+        return {idsIn(preempted), result == 0};
+    }
+};
+
+bool operator==(const Choice &a, const Choice &b)
+{
+    return a.ids == b.ids && a.isEnough == b.isEnough;
+}
+
+void PrintTo(const Choice &choice, std::ostream *out)
+{
+    *out << testing::PrintToString(choice.ids) << (choice.isEnough ? "" : " and more");
+}
+
+TEST_F(Preemption, TakesWholeLevelsThenWhatFitsThenTheBestFit)
+{
+    struct Row {
+        Amounts8 need;
+        int own;
+        double reserved7; // 19 are listed at that level
+        Choice expected;
+    };
+    const Lsps lsps{{1, primaryLSP, 7, {10, 2}}, {2, primaryLSP, 7, {6, 0}},
+                    {3, primaryLSP, 7, {3, 1}},  {4, primaryLSP, 5, {8, 5}},
+                    {5, primaryLSP, 5, {4, 0}},  {6, primaryLSP, 4, {5, 0}},
+                    {7, primaryLSP, 4, {5, 0}}};
+    for (const auto &[need, own, reserved7, expected] :
+         {Row{{19}, 3, 19, {{1, 2, 3}}},
+          {{8}, 3, 19, {{1}}},
+          {{12}, 3, 19, {{1, 3}}},
+          {{25}, 3, 19, {{1, 2, 3, 4}}},
+          {{25}, 5, 19, {{1, 2, 3}, false}},
+          {{36}, 3, 19, {{1, 2, 3, 4, 5, 6}}}, // of two that fit exactly the first
+          {{50}, 3, 19, {{1, 2, 3, 4, 5, 6, 7}, false}},
+          {{5e-11}, 3, 19, {}},
+          {{5e-10}, 3, 19, {{3}}},
+          {{2, 3}, 3, 19, {{3, 1, 2, 3}}},
+          {{0, 7}, 3, 19, {{1, 2, 3, 4}}},
+          {{22}, 3, 25, {{1, 2, 3, 5}}}}) {
+        double rbw[MAXOA][MAXPL]{};
+        for (const PlannedLsp &lsp : lsps) {
+            for (const std::size_t oa : {0U, 1U})
+                rbw[oa][lsp.precedence] += lsp.bw[oa];
+        }
+        rbw[0][7] = reserved7;
+        EXPECT_EQ(chosen(own, rbw, lsps, need), expected) << need[0];
+    }
+}
+
+TEST_F(Preemption, ChoosesAndScoresAsThePlainReadingDoes)
+{
+    Rng rng{5};
+    auto &coefficients = tarnexConfig.reroutingConfig.scoreCoef;
+    int several = 0;
+    for (int round = 0; round < 20'000; ++round) {
+        Lsps lsps(static_cast<std::size_t>(randomInt(rng, 9)));
+        const State state{DBlinkStateNew()};
+        const int levels = 1 + randomInt(rng, 3);
+        PlannedLsp asking{.precedence = randomInt(rng, MAXPL), .bw = {2, 4, 1}};
+        for (Long id = 0; PlannedLsp & lsp : lsps) {
+            lsp.id = 7 * ++id % 11;
+            lsp.precedence = MAXPL - 1 - randomInt(rng, levels) * (1 + asking.precedence % 2);
+            for (const std::size_t oa : {0U, 1U, 2U}) {
+                lsp.bw[oa] = randomInt(rng, 6);
+                state->rbw[oa][lsp.precedence] += lsp.bw[oa];
+            }
+        }
+        // Backups may reserve more than is listed, or share what is.
+        state->rbw[randomInt(rng, 3)][MAXPL - 1 - randomInt(rng, 3)] += randomInt(rng, 3) / 2.0;
+        Amounts8 need{};
+        for (const std::size_t oa : {0U, 1U, 2U}) {
+            need[oa] = randomInt(rng, 2) * randomInt(rng, 16) +
+                       std::array{0.0, 0.0, 5e-11, 5e-10, 0.5}[std::size_t(randomInt(rng, 5))];
+            const int i = static_cast<int>(oa);
+            for (double &coefficient : coefficients[i])
+                coefficient = randomInt(rng, 4);
+            const double score =
+                makeRerouteScore(requestOf(asking).get(), need.data(), state.get(), i);
+            const double expected =
+                scoreOfTaking(need[oa], asking.precedence, state->rbw[i], coefficients[i]);
+            EXPECT_DOUBLE_EQ(score, expected / asking.bw[oa]);
+            expectTrail(Trail(expected > 1e9 ? 1 : 0,
+                              "internal error: impossible to realize gain" + inRerouting));
+        }
+        const Choice expected = chosenPlainly(asking.precedence, state->rbw, lsps, need);
+        ASSERT_EQ(chosen(asking.precedence, state->rbw, lsps, need), expected) << round;
+        several += expected.isEnough && expected.ids.size() > 1 ? 1 : 0;
+    }
+    EXPECT_GT(several, 1000);
+}
+
+/** What an admission does, in its plain form. */
+struct Admission {
+    NodePath preempted{};
+    bool isAdmitted = true;
+    bool isEnough = true;
+};
+
+Admission admittedPlainly(const PlainNetwork &network, const PlannedLsp &lsp)
+{
+    std::vector<Hop> hops;
+    for (const NodePath *path : {&lsp.path, &lsp.primPath}) {
+        for (std::size_t i = 1; i < path->size(); ++i) {
+            const Hop hop{(*path)[i - 1], (*path)[i]};
+            if (path == &lsp.path || std::ranges::count(hops, hop) == 0)
+                hops.push_back(hop);
+        }
+    }
+    Admission admission;
+    Amounts8 gain{}; // a link that refuses leaves what it has not come to
+    for (const Hop &hop : hops) {
+        const auto &link = network.links.at(hop);
+        PlainState then = link.state;
+        network.update(then, hop, lsp, 1.0);
+        for (std::size_t oa = 0; oa < MAXOA && admission.isAdmitted; ++oa) {
+            const auto &rbw = then.rbw[oa];
+            const double total = std::accumulate(rbw, rbw + MAXPL, 0.0);
+            const double kept = std::accumulate(rbw, rbw + lsp.precedence + 1, 0.0);
+            admission.isAdmitted = kept <= link.capacity;
+            if (admission.isAdmitted)
+                gain[oa] = std::max(0.0, total - link.capacity);
+        }
+        Lsps listed;
+        for (const auto &[id, present] : network.lsps) {
+            if (hopOn(present.path, hop) >= 0)
+                listed.push_back(present);
+        }
+        Choice choice = chosenPlainly(lsp.precedence, link.state.rbw, listed, gain);
+        if (!choice.isEnough)
+            return {admission.preempted, false, false};
+        std::ranges::sort(choice.ids);
+        const NodePath before = std::exchange(admission.preempted, {});
+        std::ranges::set_union(before, choice.ids, std::back_inserter(admission.preempted));
+        if (!admission.isAdmitted)
+            break;
+    }
+    return admission;
+}
+
+TEST_F(Preemption, MakesRoomOnEveryLinkOfAnAdmission)
+{
+    Rng rng{3};
+    tarnexConfig.predicateConfig = {true, true, false};
+    int giveWay = 0, refusals = 0;
+    for (int round = 0; round < 12; ++round) {
+        NetworkPlan plan = randomNetwork(rng, 5, 3, 1 + round % 2);
+        for (PlannedLink &link : plan.links)
+            link.capacity = 10.0;
+        rebuild(plan);
+        for (Long id = 0; id < 120; ++id) {
+            PlannedLsp lsp{.path =
+                               hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng)};
+            const auto at = plain.lsps.lower_bound(randomInt(rng, id + 1));
+            const bool protects = at != plain.lsps.end() && at->second.type == primaryLSP;
+            if (protects && id % 4 == 0)
+                lsp =
+                    backupOf(plan, at->second, id % 8 == 0 ? localBackupLSP : globalBackupLSP, rng);
+            if (lsp.path.size() < 2)
+                continue;
+            lsp.id = id;
+            lsp.precedence = randomInt(rng, MAXPL);
+            for (const std::size_t oa : {0U, 1U})
+                lsp.bw[oa] = randomInt(rng, 2) * randomInt(rng, 7);
+            const Admission expected = admittedPlainly(plain, lsp);
+            Trail trail;
+            if (!expected.isEnough)
+                trail = {notEnough, "Unable choose LSPs for rerouting" + inDatabase};
+            preempted.top = 0;
+            EXPECT_EQ(getpreemptList(db, recordOf(lsp).get(), &preempted),
+                      expected.isEnough ? 0 : -1);
+            EXPECT_EQ(idsIn(preempted), expected.preempted);
+            expectTrail(trail);
+            EXPECT_EQ(add(lsp), expected.isAdmitted ? 0 : -1);
+            ASSERT_EQ(idsIn(preempted), expected.preempted) << round << " " << id;
+            if (expected.isEnough && !expected.isAdmitted)
+                trail = {"LSP refused by the predicate" + inDatabase};
+            expectTrail(trail);
+            refusals += expected.isAdmitted ? 0 : 1;
+            if (!expected.isAdmitted)
+                continue;
+            for (const Long gone :
+                 std::set<Long>{expected.preempted.begin(), expected.preempted.end()})
+                EXPECT_EQ(remove(gone), 0);
+            giveWay += expected.preempted.empty() ? 0 : 1;
+        }
+    }
+    EXPECT_GT(std::min(giveWay, refusals), 100);
+}
+
+} // namespace
+} // namespace property
