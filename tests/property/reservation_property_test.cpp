@@ -113,6 +113,23 @@ using AdmissionProperty = Session;
 const std::string refused = "LSP refused by the predicate" + inDatabase;
 const std::string notEvaluated = "Unable to update link state in predicate/predicate";
 
+TEST_F(AdmissionProperty, ANegativeZeroThatWasHandedInStaysUntilAnLspOfItsLevelComes)
+{
+    build(networkOf("0:0-1 1:1-2"));
+    const State state{DBlinkStateNew()};
+    for (const int p : {2, 3, 5})
+        state->pbw[1][p] = plain.links[{0, 1}].state.pbw[1][p] = -0.0;
+    ASSERT_EQ(DBsetLinkState(db, 0, 1, state.get()), 0);
+    for (const int level : {0, 2, 4, 3}) { // by LSPs of another class type
+        ASSERT_EQ(add(lsp(level, level, 1, {0, 1, 2})), 0);
+        EXPECT_TRUE(followsPlain()) << level;
+    }
+    for (const Long id : {2, 0, 3}) {
+        EXPECT_EQ(remove(id), 0);
+        EXPECT_TRUE(followsPlain()) << id;
+    }
+}
+
 TEST_F(AdmissionProperty, RefusesALinkThatAClassTypeOverfillsWhichTheLspDoesNotUse)
 {
     tarnexConfig.predicateConfig = {false, true, false};

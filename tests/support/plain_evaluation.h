@@ -202,17 +202,15 @@ struct PlainNetwork {
     void reserve(PlainState &state) const { reserve(state, failures()); }
     static void reserve(PlainState &state, const Failures &failures)
     {
+        const Failures none;
         const auto at = [](const PlainTable &table, Long k) {
             return k < static_cast<Long>(table.size()) ? table[static_cast<std::size_t>(k)] : 0.0;
         };
         for (int oa = 0; oa < MAXOA; ++oa) {
             double largest[MAXPL]{};
-            if (std::ranges::all_of(state.bbw[oa], &PlainTable::empty) &&
-                std::ranges::all_of(state.fbw[oa], &PlainTable::empty)) {
-                std::ranges::copy(state.pbw[oa], state.rbw[oa]);
-                continue;
-            }
-            for (const auto &failing : failures) {
+            const bool isEmpty = std::ranges::all_of(state.bbw[oa], &PlainTable::empty) &&
+                                 std::ranges::all_of(state.fbw[oa], &PlainTable::empty);
+            for (const auto &failing : isEmpty ? none : failures) {
                 double needed = 0.0, freed = 0.0;
                 for (int p = 0; p < MAXPL; ++p) {
                     for (const Long k : failing.second) {
