@@ -72,17 +72,6 @@ protected:
         ASSERT_EQ(DBaddLink(db, link.id, link.src, link.dst, &state), 0);
     }
 
-    /** A path that may come back to a node it has passed. */
-    NodePath randomPath(const NetworkPlan &plan)
-    {
-        NodePath path = hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng);
-        if (randomInt(rng, 4) == 0) {
-            const NodePath rest = hopPath(plan, path.back(), anyOf(rng, plan.nodes), rng);
-            path.insert(path.end(), rest.begin() + 1, rest.end());
-        }
-        return path;
-    }
-
     /** Compares the engine's backups with the plain ones, and leaves them in `requests`. */
     void compare(Long primaryId, BackupType type, Requests &requests)
     {
@@ -158,7 +147,7 @@ TEST_F(Backups, EqualThoseOfThePlainSearch)
             EXPECT_EQ(inconsistencyOf(*db, hops), "");
             PlannedLsp lsp{.id = id,
                            .precedence = randomInt(rng, seed % 3 == 0 ? 2 : MAXPL),
-                           .path = randomPath(plan)};
+                           .path = randomPath(plan, rng)};
             for (int classes = 1 + randomInt(rng, 5) / 4; classes > 0; --classes)
                 lsp.bw[std::size_t(randomInt(rng, 2))] = 1.0 / 3.0 + randomInt(rng, 4);
             lsp.primPath = id % 8 == 0 ? lsp.path : NodePath{}; // weighs the hops of its backups
@@ -216,6 +205,9 @@ TEST_F(Backups, ShareWhatAnEarlierOneReserves)
     }
 }
 
+/*
+ *        0 --> 2 --> 1     also 0 --> 1, and 0 --> 3 --> 2 without cost
+ */
 TEST_F(Backups, KeepTheFirstWayToANodeAmongLinksWithoutCost)
 {
     ASSERT_EQ(addNetwork(db, networkOf("0:0-1 1:0-2 2:0-3 3:3-2 4:2-1")), 0);
@@ -239,7 +231,7 @@ TEST_F(Backups, KeepTheFirstWayToANodeAmongLinksWithoutCost)
 
 TEST_F(Backups, RefuseWhatCannotBeProtected)
 {
-    ASSERT_EQ(addNetwork(db, networkOf("0:1-2 2:2-3 3:1-3")), 0);
+    ASSERT_EQ(addNetwork(db, networkOf("0:1-2 2:2-3 3:1-3")), 0); // 1 --> 2 --> 3 <-- 1
     for (const PlannedLsp &lsp :
          {PlannedLsp{.id = 4, .path = {1, 2}}, PlannedLsp{.id = 5, .path = {1}}})
         ASSERT_EQ(DBaddLSP(db, recordOf(lsp).get(), &preempted), 0);
@@ -262,31 +254,6 @@ TEST_F(Backups, RefuseWhatCannotBeProtected)
     EXPECT_EQ(run(4, LOCAL_BACKUP, {hole}), -1);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "No local link disjoint protection path found\n");
-}
-
-TEST(BackupFrontier, GivesTheSmallestKeyAndOfEqualKeysTheLastInserted)
-{
-    struct Case {
-        std::vector<double> keys;
-        std::vector<int> order; ///< positions in `keys`, as they come out
-    };
-    for (const Case &c :
-         {Case{{3, 1, 2}, {1, 2, 0}}, Case{{1, 5, 5}, {0, 2, 1}}, Case{{1, 1, 1}, {2, 1, 0}},
-          Case{{2, 4, 3, 5, 1, 3}, {4, 0, 5, 2, 1, 3}}}) {
-        CPPrioQueue queue{};
-        ASSERT_EQ(CPinitPQ(&queue), 0);
-        std::vector<CPDijkNode> nodes(c.keys.size());
-        for (std::size_t i = 0; i < nodes.size(); ++i)
-            ASSERT_EQ(CPinsertPQ(&queue, &nodes[i], c.keys[i]), 0);
-        EXPECT_EQ(queue.size, static_cast<Long>(nodes.size()));
-        std::vector<int> order;
-        while (const CPDijkNode *node = CPpopTop(&queue))
-            order.push_back(static_cast<int>(node - nodes.data()));
-        EXPECT_EQ(order, c.order);
-        ASSERT_EQ(CPinsertPQ(&queue, nodes.data(), 1.0), 0);
-        EXPECT_EQ(CPendPQ(&queue), 0);
-        EXPECT_EQ(queue.root, nullptr);
-    }
 }
 
 } // namespace

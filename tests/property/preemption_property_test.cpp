@@ -14,11 +14,8 @@ using Lsps = std::vector<PlannedLsp>;
 
 const std::string notEnough = "Not enough preemptable bandwidth for LSP selection" + inRerouting;
 
-/** What gives way, in the order chosen, and whether it is enough. */
-struct Choice {
-    NodePath ids{};
-    bool isEnough = true;
-};
+/** The ids of what gives way, in the order chosen, and whether it is enough. */
+using Choice = std::pair<NodePath, bool>;
 
 /** Chooses among the LSPs of a link what gives way to a newcomer of level `own`. */
 Choice chosenPlainly(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsps,
@@ -27,12 +24,12 @@ Choice chosenPlainly(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsp
     std::map<int, Lsps> levels;
     for (const PlannedLsp &lsp : lsps)
         levels[-lsp.precedence].push_back(lsp);
-    Choice choice;
+    NodePath ids;
     for (int oa = 0; oa < MAXOA; ++oa) {
         const auto k = static_cast<std::size_t>(oa);
         double rest = need[k];
         const auto take = [&](const PlannedLsp &lsp) {
-            choice.ids.push_back(lsp.id);
+            ids.push_back(lsp.id);
             return lsp.bw[k];
         };
         for (auto &[negated, level] : levels) {
@@ -53,9 +50,9 @@ Choice chosenPlainly(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsp
             }
         }
         if (rest > 1e-10)
-            return {choice.ids, false};
+            return {ids, false};
     }
-    return choice;
+    return {ids, true};
 }
 
 double scoreOfTaking(double gain, int own, const double (&reserved)[MAXPL],
@@ -74,7 +71,9 @@ double scoreOfTaking(double gain, int own, const double (&reserved)[MAXPL],
 class Preemption : public Session
 {
 protected:
-    /** The engine's choice, whose trail must fit. */
+    Preemption() { tarnexConfig.predicateConfig = {true, true, false}; }
+
+    /** The engine's choice on a link that reserves `rbw[oa][p]`. */
     Choice chosen(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsps,
                   const Amounts8 &need)
     {
@@ -94,49 +93,25 @@ protected:
     }
 };
 
-bool operator==(const Choice &a, const Choice &b)
-{
-    return a.ids == b.ids && a.isEnough == b.isEnough;
-}
-
-void PrintTo(const Choice &choice, std::ostream *out)
-{
-    *out << testing::PrintToString(choice.ids) << (choice.isEnough ? "" : " and more");
-}
-
 TEST_F(Preemption, TakesWholeLevelsThenWhatFitsThenTheBestFit)
 {
-    struct Row {
-        Amounts8 need;
-        int own;
-        double reserved7; // 19 are listed at that level
-        Choice expected;
+    const Lsps lsps{{1, primaryLSP, 7, {10}}, {2, primaryLSP, 7, {6}}, {3, primaryLSP, 7, {3}},
+                    {4, primaryLSP, 5, {8}},  {5, primaryLSP, 5, {4}}, {6, primaryLSP, 4, {5}},
+                    {7, primaryLSP, 4, {5}}};
+    const double rbw[MAXOA][MAXPL] = {{0, 0, 0, 0, 10, 12, 0, 19}};
+    const std::tuple<double, int, Choice> rows[] = {
+        {19, 3, {{1, 2, 3}, true}},
+        {8, 3, {{1}, true}},
+        {12, 3, {{1, 3}, true}},
+        {25, 3, {{1, 2, 3, 4}, true}},
+        {25, 5, {{1, 2, 3}, false}},
+        {36, 3, {{1, 2, 3, 4, 5, 6}, true}}, // of two that fit exactly the first
+        {50, 3, {{1, 2, 3, 4, 5, 6, 7}, false}},
+        {5e-11, 3, {{}, true}},
+        {5e-10, 3, {{3}, true}},
     };
-    const Lsps lsps{{1, primaryLSP, 7, {10, 2}}, {2, primaryLSP, 7, {6, 0}},
-                    {3, primaryLSP, 7, {3, 1}},  {4, primaryLSP, 5, {8, 5}},
-                    {5, primaryLSP, 5, {4, 0}},  {6, primaryLSP, 4, {5, 0}},
-                    {7, primaryLSP, 4, {5, 0}}};
-    for (const auto &[need, own, reserved7, expected] :
-         {Row{{19}, 3, 19, {{1, 2, 3}}},
-          {{8}, 3, 19, {{1}}},
-          {{12}, 3, 19, {{1, 3}}},
-          {{25}, 3, 19, {{1, 2, 3, 4}}},
-          {{25}, 5, 19, {{1, 2, 3}, false}},
-          {{36}, 3, 19, {{1, 2, 3, 4, 5, 6}}}, // of two that fit exactly the first
-          {{50}, 3, 19, {{1, 2, 3, 4, 5, 6, 7}, false}},
-          {{5e-11}, 3, 19, {}},
-          {{5e-10}, 3, 19, {{3}}},
-          {{2, 3}, 3, 19, {{3, 1, 2, 3}}},
-          {{0, 7}, 3, 19, {{1, 2, 3, 4}}},
-          {{22}, 3, 25, {{1, 2, 3, 5}}}}) {
-        double rbw[MAXOA][MAXPL]{};
-        for (const PlannedLsp &lsp : lsps) {
-            for (const std::size_t oa : {0U, 1U})
-                rbw[oa][lsp.precedence] += lsp.bw[oa];
-        }
-        rbw[0][7] = reserved7;
-        EXPECT_EQ(chosen(own, rbw, lsps, need), expected) << need[0];
-    }
+    for (const auto &[need, own, expected] : rows)
+        EXPECT_EQ(chosen(own, rbw, lsps, {need}), expected) << need;
 }
 
 TEST_F(Preemption, ChoosesAndScoresAsThePlainReadingDoes)
@@ -176,7 +151,7 @@ TEST_F(Preemption, ChoosesAndScoresAsThePlainReadingDoes)
         }
         const Choice expected = chosenPlainly(asking.precedence, state->rbw, lsps, need);
         ASSERT_EQ(chosen(asking.precedence, state->rbw, lsps, need), expected) << round;
-        several += expected.isEnough && expected.ids.size() > 1 ? 1 : 0;
+        several += expected.second && expected.first.size() > 1 ? 1 : 0;
     }
     EXPECT_GT(several, 1000);
 }
@@ -208,21 +183,21 @@ Admission admittedPlainly(const PlainNetwork &network, const PlannedLsp &lsp)
             const auto &rbw = then.rbw[oa];
             const double total = std::accumulate(rbw, rbw + MAXPL, 0.0);
             const double kept = std::accumulate(rbw, rbw + lsp.precedence + 1, 0.0);
-            admission.isAdmitted = kept <= link.capacity;
+            admission.isAdmitted = kept <= then.cap[oa];
             if (admission.isAdmitted)
-                gain[oa] = std::max(0.0, total - link.capacity);
+                gain[oa] = std::max(0.0, total - then.cap[oa]);
         }
         Lsps listed;
         for (const auto &[id, present] : network.lsps) {
-            if (hopOn(present.path, hop) >= 0)
-                listed.push_back(present);
+            const auto passages = std::ranges::count(positions(present.path, hop), true);
+            listed.insert(listed.end(), std::size_t(passages), present);
         }
-        Choice choice = chosenPlainly(lsp.precedence, link.state.rbw, listed, gain);
-        if (!choice.isEnough)
+        auto [ids, isEnough] = chosenPlainly(lsp.precedence, link.state.rbw, listed, gain);
+        if (!isEnough)
             return {admission.preempted, false, false};
-        std::ranges::sort(choice.ids);
+        std::ranges::sort(ids);
         const NodePath before = std::exchange(admission.preempted, {});
-        std::ranges::set_union(before, choice.ids, std::back_inserter(admission.preempted));
+        std::ranges::set_union(before, ids, std::back_inserter(admission.preempted));
         if (!admission.isAdmitted)
             break;
     }
@@ -232,7 +207,6 @@ Admission admittedPlainly(const PlainNetwork &network, const PlannedLsp &lsp)
 TEST_F(Preemption, MakesRoomOnEveryLinkOfAnAdmission)
 {
     Rng rng{3};
-    tarnexConfig.predicateConfig = {true, true, false};
     int giveWay = 0, refusals = 0;
     for (int round = 0; round < 12; ++round) {
         NetworkPlan plan = randomNetwork(rng, 5, 3, 1 + round % 2);
@@ -240,8 +214,16 @@ TEST_F(Preemption, MakesRoomOnEveryLinkOfAnAdmission)
             link.capacity = 10.0;
         rebuild(plan);
         for (Long id = 0; id < 120; ++id) {
-            PlannedLsp lsp{.path =
-                               hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng)};
+            if (id % 4 == 1) {
+                const PlannedLink &narrow = anyOf(rng, plan.links);
+                const Hop hop{narrow.src, narrow.dst};
+                const State state{DBlinkStateNew()};
+                ASSERT_EQ(DBlinkStateCopy(state.get(), &storedState(db, hop)), 0);
+                const int oa = randomInt(rng, 2);
+                state->cap[oa] = plain.links[hop].state.cap[oa] = 2.0 + 4.0 * randomInt(rng, 3);
+                ASSERT_EQ(DBsetLinkState(db, hop.first, hop.second, state.get()), 0);
+            }
+            PlannedLsp lsp{.path = randomPath(plan, rng)};
             const auto at = plain.lsps.lower_bound(randomInt(rng, id + 1));
             const bool protects = at != plain.lsps.end() && at->second.type == primaryLSP;
             if (protects && id % 4 == 0)

@@ -3,12 +3,10 @@
 #include "computation/primary/plain/search.h"
 #include "database/reservations/failure_tables.h"
 #include "predicate/predicate.h"
-#include "rerouting/rerouting.h"
-#include "support/memory_probe.h"
 #include "support/session.h"
+#include "support/topology_route.h"
 
 #include <limits>
-#include <memory>
 
 namespace property
 {
@@ -16,16 +14,6 @@ namespace
 {
 
 using W = PrimaryComputationConfig;
-
-/** What a request can see. */
-struct Topology : BKTopology {
-    Topology() : BKTopology{} { EXPECT_EQ(initTopo(this, -1), 0); }
-    Topology(DataBase *db, const LSPRequest *request) : Topology{}
-    {
-        EXPECT_EQ(fillTopo(db, request, this), 0);
-    }
-    ~Topology() { endTopo(this); }
-};
 
 class PrimaryPathProperty : public Session
 {
@@ -61,7 +49,8 @@ TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
     build(networkOf("1:0-1"));
     ask(10, {0, -1, 1});
     request->bw[1] = 0;
-    Topology topo{db, request.get()};
+    Topology topo;
+    ASSERT_EQ(fillTopo(db, request.get(), &topo), 0);
     topo.nbLinks = 10;
     BKNodeInfo &start = placedNode(topo, 0).info;
     start.sum[0] = 0.2;
@@ -78,10 +67,6 @@ TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
         const BKConnect connect{0, state.get(), {{row.gain}}};
         EXPECT_DOUBLE_EQ(makeScore(&topo, request.get(), 0, 1, &connect), row.score) << row.name;
     }
-    request->precedence = 5;
-    const double gain = 25;
-    EXPECT_EQ(makeRerouteScore(request.get(), &gain, state.get(), 0), infinity);
-    expectTrail({"internal error: impossible to realize gain" + inRerouting});
     // Breakpoints are single-precision but for 9/10, and what is no number takes the last slope.
     weights = {};
     weights.Fortz = 2;
@@ -100,7 +85,8 @@ TEST_F(PrimaryPathProperty, ScoreAddsTheWeightedGrowth)
 TEST_F(PrimaryPathProperty, TopologyFollowsEveryLinkAndListsTheAdmitted)
 {
     tarnexConfig.predicateConfig = {true, true, true};
-    // Refused are 4-1 by its colour and 4-5 as the link to leave; 6 is outside.
+    //   1 <-- 4 <--> 9 <-- 1      Refused are 4-1 by its colour and 4-5 as the link to leave;
+    //   6 --> 9, 4    5 --> 5     6 is outside, and so is 5.
     build(networkOf("1:4-1 2:4-9 3:9-4 4:1-9 5:6-9 6:4-5 7:5-5"));
     DBgetLinkState(db, 4, 1)->color = 8;
     for (const int oa : {0, 1})
@@ -108,7 +94,8 @@ TEST_F(PrimaryPathProperty, TopologyFollowsEveryLinkAndListsTheAdmitted)
     ask(1, {4, -1, 9});
     ASSERT_EQ(longVecPushBack(&request->forbidLinks, 8), 0);
     request->rerouteInfo = {77, 4, 5};
-    const Topology topo{db, request.get()};
+    Topology topo;
+    ASSERT_EQ(fillTopo(db, request.get(), &topo), 0);
     std::string text;
     for (const BKNode &node : inUse(topo.nodeVec)) {
         text += " from";
@@ -153,6 +140,7 @@ TEST_F(PrimaryPathProperty, DriverWritesThePathOrSaysWhy)
     };
     weights.relLoad[0] = 1;
     tarnexConfig.predicateConfig.capacityClause = true;
+    //   1 --> 2 --> 3 --> 4       6 <-- 5 --> 7       8 --> 9 <-- 10
     build(networkOf("1:2-3/2 2:3-4/1 3:5-6/0.25 4:5-7/0.1 5:1-2 6:8-9 7:10-9"));
     double total = 0.0;
     for (const auto &row : rows) {
@@ -222,40 +210,6 @@ TEST_F(PrimaryPathProperty, DecimalsFillALinkAsFarAsTheirSumInOrderDoes)
     EXPECT_GT(std::min(met[0], met[1]), 10);
 }
 
-TEST_F(PrimaryPathProperty, AnIndexThatFoundNoMemoryIsMadeAnew)
-{
-    build(networkOf("1:0-1 2:1-0 3:2-0 4:0-2 5:3-0 6:0-3 7:4-0 8:0-4"));
-    for (const int nth : {1, 2, 3, 4}) {
-        ask(1, {1, -1, 4});
-        auto probe = std::make_unique<MemoryProbe>(nth);
-        EXPECT_EQ(computePrimaryPath(db, request.get()), -1) << nth;
-        probe.reset();
-        Trail trail{noMemory + inPrimary, "Unable to build topology" + inPrimary};
-        if (nth > 1)
-            trail.insert(trail.begin(), noList);
-        expectTrail(trail);
-        ask(1, {1, -1, 4});
-        EXPECT_EQ(computePrimaryPath(db, request.get()), 0);
-        EXPECT_EQ(idsIn(request->path), (NodePath{1, 0, 4}));
-        EXPECT_EQ(DBaddNode(db, 10 + nth), 0); // the index is made anew
-    }
-}
-
-/** Routes a request by way of the topology; -1 when that fails. */
-int routeByTopology(DataBase *db, LSPRequest &req)
-{
-    Topology topo;
-    const auto fail = [](const char *why) {
-        addError(CRITICAL, "%s in computation/primary/primaryPath at line 0", why);
-        return -1;
-    };
-    if (fillTopo(db, &req, &topo) != 0)
-        return fail("Unable to build topology");
-    if (bellmanKalaba(&topo, &req) != 0)
-        return fail("Bellman-Kalaba failure");
-    return updateRequest(&topo, &req) == 0 ? 0 : fail("Unable to update requested path");
-}
-
 TEST_F(PrimaryPathProperty, RequestsOfAnyKindEndAsTheyDoByWayOfTheTopology)
 {
     Rng rng{8};
@@ -292,8 +246,6 @@ TEST_F(PrimaryPathProperty, RequestsOfAnyKindEndAsTheyDoByWayOfTheTopology)
         const Long rerouted = randomInt(rng, 4) == 0 ? randomInt(rng, 25) : -1;
         for (Long src = 0; src < 5; ++src) {
             for (Long dst = 0; dst < 5; ++dst) {
-                if (src == dst)
-                    continue;
                 RequestRecord requests[2];
                 for (RequestRecord &req : requests) {
                     req = requestOf({.precedence = round % 3,
@@ -303,10 +255,13 @@ TEST_F(PrimaryPathProperty, RequestsOfAnyKindEndAsTheyDoByWayOfTheTopology)
                     req->forbidLinks.top = color > 3 ? 0 : 1;
                     req->rerouteInfo = {rerouted, rerouted % 5, rerouted / 5};
                 }
-                const int expected = routeByTopology(db, *requests[0]);
+                COST = 0.0;
+                double cost = 0.0;
+                const int expected = routeByTopology(db, *requests[0], cost);
                 const Trail trail = takeTrail();
                 EXPECT_EQ(computePrimaryPath(db, requests[1].get()), expected);
                 EXPECT_EQ(idsIn(requests[1]->path), idsIn(requests[0]->path));
+                EXPECT_EQ(COST, cost);
                 expectTrail(trail);
                 found += expected == 0 ? 1 : 0;
             }
@@ -413,9 +368,9 @@ protected:
         const Long source = request->path.cont[0];
         request->precedence = randomInt(rng, MAXPL);
         const LSPRequest *req = request.get();
-        Topology expected{db, req};
+        Topology expected, topo;
+        ASSERT_EQ(fillTopo(db, req, &expected) | fillTopo(db, req, &topo), 0);
         searchPlainly(expected, *req);
-        Topology topo{db, req};
         ASSERT_EQ(bellmanKalaba(&topo, req), 0);
         for (const BKNode &node : inUse(topo.nodeVec)) {
             const Long nd = node.nodeId;

@@ -99,6 +99,16 @@ NodePath hopPath(const NetworkPlan &plan, Long src, Long dst, Rng &rng, Hop avoi
     return path;
 }
 
+NodePath randomPath(const NetworkPlan &plan, Rng &rng)
+{
+    NodePath path = hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng);
+    if (randomInt(rng, 4) == 0) {
+        const NodePath rest = hopPath(plan, path.back(), anyOf(rng, plan.nodes), rng);
+        path.insert(path.end(), rest.begin() + 1, rest.end());
+    }
+    return path;
+}
+
 PlannedLsp backupOf(const NetworkPlan &plan, const PlannedLsp &primary, DBLSPType type, Rng &rng)
 {
     PlannedLsp backup = primary;
