@@ -4,14 +4,13 @@
 #include "admission/placement.h"
 #include "common/setup.h"
 #include "computation/backup/driver.h"
-#include "computation/primary/driver.h"
-#include "computation/primary/plain/search.h"
 #include "database/books/change.h"
 #include "database/books/lookup.h"
 #include "database/reservations/question.h"
 #include "database/update/update.h"
 #include "support/consistency.h"
 #include "support/memory_probe.h"
+#include "support/topology_route.h"
 
 #include <cmath>
 #include <limits>
@@ -33,31 +32,7 @@ void require(bool holds, const std::string &otherwise)
 /** A generator of its own for what takes many choices: bytes are spent on operations. */
 unsigned seedFrom(Rng &rng) { return static_cast<unsigned>(randomInt(rng, 256)); }
 
-NodePath idsIn(const LongList &list) { return {inUse(list).begin(), inUse(list).end()}; }
-
 bool isSame(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
-
-/** A path and its score. */
-struct Routed {
-    NodePath path;
-    double cost;
-};
-
-/** The path as the working topology and its search find it; none when there is none. */
-std::optional<Routed> routedByTopology(DataBase *db, const PlannedLsp &lsp)
-{
-    const RequestRecord req = requestOf(lsp);
-    BKTopology topo{};
-    require(initTopo(&topo, -1) == 0, "no memory");
-    const Guard<BKTopology, endTopo> guard{&topo};
-    const bool isRouted = fillTopo(db, req.get(), &topo) == 0 &&
-                          bellmanKalaba(&topo, req.get()) == 0 &&
-                          updateRequest(&topo, req.get()) == 0 && req->path.top > 1;
-    errorManager.top = 0;
-    if (!isRouted)
-        return std::nullopt;
-    return Routed{idsIn(req->path), placedNode(topo, req->path.cont[req->path.top - 1]).info.cost};
-}
 
 /** Notes what a placement reports, and takes the preempted LSPs or not. */
 struct Report : PlacementReport {
@@ -199,7 +174,10 @@ void Churn::request()
     bool &allowReroute = tarnexConfig.predicateConfig.allowReroute;
     allowReroute = randomInt(rng, 2) == 0;
     const RequestRecord req = requestOf(lsp);
-    const std::optional<Routed> expected = routedByTopology(db, lsp);
+    const RequestRecord expected = requestOf(lsp);
+    double cost = 0.0;
+    const bool isRouted = routeByTopology(db, *expected, cost) == 0;
+    errorManager.top = 0;
     COST = 0.0;
     const PlacementGoal goal = anyGoal();
     Report report{randomInt(rng, 8) != 0};
@@ -208,14 +186,14 @@ void Churn::request()
         end = placePrimary(db, req.get(), goal, report);
         return 0;
     });
-    require(faulted || (end != Placement::noPath) == expected.has_value(),
+    require(faulted || (end != Placement::noPath) == isRouted,
             "a path is there for one search only");
     require(end == Placement::done || end == Placement::notReported || saidWhy,
             "a failure without a message");
     allowReroute = false;
     if (report.path.empty())
         return;
-    require(report.path == expected->path && isSame(COST, expected->cost),
+    require(report.path == idsIn(expected->path) && isSame(COST, cost),
             "two searches find different paths");
     lsp.path = report.path;
     const bool isReported = end == Placement::done || !report.preempted.empty();

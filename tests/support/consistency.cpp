@@ -1,7 +1,5 @@
 #include "support/consistency.h"
 
-#include "support/plain_evaluation.h"
-
 #include <tuple>
 
 namespace property
@@ -10,38 +8,24 @@ namespace property
 namespace
 {
 
-NodePath idsOf(const LongList &list) { return {inUse(list).begin(), inUse(list).end()}; }
-
-/** The nodes, links and LSPs of a database, as a plain network without reservations. */
-struct Contents : PlainNetwork {
-    explicit Contents(const DataBase &db)
-    {
-        for (const DBNode *node : slots(db.nodeVec)) {
-            if (node)
-                nodes.push_back(node->id);
-        }
-        for (const Long src : nodes) {
-            for (const Long dst : nodes) {
-                if (const DBLink *link = linkAt(db.linkTab, src, dst))
-                    PlainNetwork::add(PlannedLink{link->id, src, dst});
-            }
-        }
-        for (const DBLabelSwitchedPath *record : slots(db.lspVec)) {
-            if (record)
-                list(plannedFrom(*record));
-        }
-    }
-
-    NodePath nodes;
-};
-
-std::string countersOf(const DataBase &db, const Contents &contents)
+NodePath nodesOf(const DataBase &db)
 {
-    const Long nbNodes = static_cast<Long>(contents.nodes.size());
+    NodePath nodes;
+    for (const DBNode *node : slots(db.nodeVec)) {
+        if (node)
+            nodes.push_back(node->id);
+    }
+    return nodes;
+}
+
+std::string countersOf(const DataBase &db, const PlainNetwork &contents)
+{
+    const NodePath nodes = nodesOf(db);
+    const Long nbNodes = static_cast<Long>(nodes.size());
     const Long nbLinks = static_cast<Long>(contents.links.size());
     if (std::tie(db.nbNodes, db.nbLinks) != std::tie(nbNodes, nbLinks))
         return "a counter is wrong";
-    if (db.nodeVec.top != (nbNodes == 0 ? 0 : contents.nodes.back() + 1))
+    if (db.nodeVec.top != (nbNodes == 0 ? 0 : nodes.back() + 1))
         return "the top of the node table is wrong";
     std::map<Long, Hop> byId;
     for (const auto &[hop, link] : contents.links)
@@ -59,7 +43,7 @@ std::string countersOf(const DataBase &db, const Contents &contents)
     return {};
 }
 
-std::string neighboursOf(const DataBase &db, const Contents &contents)
+std::string neighboursOf(const DataBase &db, const PlainNetwork &contents)
 {
     std::map<Long, NodePath> in;
     std::map<Long, NodePath> out;
@@ -67,16 +51,16 @@ std::string neighboursOf(const DataBase &db, const Contents &contents)
         out[hop.first].push_back(hop.second);
         in[hop.second].push_back(hop.first);
     }
-    for (const Long id : contents.nodes) {
+    for (const Long id : nodesOf(db)) {
         const DBNode &node = *db.nodeVec.cont[id];
-        if (idsOf(node.inNeighb) != in[id] || idsOf(node.outNeighb) != out[id])
+        if (idsIn(node.inNeighb) != in[id] || idsIn(node.outNeighb) != out[id])
             return "the neighbours of node " + std::to_string(id) + " are wrong";
     }
     return {};
 }
 
 /** The LSPs on a link as its list must have them. */
-NodePath listed(const Contents &contents, Hop hop)
+NodePath listed(const PlainNetwork &contents, Hop hop)
 {
     std::vector<const PlannedLsp *> lsps;
     for (const auto &[id, lsp] : contents.lsps) {
@@ -84,15 +68,15 @@ NodePath listed(const Contents &contents, Hop hop)
              at = find(lsp.path, {hop.first, hop.second}, at + 1))
             lsps.push_back(&lsp);
     }
-    std::ranges::sort(lsps, [](const PlannedLsp *a, const PlannedLsp *b) {
-        return std::tie(b->precedence, b->bw, a->id) < std::tie(a->precedence, a->bw, b->id);
-    });
+    std::ranges::sort(lsps,
+                      [](const PlannedLsp *a, const PlannedLsp *b) { return comesFirst(*a, *b); });
     NodePath ids;
     std::ranges::transform(lsps, std::back_inserter(ids), &PlannedLsp::id);
     return ids;
 }
 
-std::string reservationsOf(const DataBase &db, Contents &contents, const std::set<Hop> &undefined)
+std::string reservationsOf(const DataBase &db, const PlainNetwork &contents,
+                           const std::set<Hop> &undefined)
 {
     PlainNetwork network;
     network.links = contents.links;
@@ -120,11 +104,17 @@ std::string reservationsOf(const DataBase &db, Contents &contents, const std::se
     return {};
 }
 
-/** Compares the carriers that backups are searched by with the slots that are not 0. */
-std::string carriersOf(const DataBase &db, const Contents &contents)
+/** Compares the carriers that backups are searched by with the slots that are not 0; states that
+ * may be written from outside are not read from there. */
+std::string carriersOf(const DataBase &db, const PlainNetwork &contents)
 {
     /** Failing link, link, level, table and value. */
     using Use = std::tuple<Long, Long, int, FailureTable, double>;
+    std::set<Long> exposed;
+    for (const auto &[hop, link] : contents.links) {
+        if (linkAt(db.linkTab, hop.first, hop.second)->summary.isExposed)
+            exposed.insert(link.id);
+    }
     for (int oa = 0; oa < MAXOA; ++oa) {
         std::multiset<Use> listed;
         std::multiset<Use> used;
@@ -135,11 +125,13 @@ std::string carriersOf(const DataBase &db, const Contents &contents)
                 const CarrierList &list = db.carriers.of(oa, id, table);
                 for (Long i = 0; i < list.top; ++i) {
                     const Carrier carrier = list.carriers[i];
-                    listed.emplace(id, carrier.linkId(), carrier.level(), table, list.values[i]);
+                    if (!exposed.contains(carrier.linkId()))
+                        listed.emplace(id, carrier.linkId(), carrier.level(), table,
+                                       list.values[i]);
                 }
             }
             for (const auto &[hop, link] : contents.links) {
-                for (int p = 0; p < MAXPL; ++p) {
+                for (int p = 0; p < MAXPL && !exposed.contains(link.id); ++p) {
                     const auto values = slots(tableOf(storedState(&db, hop), table, oa, p));
                     for (std::size_t id = 0; id < values.size(); ++id) {
                         if (values[id] != 0.0)
@@ -191,9 +183,26 @@ std::size_t bytesOf(const FailureCarriers &carriers)
 
 } // namespace
 
+PlainNetwork contentsOf(const DataBase &db)
+{
+    PlainNetwork network;
+    const NodePath nodes = nodesOf(db);
+    for (const Long src : nodes) {
+        for (const Long dst : nodes) {
+            if (const DBLink *link = linkAt(db.linkTab, src, dst))
+                network.add(PlannedLink{link->id, src, dst});
+        }
+    }
+    for (const DBLabelSwitchedPath *record : slots(db.lspVec)) {
+        if (record)
+            network.list(plannedFrom(*record));
+    }
+    return network;
+}
+
 std::string inconsistencyOf(const DataBase &db, const std::set<Hop> &undefined)
 {
-    Contents contents{db};
+    const PlainNetwork contents = contentsOf(db);
     std::string wrong = countersOf(db, contents);
     if (wrong.empty())
         wrong = neighboursOf(db, contents);

@@ -5,14 +5,16 @@
 #ifndef TARNEX_TESTS_SUPPORT_CONSISTENCY_H
 #define TARNEX_TESTS_SUPPORT_CONSISTENCY_H
 
-#include "support/random_network.h"
+#include "support/plain_evaluation.h"
 
 #include <cstddef>
-#include <set>
 #include <string>
 
 namespace property
 {
+
+/** The links and LSPs of a database, without reservations. */
+PlainNetwork contentsOf(const DataBase &db);
 
 /**
  * Recomputes counters, neighbour lists, translators, LSP lists and reservations and compares them

@@ -24,6 +24,8 @@ inline const std::string inDatabase = " in database/database";
 inline const std::string inTables = " in database/database_util";
 inline const std::string inRequests = " in computation/computation";
 inline const std::string inPrimary = " in computation/primary/primaryPath";
+inline const std::string inBackup = " in computation/backup/backup";
+inline const std::string inRerouting = " in rerouting/rerouting";
 inline const std::string noArgument = "Bad argument (NULL)";
 inline const std::string negativeIndex = "Bad argument (index < 0)";
 inline const std::string noMemory = "Critical lack of memory";
@@ -62,7 +64,7 @@ class EngineTest : public testing::Test
 protected:
     EngineTest() { errorInit(); }
 
-    void TearDown() override
+    ~EngineTest() override
     {
         expectTrail({});
         errorDestroy();

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <map>
 #include <set>
+#include <tuple>
 
 namespace property
 {
@@ -20,6 +21,7 @@ namespace property
 using PlainTable = std::vector<double>;
 
 struct PlainState {
+    double cap[MAXOA]{};
     double rbw[MAXOA][MAXPL]{}, pbw[MAXOA][MAXPL]{};
     PlainTable bbw[MAXOA][MAXPL], fbw[MAXOA][MAXPL];
 };
@@ -47,6 +49,12 @@ inline std::vector<bool> positions(const NodePath &path, Hop link)
     return starts;
 }
 
+/** Whether an LSP comes before another in the list of a link. */
+inline bool comesFirst(const PlannedLsp &a, const PlannedLsp &b)
+{
+    return std::tie(b.precedence, b.bw, a.id) < std::tie(a.precedence, a.bw, b.id);
+}
+
 struct PlainNetwork {
     struct Link : PlannedLink {
         PlainState state{};
@@ -54,7 +62,11 @@ struct PlainNetwork {
     std::map<Hop, Link> links;
     std::map<Long, PlannedLsp> lsps;
 
-    void add(const PlannedLink &link) { links[{link.src, link.dst}] = {link}; }
+    void add(const PlannedLink &link)
+    {
+        Link &added = links[{link.src, link.dst}] = {link};
+        std::ranges::fill(added.state.cap, link.capacity);
+    }
 
     void add(const PlannedLsp &lsp)
     {
@@ -190,17 +202,15 @@ struct PlainNetwork {
     void reserve(PlainState &state) const { reserve(state, failures()); }
     static void reserve(PlainState &state, const Failures &failures)
     {
+        const Failures none;
         const auto at = [](const PlainTable &table, Long k) {
             return k < static_cast<Long>(table.size()) ? table[static_cast<std::size_t>(k)] : 0.0;
         };
         for (int oa = 0; oa < MAXOA; ++oa) {
             double largest[MAXPL]{};
-            if (std::ranges::all_of(state.bbw[oa], &PlainTable::empty) &&
-                std::ranges::all_of(state.fbw[oa], &PlainTable::empty)) {
-                std::ranges::copy(state.pbw[oa], state.rbw[oa]);
-                continue;
-            }
-            for (const auto &failing : failures) {
+            const bool isEmpty = std::ranges::all_of(state.bbw[oa], &PlainTable::empty) &&
+                                 std::ranges::all_of(state.fbw[oa], &PlainTable::empty);
+            for (const auto &failing : isEmpty ? none : failures) {
                 double needed = 0.0, freed = 0.0;
                 for (int p = 0; p < MAXPL; ++p) {
                     for (const Long k : failing.second) {
@@ -229,6 +239,22 @@ inline bool areSame(std::span<const double> a, std::span<const double> b)
     const auto [end, rest] = std::ranges::mismatch(a, b);
     const auto isZero = [](double value) { return value == 0.0; };
     return std::all_of(end, a.end(), isZero) && std::all_of(rest, b.end(), isZero);
+}
+
+/** A stored state as it is. */
+inline PlainState plainFrom(const DBLinkState &stored)
+{
+    PlainState state;
+    std::ranges::copy(stored.cap, state.cap);
+    std::memcpy(state.rbw, stored.rbw, sizeof state.rbw);
+    std::memcpy(state.pbw, stored.pbw, sizeof state.pbw);
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        for (int p = 0; p < MAXPL; ++p) {
+            state.bbw[oa][p] = {slots(stored.bbw[oa][p]).begin(), slots(stored.bbw[oa][p]).end()};
+            state.fbw[oa][p] = {slots(stored.fbw[oa][p]).begin(), slots(stored.fbw[oa][p]).end()};
+        }
+    }
+    return state;
 }
 
 /** Whether two states agree bit for bit. */

@@ -100,6 +100,16 @@ NodePath hopPath(const NetworkPlan &plan, Long src, Long dst, Rng &rng, Hop avoi
     return path;
 }
 
+NodePath randomPath(const NetworkPlan &plan, Rng &rng)
+{
+    NodePath path = hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng);
+    if (randomInt(rng, 4) == 0) {
+        const NodePath rest = hopPath(plan, path.back(), anyOf(rng, plan.nodes), rng);
+        path.insert(path.end(), rest.begin() + 1, rest.end());
+    }
+    return path;
+}
+
 PlannedLsp backupOf(const NetworkPlan &plan, const PlannedLsp &primary, DBLSPType type, Rng &rng)
 {
     PlannedLsp backup = primary;
@@ -149,9 +159,9 @@ PlannedLsp plannedFrom(const DBLabelSwitchedPath &record)
 {
     PlannedLsp lsp{record.id, record.type, record.precedence};
     std::ranges::copy(record.bw, lsp.bw.begin());
-    lsp.path.assign(inUse(record.path).begin(), inUse(record.path).end());
+    lsp.path = idsIn(record.path);
     lsp.primID = record.primID;
-    lsp.primPath.assign(inUse(record.primPath).begin(), inUse(record.primPath).end());
+    lsp.primPath = idsIn(record.primPath);
     lsp.noContentionId = record.noContentionId;
     return lsp;
 }

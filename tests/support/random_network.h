@@ -62,6 +62,9 @@ struct PlannedLsp {
     Long noContentionId = -1;
 };
 
+/** What a list holds. */
+inline NodePath idsIn(const LongList &list) { return {inUse(list).begin(), inUse(list).end()}; }
+
 using LspRecord = Owned<DBLabelSwitchedPath, DBlspDestroy>;
 using State = Owned<DBLinkState, DBlinkStateDestroy>;
 using RequestRecord = Owned<LSPRequest, lspRequestDestroy>;
@@ -83,6 +86,9 @@ NetworkPlan randomNetwork(Rng &rng, int nodes, int linksPerNode, int idStep);
 
 /** A path of fewest hops, ties broken at random, that avoids one hop; empty when there is none. */
 NodePath hopPath(const NetworkPlan &plan, Long src, Long dst, Rng &rng, Hop avoided = {-1, -1});
+
+/** A path between any nodes that now and then comes back to a node it has passed. */
+NodePath randomPath(const NetworkPlan &plan, Rng &rng);
 
 /** A backup of `primary` that leaves it at a random node; its path is empty when there is none. */
 PlannedLsp backupOf(const NetworkPlan &plan, const PlannedLsp &primary, DBLSPType type, Rng &rng);

@@ -1,4 +1,5 @@
 #include "support/memory_faults.h"
+#include "support/random_network.h"
 
 #include <csignal>
 #include <limits>
@@ -275,7 +276,7 @@ OwnedList listOf(const Values &values)
     return list;
 }
 
-Values valuesOf(const OwnedList &list) { return {inUse(*list).begin(), inUse(*list).end()}; }
+Values valuesOf(const OwnedList &list) { return property::idsIn(*list); }
 
 TEST_F(Vectors, InsertAndRemoveAsAPlainSequenceDoes)
 {

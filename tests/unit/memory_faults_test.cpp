@@ -20,6 +20,7 @@ struct Scene {
     /** `chain` hops lead on from node 4 and carry an LSP of their own. */
     explicit Scene(int chain)
     {
+        //   0 <--> 1 --> 2 --> 3     0, 1 and 2 lead to 4, which leads to 2 and 3
         NetworkPlan plan = networkOf("0:0-1 1:1-2 2:2-3 3:0-4 4:4-2 5:4-3 6:1-4 7:1-0 8:2-4");
         for (Long id = 9; id < 9 + chain; ++id) {
             plan.nodes.push_back(id - 4);

@@ -2,6 +2,7 @@
 #include "database/books/change.h"
 #include "database/books/lookup.h"
 #include "support/memory_faults.h"
+#include "support/random_network.h"
 
 #include <cmath>
 
@@ -170,18 +171,15 @@ const Trail linksNotGrown{noMemory + inTables,
 
 int addLink(const OwnedDataBase &db, Long id, Long src, Long dst)
 {
-    const OwnedState state{DBlinkStateNew()};
-    state->cap[0] = 1.5 * id;
-    return DBaddLink(db.get(), id, src, dst, state.get());
+    return property::addLink(db.get(), {id, src, dst});
 }
 
-/** Nodes 0 to 3 with link 0 from 0 to 1, link 1 back and link 2 from 1 to 2. */
+/** Link 0 from node 0 to 1, link 1 back and link 2 from 1 to 2; node 3 stands alone. */
 OwnedDataBase smallNetwork()
 {
     OwnedDataBase db{DBnew(77)};
-    for (const Long node : {0, 1, 2, 3})
-        EXPECT_EQ(DBaddNode(db.get(), node), 0);
-    EXPECT_EQ(addLink(db, 0, 0, 1) | addLink(db, 1, 1, 0) | addLink(db, 2, 1, 2), 0);
+    EXPECT_EQ(property::addNetwork(db.get(), property::networkOf("0:0-1 1:1-0 2:1-2")), 0);
+    EXPECT_EQ(DBaddNode(db.get(), 3), 0);
     return db;
 }
 

@@ -1,65 +1,49 @@
 /**
- * One engine session per property test, followed by a plain network. At its end every message must
- * have been asked for and every counted byte be released.
+ * One engine session per test, followed by a plain network.
  */
-#ifndef TARNEX_TESTS_PROPERTY_SESSION_H
-#define TARNEX_TESTS_PROPERTY_SESSION_H
+#ifndef TARNEX_TESTS_SUPPORT_SESSION_H
+#define TARNEX_TESTS_SUPPORT_SESSION_H
 
 #include "admission/admission.h"
 #include "common/setup.h"
 #include "database/books/change.h"
 #include "database/books/lookup.h"
-#include "error/error.h"
+#include "support/engine_test.h"
 #include "support/plain_evaluation.h"
-
-#include <gtest/gtest.h>
 
 namespace property
 {
 
-using Trail = std::vector<std::string>;
-
-class Session : public ::testing::Test
+class Session : public EngineTest
 {
 protected:
     Session()
     {
-        errorInit();
         tarnexConfig = {};
         COST = 0.0;
-        db = DBnew(1);
         EXPECT_EQ(longVecInit(&preempted, -1), 0);
     }
 
     ~Session() override
     {
-        expectTrail({});
         longVecEnd(&preempted);
         DBdestroy(db);
-        errorDestroy();
-        EXPECT_EQ(allocatedMemory, bytesBefore);
     }
-
-    /** Expects and drops these messages, without their unit; a warning has '?' in front. */
-    static void expectTrail(const Trail &expected)
-    {
-        Trail trail;
-        for (const ErrorElem &entry : std::span{errorManager.list, std::size_t(errorManager.top)}) {
-            const std::string text = entry.message;
-            trail.push_back((entry.gravity == WARNING ? "?" : "") +
-                            text.substr(0, text.rfind(" in ")));
-        }
-        errorManager.top = 0;
-        EXPECT_EQ(trail, expected);
-    }
-
-    static NodePath idsIn(const LongList &list) { return {inUse(list).begin(), inUse(list).end()}; }
 
     void build(const NetworkPlan &plan)
     {
         ASSERT_EQ(addNetwork(db, plan), 0);
         for (const PlannedLink &link : plan.links)
             plain.add(link);
+    }
+
+    /** Goes on with a network of its own. */
+    void rebuild(const NetworkPlan &plan)
+    {
+        DBdestroy(db);
+        db = DBnew(1);
+        plain = {};
+        build(plan);
     }
 
     /** Adds to the engine and, what it admits, to the plain network. */
@@ -89,10 +73,27 @@ protected:
         return same;
     }
 
-    Long bytesBefore = allocatedMemory;
-    DataBase *db = nullptr;
+    DataBase *db = DBnew(1);
     PlainNetwork plain;
     LongList preempted{};
+};
+
+/** Takes what the searches print. */
+class Quiet
+{
+public:
+    Quiet()
+    {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+    }
+    ~Quiet()
+    {
+        static_cast<void>(testing::internal::GetCapturedStdout());
+        static_cast<void>(testing::internal::GetCapturedStderr());
+    }
+    Quiet(const Quiet &) = delete;
+    Quiet &operator=(const Quiet &) = delete;
 };
 
 } // namespace property
