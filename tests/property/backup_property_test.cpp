@@ -7,6 +7,8 @@
 #include "support/plain_backups.h"
 #include "support/session.h"
 
+#include <optional>
+
 namespace property
 {
 namespace

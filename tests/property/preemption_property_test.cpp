@@ -11,7 +11,7 @@ namespace property
 namespace
 {
 
-using Amounts8 = std::array<double, MAXOA>;
+using ByClass = std::array<double, MAXOA>; ///< a bandwidth per class type
 using Lsps = std::vector<PlannedLsp>;
 
 const std::string notEnough = "Not enough preemptable bandwidth for LSP selection" + inRerouting;
@@ -20,7 +20,8 @@ const std::string notEnough = "Not enough preemptable bandwidth for LSP selectio
 using Choice = std::pair<NodePath, bool>;
 
 /** Chooses among the LSPs of a link what gives way to a newcomer of level `own`. */
-Choice chosenPlainly(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsps, Amounts8 need)
+Choice chosenPlainly(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsps,
+                     const ByClass &need)
 {
     std::map<int, Lsps> levels;
     for (const PlannedLsp &lsp : lsps)
@@ -75,7 +76,7 @@ protected:
     Preemption() { tarnexConfig.predicateConfig = {true, true, false}; }
 
     /** The engine's choice on a link that reserves `rbw[oa][p]`. */
-    Choice chosen(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsps, Amounts8 need)
+    Choice chosen(int own, const double (&rbw)[MAXOA][MAXPL], const Lsps &lsps, ByClass need)
     {
         const Owned<DBLSPList, DBlspListDestroy> list{DBlspListNew(-1)};
         std::vector<LspRecord> records;
@@ -134,7 +135,7 @@ TEST_F(Preemption, ChoosesAndScoresAsThePlainReadingDoes)
         }
         // Backups may reserve more than is listed, or share what is.
         state->rbw[randomInt(rng, 3)][MAXPL - 1 - randomInt(rng, 3)] += randomInt(rng, 3) / 2.0;
-        Amounts8 need{};
+        ByClass need{};
         for (const std::size_t oa : {0U, 1U, 2U}) {
             need[oa] = randomInt(rng, 2) * randomInt(rng, 16) +
                        std::array{0.0, 0.0, 5e-11, 5e-10, 0.5}[std::size_t(randomInt(rng, 5))];
@@ -161,7 +162,7 @@ TEST_F(Preemption, TakesTheRestFromALevelThatReservesNoNumber)
     const State state{DBlinkStateNew()};
     state->rbw[0][7] = std::numeric_limits<double>::quiet_NaN();
     tarnexConfig.reroutingConfig.scoreCoef[0][7] = 2;
-    Amounts8 gain{25};
+    ByClass gain{25};
     const RequestRecord request = requestOf({.bw = {5}});
     EXPECT_EQ(makeRerouteScore(request.get(), gain.data(), state.get(), 0), 10.0);
 }
@@ -184,7 +185,7 @@ Admission admittedPlainly(const PlainNetwork &network, const PlannedLsp &lsp)
         }
     }
     Admission admission;
-    Amounts8 gain{}; // a link that refuses leaves what it has not come to
+    ByClass gain{}; // a link that refuses leaves what it has not come to
     for (const Hop &hop : hops) {
         const auto &link = network.links.at(hop);
         PlainState then = link.state;
