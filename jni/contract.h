@@ -1,12 +1,13 @@
 /**
- * What Java may pass: checks of arguments, and arrays read with their checks.
+ * What Java may pass, and what it means: checks of arguments, and arrays read with their checks.
  *
- * Each is true when the argument is within the contract; otherwise the call is refused, or an
+ * Each check is true when the argument is within the contract; otherwise the call is refused, or an
  * exception of the JVM itself is pending, and the call must return. They change nothing.
  */
 #ifndef TARNEX_JNI_CONTRACT_H
 #define TARNEX_JNI_CONTRACT_H
 
+#include "admission/placement.h"
 #include "common/types.h"
 #include "session_call.h"
 
@@ -23,5 +24,11 @@ bool readMatrix(EngineCall &call, const char *name, jobjectArray array, int rows
 /** Reads a new link's capacities and reservations, of the class types and levels in use. */
 bool readLinkState(EngineCall &call, jfloatArray cap, jobjectArray rbw, double (&capacities)[MAXOA],
                    double (&reservations)[MAXOA][MAXPL]);
+
+/** What a path computation is to do with the network beside computing. */
+inline PlacementGoal goalOf(jboolean addLSP, jboolean preempt)
+{
+    return addLSP ? PlacementGoal::lsp : preempt ? PlacementGoal::room : PlacementGoal::pathOnly;
+}
 
 #endif

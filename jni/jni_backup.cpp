@@ -75,7 +75,7 @@ bool placeBackup(const BackupArguments &arguments, BackupPlacement &placement, L
 {
     const bool isAdded = arguments.goal == PlacementGoal::lsp;
     std::fill(backup.bw + NBOA, std::end(backup.bw), 0.0);
-    switch (placement.place(backup, isAdded ? arguments.ids[j] : -1, arguments.goal)) {
+    switch (placement.admit(backup, isAdded ? arguments.ids[j] : -1, arguments.goal)) {
     case Placement::notListed:
         here.push(CRITICAL, "Impossible to obtain preemptList in %s at line %d");
         std::fputs("Can't obtain preemptList \n", stderr);

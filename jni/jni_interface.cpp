@@ -103,7 +103,7 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniinitTarnex
     jfloat sqRelativeLoad, jfloat delay, jfloat fortz, jobjectArray reroutingScorecoef)
 {
     ReroutingConfig reroutingConfig{};
-    EngineCall call{env, obj};
+    EngineCall call{env};
     if (!checkCount(call, "nbOA", nbOA, MAXOA) || !checkCount(call, "nbPL", nbPL, MAXPL) ||
         !readMatrix(call, "reroutingScorecoef", reroutingScorecoef, nbOA, nbPL,
                     reroutingConfig.scoreCoef))
@@ -155,7 +155,7 @@ JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jniinitTarnex
 JNIEXPORT void JNICALL Java_org_kestro_repository_TARNEX_JNITARNEX_jnikillTarnex(JNIEnv *env,
                                                                                  jobject obj)
 {
-    const EngineCall call{env, obj};
+    const EngineCall call{env};
     const int slot = loadCntx(env, obj);
     if (slot < 0 || !centralDB) {
         std::fputs("ERROR, call to killTarnex before initTarnex\n", stderr);

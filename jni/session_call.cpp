@@ -6,11 +6,6 @@
 #include <cstdarg>
 #include <cstdio>
 
-EngineCall::EngineCall(JNIEnv *environment, jobject engineObject)
-    : env(environment), obj(engineObject)
-{
-}
-
 EngineCall::~EngineCall()
 {
     lock.unlock();
@@ -30,7 +25,7 @@ bool EngineCall::refuse(const char *format, ...)
 }
 
 SessionCall::SessionCall(JNIEnv *environment, jobject engineObject)
-    : EngineCall(environment, engineObject), slot(loadCntx(environment, engineObject))
+    : EngineCall(environment), slot(loadCntx(environment, engineObject))
 {
 }
 

@@ -11,7 +11,6 @@
 #ifndef TARNEX_JNI_SESSION_CALL_H
 #define TARNEX_JNI_SESSION_CALL_H
 
-#include "admission/placement.h"
 #include "common/engine_lock.h"
 
 #include <jni.h>
@@ -28,7 +27,7 @@ inline constexpr const char *routingException =
 class EngineCall
 {
 public:
-    EngineCall(JNIEnv *environment, jobject engineObject);
+    explicit EngineCall(JNIEnv *environment) : env(environment) {}
     ~EngineCall();
     EngineCall(const EngineCall &) = delete;
     EngineCall &operator=(const EngineCall &) = delete;
@@ -47,7 +46,6 @@ public:
     bool refuse(const char *format, ...) __attribute__((format(printf, 2, 3)));
 
     JNIEnv *const env;
-    const jobject obj;
 
 private:
     EngineLock lock = lockEngine();
@@ -69,11 +67,5 @@ public:
 private:
     int slot;
 };
-
-/** What a path computation is to do with the network beside computing. */
-inline PlacementGoal goalOf(jboolean addLSP, jboolean preempt)
-{
-    return addLSP ? PlacementGoal::lsp : preempt ? PlacementGoal::room : PlacementGoal::pathOnly;
-}
 
 #endif

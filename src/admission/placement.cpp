@@ -24,7 +24,8 @@ OwnedLSP makeRecord(LSPRequest &req)
 }
 
 /** Lists what is in the way of `lsp`, adding it or not. */
-Placement admit(DataBase &db, DBLabelSwitchedPath *lsp, PlacementGoal goal, LongList &preempted)
+Placement admitOrList(DataBase &db, DBLabelSwitchedPath *lsp, PlacementGoal goal,
+                      LongList &preempted)
 {
     if (goal == PlacementGoal::lsp) {
         const bool isAdded = lsp && DBaddLSP(&db, lsp, &preempted) >= 0;
@@ -61,7 +62,7 @@ Placement placePrimary(DataBase *dataBase, LSPRequest *req, PlacementGoal goal,
         return Placement::notReported;
     if (goal == PlacementGoal::pathOnly)
         return Placement::done;
-    const Placement admitted = admit(*dataBase, makeRecord(*req).get(), goal, preempted);
+    const Placement admitted = admitOrList(*dataBase, makeRecord(*req).get(), goal, preempted);
     if (admitted != Placement::done)
         return admitted;
     dropRepetitions(preempted);
@@ -93,7 +94,7 @@ bool BackupPlacement::describe(LSPRequest &found, Long id)
     return longVecCopy(&lsp->path, &found.path) == 0;
 }
 
-Placement BackupPlacement::place(LSPRequest &found, Long id, PlacementGoal goal)
+Placement BackupPlacement::admit(LSPRequest &found, Long id, PlacementGoal goal)
 {
     if (!describe(found, id))
         return Placement::notAdded;
@@ -102,5 +103,5 @@ Placement BackupPlacement::place(LSPRequest &found, Long id, PlacementGoal goal)
     Scoped<LongList, longVecEnd> inTheWay;
     if (longVecInit(&inTheWay, -1) != 0)
         return Placement::notAdded;
-    return admit(db, lsp.get(), goal, inTheWay);
+    return admitOrList(db, lsp.get(), goal, inTheWay);
 }

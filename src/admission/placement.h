@@ -23,9 +23,9 @@ enum class PlacementGoal {
 enum class Placement {
     done,
     noPath,      ///< no path was computed; nothing has changed
-    notListed,   ///< the LSPs in the way could not be worked out; nothing has changed
+    notListed,   ///< the LSPs in the way could not be listed; nothing has changed
     notAdded,    ///< the LSP was not admitted; nothing has changed, or the addition is uncomplete
-    notReported, ///< the caller could not take the results; nothing is left of the placement
+    notReported, ///< the caller could not take the results; what was added is taken back
     notRemoved   ///< an LSP in the way could not be removed; those after it stay, and so does the
                  ///< added one
 };
@@ -69,7 +69,7 @@ public:
      *
      * @return done, notListed or notAdded
      */
-    [[nodiscard]] Placement place(LSPRequest &found, Long id, PlacementGoal goal);
+    [[nodiscard]] Placement admit(LSPRequest &found, Long id, PlacementGoal goal);
 
 private:
     bool describe(LSPRequest &found, Long id);

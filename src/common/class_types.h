@@ -40,12 +40,7 @@ struct ClassTypes {
             rest &= rest - 1;
             return *this;
         }
-        Iterator operator++(int)
-        {
-            const Iterator before = *this;
-            ++*this;
-            return before;
-        }
+        void operator++(int) { ++*this; }
         bool operator==(const Iterator &other) const = default;
     };
     Iterator begin() const { return {bits}; }

@@ -5,7 +5,8 @@
  * The predicate asks the database what the link would reserve with the request set up on it and
  * tests the answer; the switches of the session's PredicateConfig select the tests. It changes
  * neither the link state, nor the request, nor the database, and allocates nothing for an LSP of up
- * to 64 hops. Refusal and failure both give false; a failure has pushed its message.
+ * to 64 hops, but to report a failure. Refusal and failure both give false; a failure has pushed
+ * its message.
  */
 #ifndef TARNEX_PREDICATE_PREDICATE_H
 #define TARNEX_PREDICATE_PREDICATE_H

@@ -1,6 +1,6 @@
 /**
  * What programs may rely on in a unit's header: each file here includes one such header alone, and
- * takes every agreed function by exactly its type and every agreed record field by field, in order.
+ * takes every function by exactly its type and every record field by field, in order.
  */
 #ifndef TARNEX_TESTS_LAYOUT_AGREED_H
 #define TARNEX_TESTS_LAYOUT_AGREED_H

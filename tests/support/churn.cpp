@@ -255,7 +255,7 @@ void Churn::protect()
         backup.path = idsIn(req.path);
         const bool isDone =
             attempt([&] {
-                return placement.place(req, backup.id, goal) == Placement::done ? 0 : -1;
+                return placement.admit(req, backup.id, goal) == Placement::done ? 0 : -1;
             }) == 0;
         require(isDone || saidWhy, "a refusal without a message");
         const bool isAdded = isDone && goal == PlacementGoal::lsp;

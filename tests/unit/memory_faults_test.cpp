@@ -72,7 +72,7 @@ struct Scene {
         bool isDone = static_cast<bool>(placement);
         for (Long i = 0; isDone && i < backups.size; ++i)
             isDone =
-                placement.place(backups.cont[i], 10 + i, PlacementGoal::room) == Placement::done;
+                placement.admit(backups.cont[i], 10 + i, PlacementGoal::room) == Placement::done;
         return isDone ? 0 : -1;
     }
 

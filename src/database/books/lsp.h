@@ -4,7 +4,8 @@
  * A record owns its four lists. The database stores its own copy of every admitted LSP and lists
  * pointers to that copy on the links of its path; a list never owns the records. A list is sorted:
  * least important level first, then larger bandwidth first, then smaller id first. Insertion and
- * removal search in O(log n) and shift in O(n).
+ * removal search in O(log n) and shift in O(n); an entry that the order does not lead to, since a
+ * bandwidth in the list is no number, takes a look at every entry.
  */
 #ifndef TARNEX_DATABASE_BOOKS_LSP_H
 #define TARNEX_DATABASE_BOOKS_LSP_H
@@ -55,7 +56,8 @@ int DBlspListEnd(DBLSPList *list);
 int DBlspListDestroy(DBLSPList *list);
 /** Inserts `lsp` at its place and returns the position, -1 on failure. */
 [[nodiscard]] int DBlspListInsert(DBLSPList *list, DBLabelSwitchedPath *lsp);
-/** Removes the entry whose keys equal those of `lsp`; none is a WARNING and -1. */
+/** Removes the entry whose keys equal those of `lsp`, or else `lsp` itself; none is a WARNING and
+ * -1. */
 [[nodiscard]] int DBlspListRemove(DBLSPList *list, DBLabelSwitchedPath *lsp);
 /**
  * The order of a list: 1 when `LSPa` sorts before `LSPb`, -1 when after, 0 when precedence,

@@ -15,13 +15,16 @@
  *   event                 summary of the link   network index  backup index  carriers
  *   --------------------  --------------------  -------------  ------------  --------------------
  *   a node comes or goes  needs, on next use    dropped        dropped       stay
- *   a link comes          made; the others:     dropped        dropped       follow: its slots in
- *                         as with a node
+ *   a link comes          made; the others:     dropped        dropped       follow: its slots in;
+ *                         as with a node                                     dropped if its id does
+ *                                                                            not lead to it
  *   a link goes           goes with it; the     dropped        dropped       follow: its slots out;
  *                         others: as with a                                  dropped if its state
  *                         node                                               was handed out, or
  *                                                                            with the last link
- *   a state is replaced   made anew             marked         marked        follow: slots out, in
+ *   a state is replaced   made anew unless it   marked         marked        follow: slots out, in;
+ *                         was handed out                                     dropped if it was
+ *                                                                            handed out
  *   a state is handed     distrusted for good   marked, before marked,       stay, though this link
  *   out for writing                             every search   likewise      may leave them
  *   an effect is applied  follows               marked, in its marked        follow, slot by slot

@@ -7,9 +7,9 @@
  * node, which stands for all the links into it. Only a failure with a backup need above 0, or freed
  * bandwidth below 0, in one of its slots can need anything: these alone are visited.
  *
- * Questions change no state and allocate nothing for an LSP of up to 64 hops; of a stored link
- * whose needs the summary knows they read the slots that the LSP changes, of any other state the
- * tables. What a question works out on the way the link's summary remembers.
+ * Questions change no state and allocate nothing for an LSP of up to 64 hops, but to report a
+ * failure; of a stored link whose needs the summary knows they read the slots that the LSP changes,
+ * of any other state the tables. What a question works out on the way the link's summary remembers.
  */
 #ifndef TARNEX_DATABASE_RESERVATIONS_QUESTION_H
 #define TARNEX_DATABASE_RESERVATIONS_QUESTION_H

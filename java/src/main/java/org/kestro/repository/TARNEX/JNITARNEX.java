@@ -110,7 +110,7 @@ public class JNITARNEX {
      * @param allowReroute whether admission may count on preemption; every later call that admits
      *        or computes an LSP sets this anew
      * @param capacityClause whether links are tested for room; without it every link admits
-     *        every LSP
+     *        every LSP, but for links whose id is 268435453 or more
      * @param loadbal weight of the imbalance of utilisation over the whole network
      * @param load weight of the load, in bandwidth units
      * @param sqLoad weight of the squared load
@@ -184,7 +184,8 @@ public class JNITARNEX {
      * @throws AddDBException if an id is negative, too large or in use, a node is missing, or the
      *         two nodes are linked in that direction already. A link id so large that no table
      *         can hold it leaves an incomplete link behind, which carries nothing; remove it
-     *         (which throws again, but leaves nothing)
+     *         (which throws again, but leaves nothing). A link with an id of 268435453 or more
+     *         that is added whole carries nothing either
      * @throws IllegalArgumentException if cap or rbw is outside the contract
      */
     public native void jniaddLink(int linkId, int color, int src, int dst, float[] cap,
