@@ -2,10 +2,11 @@
  * The path of nearly every request, found over the network's index (unit
  * "computation/primary/primaryPath").
  *
- * The result is that of the topology and the passes (plain/topology.h, plain/search.h), bit for bit: the same
- * links are admitted, the same labels chosen in the same passes. What differs is what is not done:
- * links whose figures leave no doubt are not put to the predicate (link_appraisal.h), no record is
- * made per link, and nodes are labelled only as far as it takes (level_search.h, pass_search.h).
+ * The result is that of the topology and the passes (plain/topology.h, plain/search.h), bit for
+ * bit: the same links are admitted, the same labels chosen in the same passes. What differs is what
+ * is not done: links whose figures leave no doubt are not put to the predicate (link_appraisal.h),
+ * no record is made per link, and nodes are labelled only as far as it takes (level_search.h,
+ * pass_search.h).
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
