@@ -13,10 +13,13 @@
 
 #include <jni.h>
 
+/** @name Checks of one argument; `name` is what the exception calls it. */
+///@{
 bool checkCount(EngineCall &call, const char *name, jint count, int max);
 bool checkLevel(EngineCall &call, jint level);
 bool checkBandwidth(EngineCall &call, const char *name, jfloat bandwidth);
 bool checkArray(EngineCall &call, const char *name, jarray array, jsize minLength);
+///@}
 
 /** Reads `rows` rows of `columns` floats into the front of the rows of `matrix`. */
 bool readMatrix(EngineCall &call, const char *name, jobjectArray array, int rows, int columns,

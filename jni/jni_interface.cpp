@@ -1,7 +1,7 @@
 /*
- * The native methods of org.kestro.repository.TARNEX.JNITARNEX (unit "jni_interface"): they convert
- * between Java and the engine and do nothing else. Signatures are checked against the header that
- * the Java compiler generates.
+ * The native methods but that of backups (jni_backup.cpp) of org.kestro.repository.TARNEX.JNITARNEX
+ * (unit "jni_interface"): they convert between Java and the engine and do nothing else. Signatures
+ * are checked against the header that the Java compiler generates.
  */
 #include "admission/admission.h"
 #include "admission/placement.h"
@@ -26,7 +26,6 @@ namespace
 
 constexpr Unit here{"jni_interface"};
 
-using ListGuard = Guard<LongList, longVecEnd>;
 using OwnedLSP = Owned<DBLabelSwitchedPath, DBlspDestroy>;
 
 /** Puts the whole bandwidth into one class type; none when `oa` is not in use. */
@@ -77,10 +76,9 @@ OwnedLSP makeRecord(const LSPArguments &arguments, std::span<const jint> path, D
 /** Adds an LSP computed elsewhere, which preempts nothing; 0, or -1 after a message. */
 int addComputedLSP(const OwnedLSP &lsp)
 {
-    LongList preemptList{};
+    Scoped<LongList, longVecEnd> preemptList;
     if (!lsp || longVecInit(&preemptList, -1) != 0)
         return -1;
-    const ListGuard guard{&preemptList};
     return DBaddLSP(centralDB, lsp.get(), &preemptList);
 }
 

@@ -18,8 +18,9 @@ constexpr Unit here{"jni_interface"};
 bool isLive(int slot) { return slot >= 0 && slot < maxSessions && sessions[slot]; }
 
 /**
- * Says so on the stack that is current. A session whose stack that is follows it where it moves,
- * but keeps its own count of messages: with the next load this one is gone.
+ * Pushes the message on the stack in the globals. If that is a live session's, the push may have
+ * moved it: the session gets its new address and size, but not the higher count of messages, so
+ * this one is gone with the session's next load.
  */
 void reportNoSession(int slot)
 {

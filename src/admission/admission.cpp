@@ -76,15 +76,15 @@ public:
         }));
         const int result = forEachConcernedHop(lsp, [this](Long src, Long dst, bool) {
             const int asked = askLink(src, dst);
-            return asked == 0 && !allowLSP ? refused : asked;
+            return asked == 0 && !allowLSP ? endOfWalk : asked;
         });
-        return result == refused ? 0 : result;
+        return result == endOfWalk ? 0 : result;
     }
 
     bool isAllowed() const { return allowLSP; }
 
 private:
-    static constexpr int refused = 1;
+    static constexpr int endOfWalk = 1;
 
     /** A link that refuses is carried through all steps; the walk stops after it. */
     int askLink(Long src, Long dst)

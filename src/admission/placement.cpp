@@ -10,7 +10,8 @@ namespace
 
 using OwnedLSP = Owned<DBLabelSwitchedPath, DBlspDestroy>;
 
-/** Record of the LSP that a computed request describes; null when it cannot be made. */
+/** Record of the LSP that a computed request describes; null when it cannot be made. The colours
+ * that its path avoided are not asked about again, so they stay behind. */
 OwnedLSP makeRecord(LSPRequest &req)
 {
     OwnedLSP lsp{DBlspNew()};

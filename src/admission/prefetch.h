@@ -7,7 +7,7 @@
 #ifndef TARNEX_ADMISSION_PREFETCH_H
 #define TARNEX_ADMISSION_PREFETCH_H
 
-#include "database/books/network.h"
+#include "database/books/tables.h"
 #include "database/reservations/effect.h"
 
 /** Asks for what evaluating `lsp` reads of a link's record. */

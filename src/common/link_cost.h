@@ -4,8 +4,6 @@
 
 #include <array>
 
-#include <cstddef>
-
 /** Slope of each piece. */
 inline constexpr std::array fortzSlopes{1.0, 3.0, 10.0, 70.0, 500.0, 5000.0};
 

@@ -9,7 +9,7 @@
 #define TARNEX_REROUTING_REROUTING_H
 
 #include "computation/computation.h"
-#include "database/books/network.h"
+#include "database/books/tables.h"
 
 /**
  * Chooses the LSPs of a link to preempt: whole levels from the least important one, in the level

@@ -13,7 +13,7 @@
 #ifndef TARNEX_COMPUTATION_BACKUP_DIJKSTRA_H
 #define TARNEX_COMPUTATION_BACKUP_DIJKSTRA_H
 
-#include "database/books/network.h"
+#include "database/books/tables.h"
 
 /** One network node during a search; owned by the search. */
 struct CPDijkNode_ {

@@ -9,8 +9,10 @@
 #include "common/link_cost.h"
 #include "common/setup.h"
 
+#include <cmath>
+
 /** What the criteria of one class type read of a link and a request. */
-struct LinkTerms {
+struct LinkLoad {
     double load;     ///< L, reserved by primary LSPs
     double capacity; ///< C
     double bw;       ///< b, the request's bandwidth
@@ -23,14 +25,19 @@ inline double fortzIncrement(const PrimaryComputationConfig &weights, std::size_
 }
 
 /** Weighted growth of the Fortz-Thorup link cost. */
-inline double fortzIncrement(const PrimaryComputationConfig &weights, const LinkTerms &t)
+inline double fortzIncrement(const PrimaryComputationConfig &weights, const LinkLoad &t)
 {
     return fortzIncrement(weights, pieceAt(t.load / t.capacity), t.bw);
 }
 
-/** Calls `add` for each criterion of class type `oa` with a weight but Fortz-Thorup and balance. */
+/** @name The criteria of one class type
+ * Fortz-Thorup apart, and balance, which depends on the path as well: what each adds, which of them
+ * tell links apart, and how large their weights are. A new criterion goes into all three.
+ */
+///@{
+/** Calls `add` for each criterion of class type `oa` with a weight. */
 template <class Add>
-void forEachIncrement(const PrimaryComputationConfig &weights, int oa, const LinkTerms &t, Add add)
+void forEachIncrement(const PrimaryComputationConfig &weights, int oa, const LinkLoad &t, Add add)
 {
     const double squaredLoadGrowth = t.bw * t.bw + 2.0 * t.bw * t.load;
     if (weights.load[oa] != 0.0)
@@ -44,5 +51,21 @@ void forEachIncrement(const PrimaryComputationConfig &weights, int oa, const Lin
     if (weights.delay[oa] != 0.0)
         add(weights.delay[oa] * (1.0 / (t.capacity - t.load - t.bw) - 1.0 / (t.capacity - t.load)));
 }
+
+/** Whether a criterion that depends on the link has a weight. */
+inline bool tellsLinksApart(const PrimaryComputationConfig &weights, int oa)
+{
+    return weights.sqLoad[oa] != 0.0 || weights.relLoad[oa] != 0.0 ||
+           weights.sqRelLoad[oa] != 0.0 || weights.delay[oa] != 0.0;
+}
+
+/** Sum of the sizes of the weights; not finite when one of them is not. */
+inline double sizeOfWeights(const PrimaryComputationConfig &weights, int oa)
+{
+    return std::abs(weights.load[oa]) + std::abs(weights.sqLoad[oa]) +
+           std::abs(weights.relLoad[oa]) + std::abs(weights.sqRelLoad[oa]) +
+           std::abs(weights.delay[oa]);
+}
+///@}
 
 #endif

@@ -1,6 +1,7 @@
 /**
  * What follows the books: four kinds of tables are derived from the nodes, the links and their
- * states, and whoever changes those calls one function here, which sees to all four.
+ * states, and whoever changes those calls one function here, which sees to all four. (A summary is
+ * released with its link's record.)
  *
  * - The summary of a link (reservations/summary.h): which failures need anything on it, and how
  *   much at most.

@@ -48,8 +48,8 @@ bool areTranslatorsWhole(const DataBase &db)
     return translated == db.index.nbLinks;
 }
 
-/** Numbers the links and lists every one as stale. */
-void number(const DataBase &db, BackupIndex &index)
+/** Gives the links their positions and lists every one as stale. */
+void order(const DataBase &db, BackupIndex &index)
 {
     const NetworkIndex &network = db.index;
     std::fill_n(index.positionOfId, index.nbIds, -1);
@@ -74,7 +74,7 @@ bool build(const DataBase &db, BackupIndex &index)
         return false;
     layOut(index, index.block);
     index.idsLeadToLinks = areTranslatorsWhole(db);
-    number(db, index);
+    order(db, index);
     index.isCurrent = true;
     return true;
 }

@@ -4,14 +4,14 @@
  * Invariant: while an index is current, its numbers are those of the present topology, the figures
  * of a link are those of its stored state unless the link is listed as stale, and a link's number
  * (DBLink) leads to it, as in the network's index: for one topology that is always made with the
- * same numbers, however often it is dropped and made again. Positions number the links by source
+ * same numbers, however often it is dropped and made again. Positions order the links by source
  * and then destination, so that those out of a node stand together.
  *
  * Building costs a pass over all links and their ids, and what every link needs is worked out once;
  * after that a computation pays for the links listed as stale. Asking is one array access.
  *
  * Writers: what follows the books (database/followers/followers.h), which releases an index or
- * lists links as stale; bringBackupsUpToDate, before a search; a search that places backups, which
+ * lists links as stale; bringBackupsUpToDate, before a search; a search that puts backups in, which
  * works on the figures themselves and lists what it has changed as stale.
  */
 #ifndef TARNEX_DATABASE_INDICES_BACKUP_INDEX_H
@@ -50,7 +50,8 @@ struct BackupIndex {
     Long *destination;             ///< by position: node number
     DBLink_ **links;               ///< by position
     ClassTypes *overfull;          ///< by position: where it is overfull
-    bool *isAsked;                 ///< by position: its figures cannot be relied on
+    bool *isAsked;                 ///< by position: its figures cannot be relied on, or, during a
+                                   ///< computation, the link is the primary's own
     bool *isStale;                 ///< by position
     Long *stale;                   ///< the stale positions
     Long nbStale;                  ///< how many

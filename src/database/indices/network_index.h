@@ -5,13 +5,14 @@
  * Numbers: nodes ascend by id; links ascend by destination and then source, so the links into a
  * node stand together.
  *
- * Whether a primary of some bandwidth fits a link takes an evaluation of the link's tables. Two
- * bandwidths per link, class type and level spare it: up to `fits` it surely does, from `exceeds`
- * on it surely does not. They are the link's room less and more a margin, since the predicate adds
- * the same figures up in another order; for the few bandwidths in between it is asked. The level
- * is the one up to which reservations count: the newcomer's own if it may preempt, else the last. A
- * class type that the newcomer does not use refuses it, too, when it is overfull as it
- * is: `maybeOverfull` names those for which that is not out of the question.
+ * - `fits`: a primary of up to this bandwidth surely fits.
+ * - `exceeds`: one of this bandwidth or more surely does not. Between the two, which are the link's
+ *   room less and more a margin for rounding, the predicate is asked.
+ * - `maybeOverfull`: a class type in which the newcomer asks for nothing refuses it only when it is
+ *   overfull already; these are the ones where that is possible.
+ *
+ * All three count the reservations of the levels up to one: the newcomer's own if it may preempt,
+ * else the last.
  *
  * Building costs a pass over all nodes and links; the figures of a link cost the rows of its needy
  * slots (reservations/failure_rows.h). A search brings up to date the links listed as stale and
@@ -26,7 +27,6 @@
 #define TARNEX_DATABASE_INDICES_NETWORK_INDEX_H
 
 #include "common/class_types.h"
-#include "common/common.h"
 
 #include <cstddef>
 

@@ -14,6 +14,7 @@
 #ifndef TARNEX_DATABASE_RESERVATIONS_QUESTION_H
 #define TARNEX_DATABASE_RESERVATIONS_QUESTION_H
 
+#include "common/class_types.h"
 #include "database/books/network.h"
 #include "database/reservations/effect.h"
 

@@ -9,7 +9,7 @@ FailureNeeds::FailureNeeds(const DataBase &database, const BackupDemand &backupD
     : db(database), demand(backupDemand)
 {
     for (int p = 0; p < MAXPL; ++p)
-        plain[p] = p >= demand.level ? demand.bw : 0.0;
+        ownAlone[p] = p >= demand.level ? demand.bw : 0.0;
 }
 
 void FailureNeeds::layOut(Layout &layout)
@@ -43,7 +43,7 @@ void FailureNeeds::addUp(std::span<const Long> stretch)
     }
     for (Carried &link : std::span{carried, static_cast<std::size_t>(nbCarried)}) {
         for (int p = 0; p < MAXPL && link.nbRows < nbRows; ++p)
-            link.largest[p] = std::max(link.largest[p], plain[p]);
+            link.largest[p] = std::max(link.largest[p], ownAlone[p]);
     }
 }
 
@@ -153,7 +153,8 @@ void FailureNeeds::raise(int from, int end)
     }
 }
 
-/** Begins the sum of a row on a link at level `p`; below it was the backup alone. */
+/** Enters a link into the row being added up, at level `p`: below it, the row has had nothing but
+ * the backup on this link, and the link needs that. */
 void FailureNeeds::enterRow(Carried &on, int p)
 {
     on.row = nbRows;
@@ -162,6 +163,6 @@ void FailureNeeds::enterRow(Carried &on, int p)
     on.freed = 0.0;
     on.hasOwn = ownBefore != 0.0;
     for (int below = 0; below < p; ++below)
-        on.largest[below] = std::max(on.largest[below], plain[below]);
+        on.largest[below] = std::max(on.largest[below], ownAlone[below]);
     inRow[nbInRow++] = &on;
 }

@@ -22,6 +22,7 @@ struct BackupDemand {
     double bw;
 };
 
+/** The needs on all links, for one stretch after the other; works in tables that it is given. */
 class FailureNeeds
 {
 public:
@@ -45,7 +46,7 @@ public:
     const double *on(Long position) const
     {
         const Long at = carriedAt[position];
-        return at < 0 ? plain : carried[at].largest;
+        return at < 0 ? ownAlone : carried[at].largest;
     }
 
 private:
@@ -75,7 +76,7 @@ private:
 
     const DataBase &db;
     const BackupDemand &demand;
-    double plain[MAXPL];       ///< needs on a link with nothing in the tables
+    double ownAlone[MAXPL];    ///< needs on a link with nothing in the tables
     Long *carriedAt = nullptr; ///< by position: index in `carried`, -1 when the tables hold nothing
     Carried *carried = nullptr;
     Carried **inRow = nullptr; ///< those with something in the row that is being added up

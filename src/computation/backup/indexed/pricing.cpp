@@ -42,8 +42,8 @@ void LinkPricing::begin()
 {
     needs.begin();
     figures = index.figures[demand.oa];
-    isSimple = primary.primPath.top == 0 &&
-               std::ranges::count(index.figures, nullptr) == std::ssize(index.figures) - 1;
+    isOwnClassAlone = primary.primPath.top == 0 &&
+                      std::ranges::count(index.figures, nullptr) == std::ssize(index.figures) - 1;
 }
 
 /** Cost when the backup's class type would reserve so much. */

@@ -14,6 +14,7 @@
 #include <cassert>
 #include <span>
 
+/** The prices of one computation; borrows the index and changes it as backups are put in. */
 class LinkPricing
 {
 public:
@@ -41,9 +42,9 @@ public:
         const double reserved = reservedOn(position);
         const bool isOverfull =
             reserved > own.capacity || !index.overfull[position].without(ownClass).isEmpty();
-        const double cost = isOverfull ? infeasible
-                            : isSimple ? costOf(own.stored, reserved, 1, bandwidth)
-                                       : costInClasses(position, reserved);
+        const double cost = isOverfull        ? infeasible
+                            : isOwnClassAlone ? costOf(own.stored, reserved, 1, bandwidth)
+                                              : costInClasses(position, reserved);
         assert(cost == priceExactly(position, start, earlier));
         return cost;
     }
@@ -74,7 +75,7 @@ private:
     double least;
     ClassTypes ownClass;              ///< the backup's
     BackupFigures *figures = nullptr; ///< of the backup's class type
-    bool isSimple = false; ///< no other class type reserves, and the hop factor is always 1
+    bool isOwnClassAlone = false; ///< no other class type reserves, and the hop factor is always 1
     FailureNeeds needs;
 };
 

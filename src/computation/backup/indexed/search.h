@@ -8,6 +8,7 @@
 #include "computation/backup/indexed/pricing.h"
 #include "computation/computation.h"
 
+/** The searches of one computation, in the workspace of the network's index. */
 class IndexedBackupSearch
 {
 public:

@@ -7,6 +7,7 @@
 
 #include "computation/backup/backup_type.h"
 #include "computation/backup/dijkstra.h"
+#include "database/books/network.h"
 
 /**
  * Prices the link from `src` to `dst` as the next hop of a backup: 10/11 of the reservation that it

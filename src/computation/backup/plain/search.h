@@ -14,6 +14,7 @@
 
 #include <span>
 
+/** The searches of one computation, on working states of its own. */
 class BackupSearch
 {
 public:

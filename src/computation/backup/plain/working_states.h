@@ -7,6 +7,7 @@
 
 #include "database/books/network.h"
 
+/** The list of states; shares or owns each. */
 class WorkingStates
 {
 public:

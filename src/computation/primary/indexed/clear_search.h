@@ -8,12 +8,14 @@
  * work. Mostly there is just one such path. The passes end with it whatever their order, so it need
  * only be found, and any faster search will do:
  *
- * 1. Find what remains from each node to the destination at least, against the links and in
+ * First, find what remains from each node to the destination at least, against the links and in
  * ascending order (Dijkstra, 1959). The nodes come in ascending order, so the scores that grew by
  * the same increment do, too: a plain queue for each increment takes the place of a heap.
- * 2. Follow the links from the source that lead to the destination at nearly the least score. Where
- * a node has two of them the outcome is in doubt, and the passes have to decide.
- * 3. Add the score up over the path from the source on, as the passes do: the bits are the same.
+ *
+ * Then follow the links from the source that lead to the destination at nearly the least score.
+ * Where a node has two of them the outcome is in doubt, and the passes have to decide.
+ *
+ * Last, add the score up over the path from the source on, as the passes do: the bits are the same.
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
@@ -141,7 +143,8 @@ private:
     bool follow(Long dst)
     {
         const double nearness = index.nbNodes * (2.0 * improvementMargin + 1e-15 * remaining[src]);
-        // What remains from a node may be unknown where it is as much as from the source.
+        // What remains is final only where it is less than from the source. With increments this
+        // large no other node is near enough to be followed.
         if (!(terms.leastIncrement() > 2.0 * nearness))
             return false;
         for (Long node = src; node != dst;) {
@@ -167,7 +170,7 @@ private:
     Long src;
     double *remaining = nullptr; ///< by node: the least score from it to the destination so far
     Long *before = nullptr;
-    std::array<Queue, GradedTerms::refused> queues; ///< by grade
+    std::array<Queue, GradedTerms::noGrade> queues; ///< by grade
     double pathScore = 0.0;
 };
 

@@ -1,5 +1,5 @@
 /**
- * The label-correcting search (search.h) where all links add the same to a score (unit
+ * The label-correcting search (plain/search.h) where all links add the same to a score (unit
  * "computation/primary/primaryPath").
  *
  * The first label of a node is then final: a later one has at least as many links behind it. Each

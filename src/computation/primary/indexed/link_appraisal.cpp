@@ -16,13 +16,6 @@ constexpr double largestIncrement = 1e280;
 
 bool isInRange(double increment) { return increment >= 0.0 && increment <= largestIncrement; }
 
-/** Whether criteria that depend on the link have a weight. */
-bool tellsLinksApart(const PrimaryComputationConfig &w, int oa)
-{
-    return w.sqLoad[oa] != 0.0 || w.relLoad[oa] != 0.0 || w.sqRelLoad[oa] != 0.0 ||
-           w.delay[oa] != 0.0;
-}
-
 /** The first verdict from `at` on that is not settled; null when there is none before `end`. */
 unsigned char *nextUnsettled(unsigned char *at, const unsigned char *end)
 {
@@ -99,8 +92,9 @@ void LinkAppraisal::judgeByCapacity(unsigned char *verdicts) const
 }
 
 /**
- * Without the capacities a link is admitted unless no table has room for its id: such a link is
- * maybe overfull in every class type, as hardly any other is.
+ * Without the capacity test a link is refused only when its id is too large for any table. The
+ * index does not say so, but it takes such links for maybe overfull in every class type; the few
+ * that are taken so are put to the predicate.
  */
 void LinkAppraisal::judgeByIdsAlone(unsigned char *verdicts) const
 {
@@ -147,7 +141,7 @@ void LinkAppraisal::forEachTerm(Long link, Add add) const
 {
     for (const int oa : scored) {
         const LinkFigures &figures = index.figures[oa][link];
-        const LinkTerms terms{figures.load, figures.capacity, req.bw[oa]};
+        const LinkLoad terms{figures.load, figures.capacity, req.bw[oa]};
         if (weights.Fortz != 0.0)
             add(fortzIncrement(weights, terms));
         forEachIncrement(weights, oa, terms, add);
@@ -162,10 +156,10 @@ bool LinkAppraisal::fill(GradedTerms &terms) const
         if (!isInRange(terms.increments[piece]))
             return false;
     }
-    terms.increments[GradedTerms::refused] = std::numeric_limits<double>::quiet_NaN();
+    terms.increments[GradedTerms::noGrade] = std::numeric_limits<double>::quiet_NaN();
     std::transform(terms.grades, terms.grades + index.nbLinks, index.pieces[oa], terms.grades,
                    [](unsigned char verdict, unsigned char piece) {
-                       return verdict == refused ? GradedTerms::refused : piece;
+                       return verdict == refused ? GradedTerms::noGrade : piece;
                    });
     return true;
 }

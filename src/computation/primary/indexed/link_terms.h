@@ -26,15 +26,14 @@ struct ListedTerms {
             score += own[i];
         return score;
     }
-    double leastIncrement() const { return 0.0; }
 };
 
 /** One increment per link, of the few that the pieces of the Fortz-Thorup cost give. */
 struct GradedTerms {
-    static constexpr unsigned char refused = fortzSlopes.size();
+    static constexpr unsigned char noGrade = fortzSlopes.size();
 
-    unsigned char *grades = nullptr; ///< by link: the piece, or `refused`
-    std::array<double, refused + 1> increments{};
+    unsigned char *grades = nullptr; ///< by link: the piece, or `noGrade`
+    std::array<double, noGrade + 1> increments{};
 
     double extended(double score, Long link) const { return score + increments[grades[link]]; }
     double leastIncrement() const { return increments[0]; }

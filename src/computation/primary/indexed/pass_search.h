@@ -10,8 +10,8 @@
  * The result is that of the plain passes, to the bit:
  * - Nodes are looked at in the order in which they were reached, with the labels that the pass
  *   before committed, and of several links that improve a label the last one wins.
- * - The test for loops is left out because it cannot fail. No link lowers a score, so a node's
- * label is at most that of any node behind it, and what it is offered from there improves nothing.
+ * - The test for loops is left out: it cannot fail. No link lowers a score, so a node's label is at
+ *   most that of any node behind it, and what it is offered from there improves nothing.
  * - The passes end as soon as nothing that is on offer can lower the labels on the path to the
  *   destination by the margin. No other label is asked for.
  */

@@ -4,6 +4,7 @@
 #include "common/records.h"
 #include "common/setup.h"
 #include "common/vector.h"
+#include "computation/primary/increments.h"
 #include "computation/primary/indexed/clear_search.h"
 #include "computation/primary/indexed/level_search.h"
 #include "computation/primary/indexed/link_appraisal.h"
@@ -19,9 +20,8 @@ namespace
 bool areServed(const PrimaryComputationConfig &w)
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
-        const double sum = std::abs(w.load[oa]) + std::abs(w.sqLoad[oa]) + std::abs(w.relLoad[oa]) +
-                           std::abs(w.sqRelLoad[oa]) + std::abs(w.delay[oa]) + std::abs(w.Fortz);
-        if (!std::isfinite(sum) || w.loadBal[oa] != 0.0 || w.rerouting[oa] != 0.0)
+        if (!std::isfinite(sizeOfWeights(w, oa) + std::abs(w.Fortz)) || w.loadBal[oa] != 0.0 ||
+            w.rerouting[oa] != 0.0)
             return false;
     }
     return true;

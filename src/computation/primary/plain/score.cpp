@@ -16,7 +16,7 @@ constexpr Unit here{"computation/primary/primaryPath"};
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 /** What the criteria of one class type read of a link, a request and the path so far. */
-struct Terms : LinkTerms {
+struct Terms : LinkLoad {
     double sum;     ///< s, load-balance sum of the path so far
     double nbLinks; ///< N, links in the database
 };
