@@ -238,7 +238,7 @@ TEST_F(Records, RemoveLspsFromAListThatBandwidthsPutOutOfOrder)
             lsps.back()->bw[0] = bw;
             EXPECT_GE(DBlspListInsert(list.get(), lsps.back().get()), 0);
         }
-        std::ranges::rotate(lsps, lsps.begin() + static_cast<std::ptrdiff_t>(first));
+        std::rotate(lsps.begin(), lsps.begin() + static_cast<std::ptrdiff_t>(first), lsps.end());
         for (const auto &lsp : lsps)
             EXPECT_EQ(DBlspListRemove(list.get(), lsp.get()), 0);
         EXPECT_EQ(list->top, 0);
