@@ -1,6 +1,5 @@
 /*
- * Each native method in surroundings it does not expect: objects of other classes, a caller that
- * never returns to Java.
+ * Each native method in surroundings it does not expect, objects of other classes.
  */
 #include "jvm/jvm_test.h"
 
@@ -133,31 +132,6 @@ TEST_F(NativeMethods, RemoveAnLspOnceThatIsChosenTwice)
     EXPECT_EQ(takeException(), "");
     EXPECT_EQ(valuesOf(preempted()), std::vector<jint>{7});
     EXPECT_EQ(networkOf(slot).lsps, std::set<jint>{33});
-}
-
-TEST_F(NativeMethods, LeaveNoLocalReferenceBehind)
-{
-    for (int round = 0; round < 500'000; ++round) {
-        CALL(addNode, 9);
-        CALL(removeNode, 9);
-        if (round % 50 != 0)
-            continue;
-        compute(6, true, true); // preempts both LSPs
-        CALL(removeLSP, 33);
-        for (jint id = 1; id < 3; ++id)
-            CALL(addLSP, id, path, 2, 0, 4);
-        protect(0);
-        for (const jint id : {34, 35})
-            CALL(removeLSP, id);
-        link(5, 0, 2);
-        CALL(removeLink, 0, 2);
-        EXPECT_EQ(takeException(), "");
-        CALL(addLSP, 3, nullptr, 2, 0, 4);
-        EXPECT_EQ(takeException(), "java.lang.IllegalArgumentException: path must not be null");
-        CALL(addNode, 0);
-        EXPECT_EQ(takeException(), "org.kestro.repository.model.exception.AddDBException");
-        EXPECT_EQ(takeSessionTrail().size(), 3U);
-    }
 }
 
 } // namespace
