@@ -122,16 +122,4 @@ TEST_F(NativeMethods, LeaveMessagesAndFlagsInTheirSession)
     EXPECT_NE(takeSessionTrail(), Trail{});
 }
 
-TEST_F(NativeMethods, RemoveAnLspOnceThatIsChosenTwice)
-{
-    for (const jint id : {1, 2})
-        CALL(removeLSP, id);
-    link(5, 1, 0);
-    CALL(addLSP, 7, newIntArray(env, std::array{0, 1, 0, 1}), 2, 0, 4); // twice on its first link
-    compute(6, true, true);
-    EXPECT_EQ(takeException(), "");
-    EXPECT_EQ(valuesOf(preempted()), std::vector<jint>{7});
-    EXPECT_EQ(networkOf(slot).lsps, std::set<jint>{33});
-}
-
 } // namespace
