@@ -103,23 +103,4 @@ TEST_F(NativeMethods, NeedTheFieldsOfAnEngine)
     EXPECT_EQ(takeException(), "");
 }
 
-TEST_F(NativeMethods, LeaveMessagesAndFlagsInTheirSession)
-{
-    CALL(removeLink, 1, 3);
-    CALL(removeLink, 0, 3);
-    link(4, 0, 3); // link id 2 is free, which the computation of backups notes
-    for (const bool preempt : {true, false}) {
-        compute(1, false, preempt);
-        protect(1);
-        takeException(); // the backup is there already the second time
-        const SessionItem &session = *sessions[slot];
-        EXPECT_GT(session.errorManager.top, 0);
-        EXPECT_EQ(session.errorManager.list, errorManager.list);
-        EXPECT_EQ(session.errorManager.top, errorManager.top);
-        compute(1, false, preempt);
-        EXPECT_EQ(session.tarnexConfig.predicateConfig.allowReroute, preempt);
-    }
-    EXPECT_NE(takeSessionTrail(), Trail{});
-}
-
 } // namespace
