@@ -158,10 +158,19 @@ protected:
          "Impossible to remove LSP"},
         {"placement", [this] { return compute(33, 6, true, true); }, "0 1 2 lsps 1 2 ", [] {},
          false, "Impossible to remove LSP"},
+        {"room that is there", [this] { return compute(33, 1, false, true); }, "0 3 2 "},
+        {"placement where room is", [this] { return compute(33, 1, true, true); }, "0 3 2 "},
+        {"placement without preemption", [this] { return compute(33, 4, true, false); }, "0 3 2 "},
         {"no path", [this] { return compute(33, 10, true, true); }, "NoRouteToHostException"},
+        {"no path without preemption", [this] { return compute(33, 6, false, false); },
+         "NoRouteToHostException"},
+        {"no placement without preemption", [this] { return compute(33, 6, true, false); },
+         "NoRouteToHostException"},
         {"placement again", [this] { return compute(1, 1, true, false); }, "AddDBException"},
         {"room that is not there", [this] { return compute(33, 3, false, true); },
          "RoutingException", [this] { prepareRefusal(); }},
+        {"placement without that room", [this] { return compute(33, 3, true, true); },
+         "AddDBException", [this] { prepareRefusal(); }},
         {"path for a strange bandwidth", [this] { return compute(33, NAN, false, false); },
          contract + "reservation must be a finite bandwidth of at least 0, but is nan"},
         {"local backups", [this] { return protect(backups, 0, true, false); }, "0 3 2 | 1 3 2 | ",
@@ -192,6 +201,10 @@ TEST_F(EighteenFunctions, ServeEveryMethod)
     for (const Row &row : table) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(outcomeOf(row), row.outcome);
+        if (const ThingPtr preempted = Caller::at(engine).lsps) {
+            for (const jint id : preempted->ints)
+                EXPECT_FALSE(networkOf(slot).lsps.contains(id));
+        }
         EXPECT_TRUE(row.outcome.find("Exception") == std::string::npos || state() == before);
         const std::string messagesLeft = messages();
         for (const char *function : {"GetFieldID", "FindClass", "NewIntArray", "NewObjectArray",
