@@ -7,7 +7,6 @@
 #define TARNEX_TESTS_JVM_JVM_TEST_H
 
 #include "jvm/jvm.h"
-#include "support/memory_faults.h"
 #include "support/session_view.h"
 
 class JvmTest : public testing::Test

@@ -5,9 +5,11 @@
  */
 #include "jvm/jvm_test.h"
 
+#include <algorithm>
 #include <chrono>
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <random>
 
 namespace

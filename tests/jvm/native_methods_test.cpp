@@ -1,7 +1,4 @@
-/*
- * Each native method in surroundings it does not expect: objects of other classes, memory that runs
- * out, a caller that never returns to Java.
- */
+/* What only a JVM can show of the native methods: fields of a parent, the classes of exceptions. */
 #include "jvm/jvm_test.h"
 
 #include <array>
@@ -9,227 +6,39 @@
 namespace
 {
 
-/** A session whose LSPs 1 and 2 are in the way of a larger one, and calls on it. */
-class NativeMethods : public JvmTest
+using NativeMethods = JvmTest;
+
+TEST_F(NativeMethods, ServeAnEngineThatInheritsItsFields)
 {
-protected:
-    /** One call, and the message that excuses a change left behind by one that failed. */
-    struct Row {
-        const char *name;
-        std::function<void()> call;
-        const char *partial = nullptr;
+    engine = newObject("org/kestro/repository/TARNEX/Scenarios$Derived");
+    CALL(initTarnex, 1, 3, 0, 1, 1, 0, 0, 0, 0, 0, 0, 1, zeros);
+    for (jint node = 0; node < 4; ++node)
+        CALL(addNode, node);
+    const jfloatArray cap = floats({10});
+    for (jint id = 0; const auto &[src, dst] : {std::pair{0, 1}, {1, 2}, {1, 3}, {3, 2}})
+        CALL(addLink, id++, 0, src, dst, cap, zeros, {}, {}, {});
+    for (const jint id : {3, 4})
+        CALL(addLSP, id, newIntArray(env, std::array{0, 1}), 2, 0, 4);
+    const auto compute = [&](jfloat bw, bool add) {
+        return CALL(computePath, 5, 0, 1, 0, 0, 0, 0, 0, bw, nullptr, add, true);
     };
-    using State = std::tuple<Network, std::string, int>;
-
-    NativeMethods() { start(engine); }
-    ~NativeMethods() override { engine = first; }
-
-    void open() { CALL(initTarnex, 2, 3, 0, 1, 1, 0, 0, 0, 0, 0, 0, 1, zeros); }
-
-    void start(jobject object)
-    {
-        engine = object;
-        open();
-        slot = currentSessId;
-        for (jint id = 0; id < 5; ++id)
-            CALL(addNode, id);
-        for (jint id = 0;
-             const auto &[src, dst] : {std::pair{0, 1}, {1, 2}, {0, 3}, {3, 2}, {1, 3}})
-            link(id++, src, dst);
-        for (jint id = 1; id < 3; ++id)
-            CALL(addLSP, id, path, 2, 0, 4);
-        EXPECT_EQ(takeException(), "");
-    }
-
-    void link(jint id, jint src, jint dst)
-    {
-        CALL(addLink, id, 0, src, dst, id < 2 ? wide : narrow, zeros, {}, {}, {});
-    }
-
-    void compute(jfloat bw, bool add, bool preempt)
-    {
-        const LocalRef<jintArray> result{
-            env, CALL(computePath, 33, 0, 2, 0, 0, 0, 0, 0, bw, nullptr, add, preempt)};
-    }
-
-    void protect(jint type)
-    {
-        const LocalRef<jobjectArray> r{env, CALL(computeBackupPath, 1, backups, type, 1, 1)};
-    }
-
-    State state() const { return {networkOf(slot), dumpOf(slot), nbSessions}; }
-
-    /** Removes what a call that failed has added. */
-    void takeBack(const Network &before)
-    {
-        const Network now = networkOf(slot);
-        for (const jint id : now.lsps) {
-            if (!before.lsps.contains(id))
-                CALL(removeLSP, id);
-        }
-        for (const auto &[ends, id] : now.links) {
-            if (!before.links.contains(ends))
-                CALL(removeLink, ends.first, ends.second);
-        }
-    }
-
-    /** Makes the call with a fault and again once memory is back; false: there was no fault. */
-    bool survives(const Row &row, int nth, Lasting lasting, const State &wanted)
-    {
-        const State before = state();
-        auto probe = std::make_unique<MemoryProbe>(nth, lasting);
-        saveCntx(slot);
-        printed(row.call);
-        const bool faulted = probe->faulted();
-        probe.reset();
-        const bool threw = !takeException().empty();
-        const Trail trail = takeSessionTrail();
-        const bool wasTold = threw || !trail.empty();
-        EXPECT_TRUE(faulted || !wasTold);
-        if (faulted && !wasTold) { // what only spares work is dropped without a word
-            EXPECT_TRUE(state() == wanted);
-            return true;
-        }
-        // a backup call may go on, with backups that do not know of each other
-        const bool wentOn = faulted && !threw && state() != before;
-        if (faulted && !wentOn) {
-            const bool mayStay = row.partial && std::ranges::any_of(trail, [&](const auto &text) {
-                                     return text.starts_with(row.partial);
-                                 });
-            EXPECT_TRUE(mayStay || state() == before) << testing::PrintToString(trail);
-            takeBack(std::get<Network>(before));
-            printed(row.call);
-            EXPECT_EQ(takeException(), "");
-        }
-        EXPECT_TRUE(wentOn ? networkOf(slot) == std::get<Network>(wanted) : state() == wanted);
-        return faulted;
-    }
-
-    const jobject first = engine;
-    const jfloatArray wide = floats({9, 9}), narrow = floats({4.5, 4.5});
-    const jintArray path = newIntArray(env, std::array{0, 1, 2});
-    const jintArray detour = newIntArray(env, std::array{0, 3, 2});
-    const jintArray backups = newIntArray(env, std::array{34, 35});
-    int slot = -1;
-    const std::vector<Row> table{
-        {"addNode", [this] { CALL(addNode, 9); }},
-        {"addLink", [this] { link(40, 0, 4); }, "Link addition uncomplete"},
-        {"addLSP", [this] { CALL(addLSP, 30, detour, 0, 1, 1); }},
-        {"addBackupLSP", [this] { CALL(addBackupLSP, 31, 1, detour, 0, 0, 4, 1); }},
-        {"local backups", [this] { protect(0); }, "Impossible to add BACKUP LSP"},
-        {"global backup", [this] { protect(1); }},
-        {"path", [this] { compute(4, false, false); }},
-        {"preemption", [this] { compute(6, false, true); }, "Impossible to remove LSP"},
-        {"placement", [this] { compute(6, true, true); }, "Impossible to remove LSP"},
-        {"removeLSP", [this] { CALL(removeLSP, 1); }},
-        {"removeLink", [this] { CALL(removeLink, 0, 1); }},
-        {"removeNode", [this] { CALL(removeNode, 1); }},
-        {"printTarnexDB", [this] { CALL(printTarnexDB); }},
-        {"initTarnex", [this] { open(); }},
-        {"killTarnex", [this] { CALL(killTarnex); }}};
-};
-
-TEST_F(NativeMethods, NeedTheFieldsOfAnEngine)
-{
-    start(newObject("org/kestro/repository/TARNEX/EngineObjects$Derived"));
-    compute(6, true, true);
-    EXPECT_EQ(valuesOf(preempted()), (std::vector<jint>{1, 2}));
-    start(first);
-    const State before = state();
-    engine = newObject("java/lang/Object");
-    for (const Row &row : table) {
-        printed(row.call);
-        EXPECT_TRUE(takeException().starts_with("java.lang.NoSuchFieldError")) << row.name;
-    }
-    engine = newObject("org/kestro/repository/TARNEX/EngineObjects$WithoutLsps");
-    env->SetIntField(engine, fieldOf(env, engine, "sessId", "I"), slot);
-    for (const bool adds : {false, true}) {
-        compute(6, adds, true);
-        EXPECT_TRUE(takeException().starts_with("java.lang.NoSuchFieldError"));
-    }
-    EXPECT_TRUE(state() == before);
-    protect(0);
-    EXPECT_EQ(takeException(), "");
-}
-
-TEST_F(NativeMethods, LeaveMessagesAndFlagsInTheirSession)
-{
-    CALL(removeLink, 1, 3);
-    CALL(removeLink, 0, 3);
-    link(4, 0, 3); // link id 2 is free, which the computation of backups notes
-    for (const bool preempt : {true, false}) {
-        compute(1, false, preempt);
-        protect(1);
-        takeException(); // the backup is there already the second time
-        const SessionItem &session = *sessions[slot];
-        EXPECT_GT(session.errorManager.top, 0);
-        EXPECT_EQ(session.errorManager.list, errorManager.list);
-        EXPECT_EQ(session.errorManager.top, errorManager.top);
-        compute(1, false, preempt);
-        EXPECT_EQ(session.tarnexConfig.predicateConfig.allowReroute, preempt);
-    }
-    EXPECT_NE(takeSessionTrail(), Trail{});
-}
-
-TEST_F(NativeMethods, RemoveAnLspOnceThatIsChosenTwice)
-{
-    for (const jint id : {1, 2})
-        CALL(removeLSP, id);
-    link(5, 1, 0);
-    CALL(addLSP, 7, newIntArray(env, std::array{0, 1, 0, 1}), 2, 0, 4); // twice on its first link
-    compute(6, true, true);
-    EXPECT_EQ(takeException(), "");
-    EXPECT_EQ(valuesOf(preempted()), std::vector<jint>{7});
-    EXPECT_EQ(networkOf(slot).lsps, std::set<jint>{33});
-}
-
-TEST_F(NativeMethods, SurviveEveryLackOfMemory)
-{
-    int faults = 0;
-    for (const Row &row : table) {
-        killAll();
-        start(first);
-        printed(row.call);
-        ASSERT_EQ(takeException(), "") << row.name;
-        const State wanted = state();
-        for (const Lasting lasting : {Lasting::once, Lasting::fromThenOn}) {
-            // a session's first block is its error stack, without which the process ends
-            int nth = row.name == std::string("initTarnex") ? 2 : 1;
-            for (bool faulted = true; faulted; ++nth) {
-                SCOPED_TRACE(testing::Message() << row.name << ", allocation " << nth);
-                killAll();
-                EXPECT_EQ(bytesHeld(), bytesBefore);
-                start(first);
-                faulted = survives(row, nth, lasting, wanted);
-                faults += faulted;
-            }
-        }
-    }
-    EXPECT_GT(faults, 1500);
-}
-
-TEST_F(NativeMethods, LeaveNoLocalReferenceBehind)
-{
-    for (int round = 0; round < 500'000; ++round) {
-        CALL(addNode, 9);
-        CALL(removeNode, 9);
-        if (round % 50 != 0)
-            continue;
-        compute(6, true, true); // preempts both LSPs
-        CALL(removeLSP, 33);
-        for (jint id = 1; id < 3; ++id)
-            CALL(addLSP, id, path, 2, 0, 4);
-        protect(0);
-        for (const jint id : {34, 35})
-            CALL(removeLSP, id);
-        link(5, 0, 2);
-        CALL(removeLink, 0, 2);
-        EXPECT_EQ(takeException(), "");
-        CALL(addLSP, 3, nullptr, 2, 0, 4);
-        EXPECT_EQ(takeException(), "java.lang.IllegalArgumentException: path must not be null");
-        CALL(addNode, 0);
-        EXPECT_EQ(takeException(), "org.kestro.repository.model.exception.AddDBException");
-        EXPECT_EQ(takeSessionTrail().size(), 3U);
+    EXPECT_EQ(valuesOf(compute(7, true)), (std::vector{0, 1}));
+    EXPECT_EQ(valuesOf(preempted()), (std::vector{3, 4}));
+    const std::string ofEngine = "org.kestro.repository.model.exception.";
+    const std::pair<std::string, std::function<void()>> failures[] = {
+        {"java.lang.IllegalArgumentException: path must not be null",
+         [&] { CALL(addLSP, 4, nullptr, 2, 0, 4); }},
+        {ofEngine + "AddDBException", [&] { CALL(addNode, 0); }},
+        {ofEngine + "NoRouteToHostException", [&] { compute(11, true); }},
+        {ofEngine + "RoutingException", [&] {
+             CALL(removeLSP, 5);
+             CALL(addLSP, 1, newIntArray(env, std::array{0, 1, 2}), 0, 0, 5);
+             CALL(addBackupLSP, 2, 1, newIntArray(env, std::array{1, 3, 2}), 1, 0, 8, true);
+             compute(3, false);
+         }}};
+    for (const auto &[thrown, call] : failures) {
+        call();
+        EXPECT_EQ(takeException(), thrown);
     }
 }
 

@@ -26,8 +26,8 @@ std::string text(const std::vector<jint> &values)
 
 bool hasField(const std::string &type, const std::string &name, const std::string &signature)
 {
-    return (type == "Engine" && name == "lsps" && signature == "[I") ||
-           ((type == "Engine" || type == "WithoutLsps") && name == "sessId" && signature == "I");
+    return type == "Engine" &&
+           ((name == "lsps" && signature == "[I") || (name == "sessId" && signature == "I"));
 }
 
 } // namespace

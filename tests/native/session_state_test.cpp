@@ -21,11 +21,15 @@ TEST_F(SessionState, RegisteringAnLspEndsPreemptionUntilTheNextComputation)
         [this] { CALL(addBackupLSP, 31, 1, detour, 0, 0, 1, 1); },
         [this] { CALL(addBackupLSP, 32, 7, detour, 0, 0, 1, 1); }}; // no such primary
     for (const auto &add : registrations) {
-        EXPECT_EQ(caller.finish(compute(33, 1, false, true))->ints.size(), 3U);
-        EXPECT_TRUE(allowsReroute());
+        for (const bool preempt : {true, false, true}) {
+            EXPECT_EQ(caller.finish(compute(33, 1, false, preempt))->ints.size(), 3U);
+            EXPECT_EQ(allowsReroute(), preempt);
+        }
         add();
         caller.finish();
         EXPECT_FALSE(allowsReroute());
+        EXPECT_EQ(sessions[slot]->errorManager.list, errorManager.list);
+        EXPECT_EQ(sessions[slot]->errorManager.top, errorManager.top);
     }
     EXPECT_NE(messages(), "");
 }

@@ -12,7 +12,6 @@
 #include "support/plain_evaluation.h"
 
 #include <set>
-#include <string>
 
 namespace property
 {

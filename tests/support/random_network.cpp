@@ -2,7 +2,6 @@
 #include "database/books/change.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 #include <set>
 #include <sstream>

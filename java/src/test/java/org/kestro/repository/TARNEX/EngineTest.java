@@ -16,22 +16,11 @@ import org.junit.jupiter.params.provider.CsvSource;
 
 /** What an engine answers to its caller. */
 class EngineTest {
-    private static final int[] PATH = {1, 2, 3};
-
     private JNITARNEX engine;
 
     @AfterEach
     void kill() {
         engine.jnikillTarnex();
-    }
-
-    /** Two hops of capacity 10, filled by LSP 20 (level 1) and by LSPs 25 and 30 (level 2). */
-    private void fullNetwork() throws Exception {
-        engine = build(start(1, 3), "1-2:10 2-3:10");
-        engine.jniaddLSP(30, PATH, 2, 0, 4);
-        engine.jniaddLSP(20, new int[] {1, 2}, 1, 0, 3);
-        engine.jniaddLSP(25, PATH, 2, 0, 3);
-        engine.lsps = new int[] {-5};
     }
 
     /** "routed" or the exception, then the ids in "lsps", which hold -5 as long as untouched. */
@@ -48,40 +37,6 @@ class EngineTest {
 
     private boolean holds(int lsp) {
         return outcome(e -> e.jniremoveLSP(lsp)).startsWith("routed");
-    }
-
-    @ParameterizedTest
-    @CsvSource(delimiter = '|', value = {
-        // ADDLSP, PREEMPT, room on the links | outcome | new LSP in place | room afterwards
-        "false | false | false | NoRouteToHostException [-5] | false | false",
-        "false | true  | false | routed [25, 30]             | false | true",
-        "true  | false | false | NoRouteToHostException [-5] | false | false",
-        "true  | true  | false | routed [25, 30]             | true  | false",
-        "false | false | true  | routed [-5]                 | false | true",
-        "false | true  | true  | routed [-5]                 | false | true",
-        "true  | false | true  | routed [-5]                 | true  | false",
-        "true  | true  | true  | routed [-5]                 | true  | false",
-    })
-    void flagsDecideWhatIsDone(boolean add, boolean preempt, boolean room, String expected,
-                               boolean added, boolean roomLeft) throws Exception {
-        fullNetwork();
-        assertTrue(!room || holds(25) && holds(30));
-        assertEquals(expected, outcome(e -> compute(e, 1, 1, 3, 0, 0, 5, add, preempt)));
-        // an LSP that comes with its path preempts nothing: it gets in only where there is room
-        assertEquals(roomLeft, outcome(e -> e.jniaddLSP(2, PATH, 0, 0, 5)).startsWith("routed"));
-        assertEquals(added, holds(1));
-    }
-
-    @Test
-    void preemptionThatCannotBeWorkedOutIsARoutingFailure() throws Exception {
-        engine = build(start(1, 2), "0-1:10 1-2:10 1-3:10 3-2:10");
-        // a backup larger than its primary reserves on 0-1 at a level where no LSP can give way
-        engine.jniaddLSP(1, new int[] {0, 1, 2}, 0, 0, 5);
-        engine.jniaddBackupLSP(2, 1, new int[] {1, 3, 2}, 1, 0, 8, true);
-        assertEquals("RoutingException []",
-                     outcome(e -> compute(e, 3, 0, 1, 0, 0, 3, false, true)));
-        assertEquals("AddDBException []",
-                     outcome(e -> compute(e, 3, 0, 1, 0, 0, 3, true, true)));
     }
 
     @Test

@@ -105,15 +105,6 @@ class ProcessTest {
     }
 
     @Test
-    void missingExceptionClassesAreReportedByLibraryAndJvm() throws Exception {
-        run(jarWithout("org/kestro/repository/model/exception"), "trail");
-        String end = "NoClassDefFoundError org/kestro/repository/model/exception/";
-        assertEquals(12, out.split(end, -1).length - 1, out);
-        assertEquals("Unable to find the exception class, giving up\n".repeat(12),
-                     err.substring(0, err.indexOf("[CRITICAL]")));
-    }
-
-    @Test
     void backupsThatCannotBeFoundOrAddedAreExplained() throws Exception {
         run(codeOf(JNITARNEX.class), "backups");
         assertEquals("AddDBException null\ndone\nAddDBException null\n"

@@ -10,6 +10,10 @@ final class Scenarios {
         void on(JNITARNEX engine) throws Exception;
     }
 
+    /** Has the fields of an engine from its parent. */
+    static final class Derived extends JNITARNEX {
+    }
+
     private Scenarios() {
     }
 
