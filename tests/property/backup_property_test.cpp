@@ -194,24 +194,6 @@ TEST_F(Backups, EqualThoseOfThePlainSearch)
 }
 
 /*
- *        .---> 4 --0--> 5 ---.
- *        |     ^             v
- *        0 --> 1 ----------> 2
- *        |                   ^
- *        '---> 6 ------------'
- */
-TEST_F(Backups, ShareWhatAnEarlierOneReserves)
-{
-    build(networkOf("0:4-5 1:0-1 2:1-2 3:1-4 4:5-2 5:0-4 6:0-6 7:6-2"));
-    for (const auto &[id, bw] : {std::pair{1, std::array<double, MAXOA>{1}}, {2, {1, 1}}}) {
-        ASSERT_EQ(add({.id = id, .bw = bw, .path = {0, 1, 2}}), 0);
-        Requests requests;
-        EXPECT_EQ(computeBackup(db, &requests.list, id, LOCAL_BACKUP), 0);
-        EXPECT_EQ(requests.paths(), (std::vector<NodePath>{{0, 4, 5, 2}, {1, 4, 5, 2}}));
-    }
-}
-
-/*
  *        0 --> 2 --> 1     also 0 --> 1, and 0 --> 3 --> 2 without cost
  */
 TEST_F(Backups, KeepTheFirstWayToANodeAmongLinksWithoutCost)

@@ -179,9 +179,14 @@ TEST_F(PrimaryPathProperty, PathsAvoidALinkWhoseIdNoTableHasRoomFor)
                 EXPECT_EQ(idsIn(request->path), expected) << id;
             }
         }
-        const LspRecord lsp = recordOf({.bw = {1}, .path = {0, 1}});
-        EXPECT_EQ(DBaddLSP(db, lsp.get(), &preempted), id == 268435452 ? 0 : -1);
         takeTrail(); // the predicate says why, and a debug build asks it again
+        const LspRecord lsp = recordOf({.bw = {1}, .path = {0, 1}});
+        const int result = DBaddLSP(db, lsp.get(), &preempted);
+        EXPECT_EQ(result, id == 268435452 ? 0 : -1);
+        expectTrail(result == 0 ? Trail{}
+                                : Trail{noList, noMemory + inDatabase,
+                                        "Unable to update link state in predicate/predicate",
+                                        "LSP refused by the predicate" + inDatabase});
     }
 }
 

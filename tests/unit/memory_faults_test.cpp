@@ -8,7 +8,6 @@
 #include "support/consistency.h"
 #include "support/memory_faults.h"
 
-
 namespace property
 {
 namespace

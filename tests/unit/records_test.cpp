@@ -195,6 +195,21 @@ Ids describe(const OwnedDataBase &db)
     return ids;
 }
 
+TEST_F(Records, KeepTheSlotsOfALinkStateBeyondTheOneThatReplacesIt)
+{
+    const OwnedDataBase db = smallNetwork();
+    const OwnedState longer{DBlinkStateNew()};
+    const OwnedState shorter{DBlinkStateNew()};
+    ASSERT_EQ(dblVecSet(&longer->bbw[1][2], 0, 3.0) | dblVecSet(&longer->bbw[1][2], 4, 5.0), 0);
+    shorter->cap[1] = 7.0;
+    ASSERT_EQ(DBsetLinkState(db.get(), 0, 1, longer.get()), 0);
+    ASSERT_EQ(DBsetLinkState(db.get(), 0, 1, shorter.get()), 0);
+    const DBLinkState &state = property::storedState(db.get(), {0, 1});
+    const auto kept = slots(state.bbw[1][2]);
+    EXPECT_EQ((std::vector(kept.begin(), kept.end())), (std::vector{0.0, 0.0, 0.0, 0.0, 5.0}));
+    EXPECT_EQ(state.cap[1], 7.0);
+}
+
 TEST_F(Records, RefuseWithTheirTrailAndChangeNothing)
 {
     const OwnedDataBase owned = smallNetwork();
