@@ -84,8 +84,8 @@ void LinkAppraisal::judge(unsigned char *verdicts)
 void LinkAppraisal::judgeByCapacity(unsigned char *verdicts) const
 {
     std::transform(index.maybeOverfull[level], index.maybeOverfull[level] + index.nbLinks, verdicts,
-                   [this](ClassTypes maybeOverfull) -> unsigned char {
-                       return maybeOverfull.without(requested).isEmpty() ? admitted : unsettled;
+                   [own = requested](ClassTypes maybeOverfull) -> unsigned char {
+                       return maybeOverfull.without(own).isEmpty() ? admitted : unsettled;
                    });
     for (const int oa : requested)
         judgeClass(oa, verdicts);
