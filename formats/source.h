@@ -1,0 +1,68 @@
+/**
+ * What the parsers of the formats have in common: each turns a text into a Source, which says what
+ * the file says and no more; settle() makes a network and demands of it.
+ */
+#ifndef TARNEX_FORMATS_SOURCE_H
+#define TARNEX_FORMATS_SOURCE_H
+
+#include "formats/network.h"
+#include "formats/read.h"
+#include "formats/remarks.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarnex::formats
+{
+
+/** A node as the file has it. */
+struct SourceNode {
+    std::string key;  ///< by which the file's edges and demands name it
+    std::string name; ///< empty: the key is the name. Names may repeat; settle() tells them apart
+    std::optional<Coordinates> at;
+};
+
+/** An edge as the file has it. */
+struct SourceEdge {
+    std::string from;             ///< key
+    std::string to;               ///< key
+    std::vector<double> capacity; ///< one value, or one per class; empty: the file has none
+    std::size_t line = 0;         ///< where it stands, 0 when not known
+};
+
+/** A demand as the file has it. */
+struct SourceDemand {
+    std::string name;
+    std::string from;
+    std::string to;
+    std::string className; ///< empty: the file has no classes
+    std::string level;     ///< empty: the file has no levels
+    double bandwidth = 0.0;
+    std::size_t line = 0;
+};
+
+/** A file as it is. */
+struct Source {
+    std::string name;
+    std::string unit;
+    bool isDirected = true;           ///< false: each edge stands for a link in both directions
+    std::vector<std::string> classes; ///< empty: the file has none
+    std::vector<std::string> levels;
+    std::vector<SourceNode> nodes;
+    std::vector<SourceEdge> edges;
+    std::vector<SourceDemand> demands;
+};
+
+/** Makes a network and demands of a source. Oddities are remarked and dealt with, the choices that
+ * the source leaves open are made as the options say. */
+Input settle(const Source &source, const ReadOptions &options, Remarks &remarks);
+
+/** Adds a source of demands alone to a network that is there. */
+std::vector<Demand> settleDemands(const Source &source, const Network &network,
+                                  const ReadOptions &options, Remarks &remarks);
+
+} // namespace tarnex::formats
+
+#endif
