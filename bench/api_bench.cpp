@@ -54,9 +54,8 @@ struct Loaded {
         for (int k = 0; k < nbLsps; ++k) {
             const auto placed = engine.place(request());
             require(static_cast<bool>(placed), "an LSP was not placed");
-            if (k % 5 == 0)
-                require(static_cast<bool>(engine.protect(placed->id, tarnex::Scheme::local)),
-                        "an LSP was not protected");
+            if (k % 5 == 0) // some nodes have no second way out
+                static_cast<void>(engine.protect(placed->id, tarnex::Scheme::local));
         }
     }
 
@@ -147,13 +146,13 @@ void placeInCore(benchmark::State &state)
     }
 }
 
-/** A request that every out-link of its ingress refuses, or one too large for the network. */
+/** A request that is too large for every link. */
 void refuse(benchmark::State &state)
 {
     Loaded loaded;
     for (auto _ : state) {
         Request request = loaded.request();
-        request.bandwidth = capacity;
+        request.bandwidth = 2.0 * capacity;
         const auto refused = loaded.engine.place(request);
         require(!refused && refused.refusal().largestBandwidth > 0.0, "nothing was refused");
     }
@@ -174,7 +173,11 @@ void protectAndRemove(benchmark::State &state)
     Loaded loaded;
     for (auto _ : state) {
         state.PauseTiming();
-        const auto placed = loaded.engine.place(loaded.request());
+        auto placed = loaded.engine.place(loaded.request());
+        while (loaded.engine.explainProtection(placed->id, tarnex::Scheme::local)) {
+            loaded.engine.remove(placed->id);
+            placed = loaded.engine.place(loaded.request());
+        }
         state.ResumeTiming();
         const auto protection = loaded.engine.protect(placed->id, tarnex::Scheme::local);
         require(static_cast<bool>(protection), "an LSP was not protected");
