@@ -1,6 +1,8 @@
 #include "planning/summary.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <functional>
 #include <limits>
 #include <numeric>
 #include <tuple>
@@ -103,7 +105,7 @@ Cover coverOf(const PlannedLsp &lsp)
     }
     const auto nbDifferent = [](auto &ids) {
         std::ranges::sort(ids);
-        return static_cast<std::size_t>(std::ranges::unique(ids).begin() - ids.begin());
+        return static_cast<std::size_t>(std::unique(ids.begin(), ids.end()) - ids.begin());
     };
     const std::size_t nbLinks = nbDifferent(links);
     if (nbLinks == 0)

@@ -1,7 +1,7 @@
 /** Whatever is placed, verify accepts, whoever sets it up again gets the same bits, and so does
  * whoever places it again. */
-#include "planning/place.h"
 #include "planning/admit.h"
+#include "planning/place.h"
 #include "planning/random_plans.h"
 #include "planning/setup.h"
 #include "planning/summary.h"
@@ -30,7 +30,9 @@ private:
 std::string firstFault(const Plan &plan)
 {
     const auto faults = verify(plan);
-    return faults.empty() ? "" : std::string{planning::nameOf(faults[0].fault)} + ": " + faults[0].sentence;
+    return faults.empty()
+               ? ""
+               : std::string{planning::nameOf(faults[0].fault)} + ": " + faults[0].sentence;
 }
 
 void expectSameBits(const Plan &plan)
@@ -77,8 +79,9 @@ TEST(Placing, IsAcceptedByVerifyAndComesToTheSameBits)
     for (std::uint32_t seed = 1; seed <= 120; ++seed) {
         SCOPED_TRACE(seed);
         Draw draw{seed};
-        const Network network = randomNetwork(
-            draw, {.nodes = 5 + draw.below(15), .classes = 1 + draw.below(3), .levels = 1 + draw.below(8)});
+        const Network network = randomNetwork(draw, {.nodes = 5 + draw.below(15),
+                                                     .classes = 1 + draw.below(3),
+                                                     .levels = 1 + draw.below(8)});
         const auto demands = randomDemands(draw, network, 150);
         const PlanOptions options = randomOptions(draw, network);
         Progress progress;
@@ -122,11 +125,19 @@ TEST(Placing, StopsBeforeTheStepThatItIsToldAt)
 TEST(Placing, GoesByTheOrderAskedFor)
 {
     // One link has room for one of three demands; which one that is tells the order.
-    Network network{.name = {}, .unit = {}, .classes = {"all"}, .levels = {"high", "low"},
-                    .nodes = {{"A", {}}, {"B", {}}}, .links = {{NodeId{0}, NodeId{1}, {10.0}}}};
+    Network network{.name = {},
+                    .unit = {},
+                    .classes = {"all"},
+                    .levels = {"high", "low"},
+                    .nodes = {{"A", {}}, {"B", {}}},
+                    .links = {{NodeId{0}, NodeId{1}, {10.0}}}};
     const auto demand = [](int level, double bandwidth) {
-        return Demand{.name = {}, .ingress = NodeId{0}, .egress = NodeId{1}, .classType = 0,
-                      .level = level, .bandwidth = bandwidth};
+        return Demand{.name = {},
+                      .ingress = NodeId{0},
+                      .egress = NodeId{1},
+                      .classType = 0,
+                      .level = level,
+                      .bandwidth = bandwidth};
     };
     const std::vector<Demand> demands{demand(1, 7), demand(0, 8), demand(1, 9), demand(1, 6)};
     const std::vector<std::pair<Order, int>> rows{

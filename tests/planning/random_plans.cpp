@@ -26,8 +26,8 @@ Network randomNetwork(Draw &draw, const Shape &shape)
             return;
         Link link{NodeId{from}, NodeId{to}, {}};
         for (int c = 0; c < shape.classes; ++c)
-            link.capacity.push_back(
-                shape.capacity + draw.below(static_cast<std::size_t>(shape.capacity)));
+            link.capacity.push_back(shape.capacity +
+                                    draw.below(static_cast<std::size_t>(shape.capacity)));
         network.links.push_back(link);
     };
     for (int n = 0; n < shape.nodes; ++n) {
