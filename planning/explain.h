@@ -3,6 +3,7 @@
 #define TARNEX_PLANNING_EXPLAIN_H
 
 #include "formats/plan.h"
+#include "planning/refusals.h"
 
 #include <optional>
 #include <string>
@@ -25,22 +26,6 @@ struct Victim {
     std::size_t nbBackups = 0; ///< that would go with it
 };
 
-/** A link in the way, by name. */
-struct NamedLink {
-    LinkId link;
-    std::string name;
-    double room = 0.0;     ///< the largest bandwidth that it would take on the same terms
-    double capacity = 0.0; ///< in the class type asked for
-};
-
-/** Why not. */
-struct NamedRefusal {
-    Reason reason = Reason::noRoom;
-    std::string sentence; ///< with names in place of ids
-    double largestBandwidth = 0.0;
-    std::vector<NamedLink> inTheWay; ///< by id
-};
-
 /** The answer: a path or a refusal, and for a path whether it could be protected. */
 struct Explanation {
     std::optional<PlannedLsp> lsp; ///< with the backups that it would get
@@ -52,9 +37,6 @@ struct Explanation {
 /** Sets a plan up and asks. SetUpError when it cannot be set up, WrongUse when the demand is not
  * sound for the plan's network. */
 Explanation explain(const Plan &plan, const Question &question);
-
-/** A refusal of a demand with names; `refusal` may be one that a plan holds. */
-NamedRefusal named(const Network &network, const Demand &demand, const Refusal &refusal);
 
 } // namespace tarnex::planning
 

@@ -26,7 +26,8 @@ namespace tarnex::planning
  * reserves that sets them up in this order.
  *
  * `options.engine.classTypes` and `levels` are taken from the network. WrongUse when the network or
- * a demand is not sound: an index out of range, a bandwidth that is no number or below 0.
+ * a demand is not sound: a node, class or level that the network does not have, a bandwidth that is
+ * no number or below 0.
  */
 Plan place(Network network, std::vector<Demand> demands, PlanOptions options, Progress &progress);
 

@@ -9,6 +9,7 @@
 
 #include <tarnex/engine.h>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -35,13 +36,17 @@ Engine engineOf(const Network &network, const Options &options);
 /** What is asked of an engine to place a demand. */
 Request requestOf(const Demand &demand, DemandId id, bool mayPreempt);
 
-/** Sets up the LSP of a demand with its backups, which get the ids from `firstBackup` on.
- * SetUpError when the engine refuses it; nothing of it is then set up. */
-void setUp(Engine &engine, const Plan &plan, DemandId demand, LspId firstBackup);
+/** Sets up the LSP of a demand with its backups, which get the ids from `firstBackup` on. A refusal
+ * leaves nothing of it set up. */
+std::optional<Refusal> trySetUp(Engine &engine, const Demand &demand, DemandId id,
+                                const PlannedLsp &lsp, LspId firstBackup);
 
 /** An engine with all LSPs of a plan, set up in the plan's order. SetUpError when one is refused.
  */
 Engine setUp(const Plan &plan);
+
+/** A backup that an engine has set up, as a plan has it. */
+PlannedBackup plannedBackup(const Lsp &backup);
 
 /** What an engine reserves on a link, as a plan has it. */
 PlannedUse plannedUse(const Engine &engine, LinkId link);
