@@ -2,6 +2,7 @@
 
 #include "cli/table.h"
 #include "cli/text.h"
+#include "formats/bandwidth.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -21,10 +22,10 @@ struct ForPeople {
     std::string operator()(std::monostate) const { return {}; }
     std::string operator()(const std::string &text) const { return text; }
     std::string operator()(std::int64_t count) const { return std::to_string(count); }
-    std::string operator()(double value) const { return textOf(value); }
+    std::string operator()(double value) const { return formats::formatBandwidth(value); }
     std::string operator()(Bandwidth bandwidth) const
     {
-        return textOf(bandwidth.value) + (unit.empty() ? "" : " " + unit);
+        return formats::formatBandwidth(bandwidth.value) + (unit.empty() ? "" : " " + unit);
     }
     std::string operator()(Ratio ratio) const { return fmt::format("{:.1f} %", 100 * ratio.value); }
     std::string operator()(const NodeNames &names) const { return pathOf(names); }

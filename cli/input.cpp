@@ -4,6 +4,7 @@
 #include "cli/interrupt.h"
 #include "cli/terminal.h"
 #include "cli/text.h"
+#include "formats/bandwidth.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -43,6 +44,19 @@ Parameter shares(std::string name, std::string argument, std::string help,
             .take = [name, &target](const std::string &text) { target = sharesFrom(text, name); }};
 }
 
+/** The options with the capacity in the file's unit, which takes a look into the file. */
+formats::ReadOptions readOptionsFor(const std::string &file, const InputOptions &options)
+{
+    formats::ReadOptions reading = options.reading;
+    if (options.capacity.empty())
+        return reading;
+    reading.isStrict = false;
+    const std::string unit = formats::read(file, reading).network.unit;
+    reading.isStrict = options.reading.isStrict;
+    reading.capacity = bandwidthFrom(options.capacity, unit, "--capacity");
+    return reading;
+}
+
 } // namespace
 
 void InputOptions::declareDemands(Declaration &declaration)
@@ -75,7 +89,8 @@ void InputOptions::declareReading(Declaration &declaration)
                         .argument = "BANDWIDTH",
                         .help = "Capacity of links that have none in the file (default: 1)",
                         .take = [this](const std::string &text) {
-                            reading.capacity = numberFrom(text, "--capacity");
+                            bandwidthFrom(text, {}, "--capacity");
+                            capacity = text;
                         }});
     declaration.option(
         {.name = "--scale",
@@ -113,7 +128,7 @@ void tell(const Remarks &remarks)
 NetworkInput readInput(const std::string &file, const InputOptions &options)
 {
     nowDoing("reading");
-    formats::Input read = formats::read(file, options.reading);
+    formats::Input read = formats::read(file, readOptionsFor(file, options));
     tell(read.remarks);
     NetworkInput input{read.format, std::move(read.network), std::move(read.demands),
                        std::move(read.plan)};
@@ -150,9 +165,13 @@ double shareFrom(const std::string &text, const std::string &what)
     return share;
 }
 
-double bandwidthFrom(const std::string &text, const std::string &, const std::string &what)
+double bandwidthFrom(const std::string &text, const std::string &unit, const std::string &what)
 {
-    return numberFrom(text, what);
+    try {
+        return formats::parseBandwidth(text, unit);
+    } catch (const formats::BandwidthError &error) {
+        throw UsageError(fmt::format("{} {}: {}", what, text, error.what()));
+    }
 }
 
 std::size_t indexNamed(const std::vector<std::string> &names, const std::string &name,

@@ -13,7 +13,8 @@ namespace tarnex::cli
 /** How input is read. */
 struct InputOptions {
     formats::ReadOptions reading;
-    std::string demands; ///< a file with demands; empty: those of the network's file
+    std::string capacity; ///< as typed; empty: none given
+    std::string demands;  ///< a file with demands; empty: those of the network's file
 
     /** Declares `--demands`. */
     void declareDemands(Declaration &declaration);

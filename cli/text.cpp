@@ -1,8 +1,6 @@
 #include "cli/text.h"
 
 #include <algorithm>
-#include <cmath>
-#include <fmt/format.h>
 #include <numeric>
 
 namespace tarnex::cli
@@ -58,13 +56,6 @@ std::size_t columnsOf(std::string_view text)
 {
     return static_cast<std::size_t>(std::count_if(
         text.begin(), text.end(), [](char byte) { return (byte & '\xC0') != '\x80'; }));
-}
-
-std::string textOf(double number)
-{
-    const double size = std::abs(number);
-    return size >= 1e5 && size < 1e15 ? fmt::format("{:.0f}", number)
-                                      : fmt::format("{:.6g}", number);
 }
 
 std::string joined(std::span<const std::string> pieces, std::string_view separator)

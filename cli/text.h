@@ -14,9 +14,6 @@ namespace tarnex::cli
 /** How many columns a UTF-8 text takes: its code points. */
 std::size_t columnsOf(std::string_view text);
 
-/** A number as people write it: up to six digits, or more before the point, no trailing zeros. */
-std::string textOf(double number);
-
 /** The pieces with a separator between them. */
 std::string joined(std::span<const std::string> pieces, std::string_view separator);
 
