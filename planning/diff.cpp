@@ -68,6 +68,7 @@ std::vector<std::pair<std::optional<Id>, std::optional<Id>>> pairUp(const std::v
             rest.erase(found);
     }
     std::vector<Id> left;
+    left.reserve(rest.size());
     for (const auto &[key, id] : rest)
         left.push_back(id);
     std::ranges::sort(left);

@@ -34,19 +34,19 @@ namespace tarnex
 {
 
 /** A call that its caller had no right to make; the text says what is wrong with it. */
-class WrongUse : public std::logic_error
+class [[gnu::visibility("default")]] WrongUse : public std::logic_error
 {
 public:
     using std::logic_error::logic_error;
 };
 
 /** One network with its LSPs. Movable; a moved-from engine refuses every call with WrongUse. */
-class Engine
+class [[gnu::visibility("default")]] Engine
 {
 public:
     explicit Engine(const Options &options = {});
     ~Engine();
-    Engine(Engine &&other) noexcept;
+    Engine(Engine && other) noexcept;
     Engine &operator=(Engine &&other) noexcept;
 
     const Options &options() const;

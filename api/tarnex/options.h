@@ -38,7 +38,7 @@ struct Weights {
     double delay = 0.0;              ///< growth of 1 / (C - L)
 
     /** The one weight that stands for an objective. */
-    static Weights of(Objective objective);
+    [[gnu::visibility("default")]] static Weights of(Objective objective);
 
     friend bool operator==(const Weights &, const Weights &) = default;
 };

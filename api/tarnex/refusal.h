@@ -25,7 +25,7 @@ enum class Reason {
 
 /** "no such node", "same ends", "not connected", "no room", "no disjoint path", "no room for a
  * disjoint path". */
-std::string_view textOf(Reason reason);
+[[gnu::visibility("default")]] std::string_view textOf(Reason reason);
 
 /** A link that leads from the nodes that can still be reached to those that cannot. */
 struct LinkInTheWay {

@@ -116,6 +116,15 @@ private:
     bool allowLSP = true;
 };
 
+/** Asks all concerned links; 0 when none refuses, or -1 after a message. */
+int askAll(DataBase &db, DBLabelSwitchedPath &lsp, LinkEffects &effects, LongList *preemptList)
+{
+    AdmissionWalk walk{db, lsp, effects, preemptList};
+    if (walk.run() != 0)
+        return -1;
+    return walk.isAllowed() ? 0 : here.fail("LSP refused by the predicate in %s at line %d");
+}
+
 /**
  * Makes room for everything that updateLinks writes, and for its scratch list, so that it cannot
  * stop half way for lack of memory; 0, or -1 after a message.
@@ -227,17 +236,21 @@ int getpreemptList(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preem
     return AdmissionWalk{*dataBase, *lsp, effects, preemptList}.run();
 }
 
+int proposeLSP(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preemptList)
+{
+    if (!dataBase || !lsp)
+        return here.fail("Bad argument (NULL) in %s at line %d");
+    LinkEffects effects{*dataBase, viewOf(*lsp), SETUP};
+    return askAll(*dataBase, *lsp, effects, preemptList);
+}
+
 int DBaddLSP(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preemptList)
 {
     if (!dataBase || !lsp)
         return here.fail("Bad argument (NULL) in %s at line %d");
     LinkEffects effects{*dataBase, viewOf(*lsp), SETUP};
-    AdmissionWalk walk{*dataBase, *lsp, effects, preemptList};
-    if (walk.run() != 0)
+    if (askAll(*dataBase, *lsp, effects, preemptList) != 0)
         return -1;
-    if (!walk.isAllowed())
-        return here.fail("LSP refused by the predicate in %s at line %d");
-
     DBLabelSwitchedPath *stored = storeCopy(*dataBase, *lsp, effects);
     if (!stored)
         return -1;

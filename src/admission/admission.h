@@ -23,6 +23,13 @@
                                  LongList *preemptList);
 
 /**
+ * As DBaddLSP, with the same messages, up to the point where something would change.
+ *
+ * @return 0 when `lsp` would be added, lack of memory apart; -1 when refused or on failure
+ */
+[[nodiscard]] int proposeLSP(DataBase *dataBase, DBLabelSwitchedPath *lsp, LongList *preemptList);
+
+/**
  * Admits `lsp`: stores a copy, lists it on the links of its path and updates every concerned link.
  * Merges into `preemptList` the ids of the LSPs to preempt; they are not removed.
  *

@@ -32,6 +32,10 @@ Placement admitOrList(DataBase &db, DBLabelSwitchedPath *lsp, PlacementGoal goal
         const bool isAdded = lsp && DBaddLSP(&db, lsp, &preempted) >= 0;
         return isAdded ? Placement::done : Placement::notAdded;
     }
+    if (goal == PlacementGoal::proposal) {
+        const bool isAllowed = lsp && proposeLSP(&db, lsp, &preempted) >= 0;
+        return isAllowed ? Placement::done : Placement::notAdded;
+    }
     const bool isListed = lsp && getpreemptList(&db, lsp, &preempted) >= 0;
     return isListed ? Placement::done : Placement::notListed;
 }
@@ -56,6 +60,12 @@ Placement placePrimary(DataBase *dataBase, LSPRequest *req, PlacementGoal goal,
 {
     if (computePrimaryPath(dataBase, req) < 0)
         return Placement::noPath;
+    return admitPrimary(dataBase, req, goal, report);
+}
+
+Placement admitPrimary(DataBase *dataBase, LSPRequest *req, PlacementGoal goal,
+                       PlacementReport &report)
+{
     Scoped<LongList, longVecEnd> preempted;
     if (longVecInit(&preempted, -1) != 0)
         return Placement::notListed;
@@ -68,7 +78,8 @@ Placement placePrimary(DataBase *dataBase, LSPRequest *req, PlacementGoal goal,
         return admitted;
     dropRepetitions(preempted);
     if (preempted.top == 0 || report.takePreempted(inUse(preempted)))
-        return removeAll(*dataBase, inUse(preempted));
+        return goal == PlacementGoal::proposal ? Placement::done
+                                               : removeAll(*dataBase, inUse(preempted));
     if (goal == PlacementGoal::lsp)
         static_cast<void>(DBremoveLSP(dataBase, req->id));
     return Placement::notReported;

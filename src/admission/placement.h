@@ -15,6 +15,8 @@
 /** What is wanted of a request beside its path. */
 enum class PlacementGoal {
     pathOnly, ///< nothing: the network stays as it is
+    proposal, ///< that it is found out whether the LSP would be added, and which would be removed;
+              ///< nothing changes
     room,     ///< that the LSPs in the way are worked out; those in a primary's way are removed
     lsp       ///< that the LSP is added, and the LSPs in a primary's way are removed
 };
@@ -37,8 +39,9 @@ public:
     /** Takes the node ids of the path found; false: it cannot, and nothing is done. */
     virtual bool takePath(std::span<const Long> /*nodes*/) { return true; }
     /**
-     * Takes the ids of the LSPs that are about to be removed, one or more, ascending, each once;
-     * false: it cannot, none is removed, and an LSP added for them goes again.
+     * Takes the ids of the LSPs that are about to be removed, or with a proposal would be, one or
+     * more, ascending, each once; false: it cannot, none is removed, and an LSP added for them goes
+     * again.
      */
     virtual bool takePreempted(std::span<const Long> /*ids*/) { return true; }
 
@@ -51,6 +54,11 @@ protected:
  * says; whether LSPs may be in the way is the predicate's configuration.
  */
 [[nodiscard]] Placement placePrimary(DataBase *dataBase, LSPRequest *req, PlacementGoal goal,
+                                     PlacementReport &report);
+
+/** The second half of placePrimary, for a request whose path is known in full: what it does once
+ * the path is found. */
+[[nodiscard]] Placement admitPrimary(DataBase *dataBase, LSPRequest *req, PlacementGoal goal,
                                      PlacementReport &report);
 
 /** The computed backups of one primary on their way into the network, one after the other. */

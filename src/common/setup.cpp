@@ -6,4 +6,6 @@ TARNEXConfig tarnexConfig{};
 int NBOA = 0;
 int NBPL = 0;
 
+bool printsRemarks = true;
+
 double COST = 0.0;

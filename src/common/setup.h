@@ -54,6 +54,10 @@ extern TARNEXConfig tarnexConfig; ///< configuration of the current session
 extern int NBOA; ///< class types in use, at most MAXOA; the last initialisation's value
 extern int NBPL; ///< preemption levels in use, at most MAXPL; the last initialisation's value
 
+/** Whether backup searches print their remarks (on standard output and error, as the Java side has
+ * always seen them); the C++ library switches it off while a call of its own runs. */
+extern bool printsRemarks;
+
 /** Total score of the primary paths computed since the last initialisation. */
 extern "C" __attribute__((visibility("default"))) double COST;
 

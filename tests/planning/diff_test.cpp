@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <numeric>
+#include <functional>
 
 using namespace tarnex;
 using namespace tarnex::planning;
@@ -81,7 +81,7 @@ TEST(Diff, TellsWhatBecameOfOneDemand)
     const std::size_t at = firstPlaced(plan, true);
     const std::vector<std::pair<Change, std::function<void(Plan &)>>> rows{
         {Change::moved,
-         [=](Plan &p) { std::get<PlannedLsp>(p.outcomes[at]).path.push_back(NodeId{0}); }},
+         [=](Plan &p) { std::get<PlannedLsp>(p.outcomes[at]).path.emplace_back(0); }},
         {Change::reprotected,
          [=](Plan &p) { std::get<PlannedLsp>(p.outcomes[at]).backups.pop_back(); }},
         {Change::lost, [=](Plan &p) { p.outcomes[at] = Refusal{}; }},

@@ -1,6 +1,7 @@
 #include "computation/backup/driver.h"
 
 #include "common/records.h"
+#include "common/setup.h"
 #include "computation/backup/indexed/search.h"
 #include "computation/backup/plain/search.h"
 #include "database/books/lookup.h"
@@ -13,6 +14,14 @@ namespace
 {
 
 constexpr Unit here{"computation/backup/backup"};
+
+/** Prints a remark for whoever watches the program, unless remarks are switched off. */
+template <class... Args>
+void remark(std::FILE *stream, const char *format, Args... args)
+{
+    if (printsRemarks)
+        std::fprintf(stream, format, args...);
+}
 
 /** One call of computeBackup, by either of the searches. */
 template <class Search>
@@ -55,7 +64,7 @@ private:
             if (searchAround(i, found) != 0)
                 return -1;
             if (!found) {
-                std::fputs("No local link disjoint protection path found\n", stderr);
+                remark(stderr, "%s", "No local link disjoint protection path found\n");
                 return -1;
             }
             LSPRequest &req = reqList.cont[i - 1];
@@ -94,8 +103,8 @@ private:
         if (searchAroundAll(found) != 0)
             return -1;
         if (!found) {
-            std::puts("Oups ... no path found ...");
-            std::fputs("No end to end link disjoint protection path found\n", stderr);
+            remark(stdout, "%s", "Oups ... no path found ...\n");
+            remark(stderr, "%s", "No end to end link disjoint protection path found\n");
             return -1;
         }
         search.takeOut(reqList.cont[0]);
@@ -117,8 +126,8 @@ private:
             return -1;
         if (found)
             return 0;
-        std::printf("Switching from node to link protection for lsp number: %ld\n",
-                    long{primary.id});
+        remark(stdout, "Switching from node to link protection for lsp number: %ld\n",
+               long{primary.id});
         search.allowAll();
         for (std::size_t k = 1; k < path.size(); ++k) {
             if (search.forbidLink(path[k - 1], path[k]) != 0)

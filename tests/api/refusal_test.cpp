@@ -1,0 +1,97 @@
+/* What a refusal tells, confirmed by the engine itself. */
+#include "api/networks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace tarnex::test
+{
+
+namespace
+{
+
+struct Terms {
+    int classTypes;
+    int levels;
+    bool isProtected;
+    Objective objective;
+    double price;
+    double unit; ///< of bandwidth
+};
+
+class RefusalCertificate : public testing::TestWithParam<Terms>
+{
+};
+
+/** A larger request than the largest bandwidth is refused, that one is not. */
+void expectLargest(Engine &engine, const Request &request, const Refusal &refusal)
+{
+    Request asked = request;
+    asked.bandwidth = refusal.largestBandwidth;
+    const bool fits = static_cast<bool>(engine.propose(asked));
+    // Where not even 0 fits, 0 is told as well.
+    EXPECT_TRUE(fits || refusal.sentence.ends_with("nothing would fit.")) << refusal.sentence;
+    asked.bandwidth = std::nextafter(refusal.largestBandwidth, 1e300);
+    EXPECT_FALSE(engine.propose(asked)) << refusal.sentence;
+}
+
+/** The links in the way separate the ends, none has the room, and room is the largest there. */
+void expectBoundary(Engine &engine, const Request &request, const Refusal &refusal)
+{
+    EXPECT_TRUE(std::ranges::is_sorted(refusal.inTheWay, {}, &LinkInTheWay::link));
+    for (const LinkInTheWay &inTheWay : refusal.inTheWay) {
+        EXPECT_LT(inTheWay.room, request.bandwidth);
+        const LinkUse use = engine.use(inTheWay.link);
+        Request over = request;
+        over.bandwidth = std::nextafter(inTheWay.room, 1e300);
+        const std::vector hop{use.from, use.to};
+        const auto refused = engine.add(over, hop);
+        ASSERT_FALSE(refused);
+        EXPECT_EQ(refused.refusal().largestBandwidth, inTheWay.room);
+    }
+}
+
+} // namespace
+
+TEST_P(RefusalCertificate, LargestBandwidthFitsAndTheNextDoesNot)
+{
+    const Terms &terms = GetParam();
+    int refusals = 0;
+    for (unsigned seed = 1; seed <= 6; ++seed) {
+        SCOPED_TRACE(seed);
+        Rng rng{seed};
+        NetworkPlan plan = property::randomNetwork(rng, 12, 3, 1);
+        for (property::PlannedLink &link : plan.links)
+            link.capacity = (50.0 + randomInt(rng, 1000) / 7.0) * terms.unit;
+        Options options{.classTypes = terms.classTypes, .levels = terms.levels};
+        options.weights = Weights::of(terms.objective);
+        for (auto &ofClass : options.preemptionPrices)
+            ofClass.fill(terms.price);
+        Engine engine{options};
+        build(engine, plan);
+        for (int step = 0; step < 120; ++step) {
+            Request request = randomRequest(rng, plan, options);
+            request.bandwidth *= terms.unit;
+            const auto placed = engine.place(request);
+            if (placed && terms.isProtected)
+                static_cast<void>(engine.protect(placed->id, Scheme::localOrGlobal));
+            if (placed || placed.refusal().reason != Reason::noRoom)
+                continue;
+            ++refusals;
+            expectLargest(engine, request, placed.refusal());
+            expectBoundary(engine, request, placed.refusal());
+        }
+    }
+    EXPECT_GT(refusals, 20);
+}
+
+INSTANTIATE_TEST_SUITE_P(Terms, RefusalCertificate,
+                         testing::Values(Terms{1, 1, false, Objective::hops, 0.0, 1.0},
+                                         Terms{1, 8, false, Objective::fortz, 0.0, 1e9},
+                                         Terms{1, 8, true, Objective::fortz, 0.0, 1.0},
+                                         Terms{3, 4, true, Objective::load, 2.0, 1e6},
+                                         Terms{2, 8, true, Objective::balance, 0.0, 1e-3},
+                                         Terms{8, 8, true, Objective::delay, 1.0, 1.0}));
+
+} // namespace tarnex::test
