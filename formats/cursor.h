@@ -12,15 +12,9 @@ namespace tarnex::formats
 {
 
 /** Blanks, tabs, line ends. */
-constexpr bool isBlank(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
+constexpr bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-constexpr bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /** A position in a text, which the cursor refers to and does not own. */
 class Cursor

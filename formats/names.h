@@ -22,7 +22,8 @@ std::string cleanName(std::string_view name);
 /** A name as one word: blanks and the given marks become '_'; empty: "_". */
 std::string wordOf(std::string_view name, std::string_view marks);
 
-/** Tells names apart: a name that came before gets "#2", "#3", ... Returns how many were changed. */
+/** Tells names apart: a name that came before gets "#2", "#3", ... Returns how many were changed.
+ */
 std::size_t tellApart(std::vector<std::string> &names);
 
 } // namespace tarnex::formats

@@ -32,10 +32,7 @@ std::optional<double> numberIn(std::string_view text)
     return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
-std::optional<std::size_t> positionIn(std::string_view text)
-{
-    return wholly<std::size_t>(text);
-}
+std::optional<std::size_t> positionIn(std::string_view text) { return wholly<std::size_t>(text); }
 
 std::optional<double> bitsPerSecond(std::string_view unit)
 {

@@ -28,17 +28,17 @@ struct SourceNode {
 
 /** An edge as the file has it. */
 struct SourceEdge {
-    std::string from;             ///< key
-    std::string to;               ///< key
-    std::vector<double> capacity; ///< one value, or one per class; empty: the file has none
-    std::size_t line = 0;         ///< where it stands, 0 when not known
+    std::string from;                 ///< key
+    std::string to;                   ///< key
+    std::vector<double> capacity;     ///< one value, or one per class; empty: the file has none
+    std::size_t line = 0;             ///< where it stands, 0 when not known
     std::optional<bool> isDirected{}; ///< where it differs from the file's other edges
 };
 
 /** A demand as the file has it. */
 struct SourceDemand {
     std::string name;
-    std::string from;      ///< key, or position from 0
+    std::string from; ///< key, or position from 0
     std::string to;
     std::string className; ///< empty: the file has no classes
     std::string level;     ///< empty: the file has no levels
@@ -51,7 +51,7 @@ struct Source {
     std::string file; ///< for messages; parsers need not fill it in
     std::string name;
     std::string unit;
-    bool isDirected = true; ///< false: each edge stands for a link in both directions
+    bool isDirected = true;           ///< false: each edge stands for a link in both directions
     bool demandsByPosition = false;   ///< demands name nodes by their position, not by their key
     std::vector<std::string> classes; ///< empty: the file has none
     std::vector<std::string> levels;
