@@ -1,10 +1,13 @@
 #include "formats/json/json.h"
+#include "formats/place.h"
 #include "formats/write.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <random>
 #include <sstream>
 #include <tuple>
@@ -303,6 +306,212 @@ TEST(Json, NetworksAndDemandsComeBackAsTheyWere)
             EXPECT_EQ(one.bandwidth, 0.5 * demands[i].bandwidth);
         }
     }
+}
+
+namespace
+{
+
+/** A plan in few words; `old` becomes `damaged`. */
+std::string smallPlan(const std::string &old = "", const std::string &damaged = "")
+{
+    std::string text = R"({"schema":"tarnex-plan","version":1,
+"network":{"name":"n","classes":["c"],"levels":["gold","tin"],
+"nodes":[{"name":"A"},{"id":1,"name":"B"}],
+"links":[{"id":0,"from":"A","to":"B","toId":1,"capacity":[7]}]},
+"options":{"weights":{"fortz":0,"loadBalance":0,"load":1,"squaredLoad":0,"utilization":0,"squaredUtilization":0,"delay":0},
+"preemptionPrices":[[1,2]],
+"testsCapacity":true,"explainsRefusals":true,"order":"level","preempts":true,"retryRounds":2,"protection":["local"]},
+"demands":[
+{"id":0,"from":"A","to":"B","level":"gold","bandwidth":5,"lsp":{"path":[0,1],"score":3}},
+{"id":1,"from":"A","to":"B","level":"tin","bandwidth":5,"preempted":{"by":0}},
+{"id":2,"from":"B","to":"A","level":"tin","bandwidth":5,"refused":{"reason":"no room","sentence":"no","largestBandwidth":2,"inTheWay":[{"link":0,"room":2}]}}],
+"use":[{"link":0,"primary":[[5,0]],"total":[[5,0]]}],
+"setUp":[0]})";
+    const std::size_t at = text.find(old);
+    EXPECT_NE(at, std::string::npos) << old;
+    return text.replace(at, old.size(), damaged);
+}
+
+/** What the error says of a text; empty when there is none. */
+std::string errorOf(const std::string &text)
+{
+    try {
+        (void)readText(text);
+    } catch (const InputError &error) {
+        return error.what();
+    }
+    return "";
+}
+
+} // namespace
+
+TEST(Json, DamagedPlansAreRefusedWithTheirPlace)
+{
+    struct Row {
+        const char *old, *damaged; // a bar marks the place of the error
+        const char *error;
+        const char *place = nullptr; // where the bar is, if not in the damage
+    };
+    const Row rows[] = {
+        {R"({"schema":"tarnex-plan",)", R"({|)", "expected \"schema\" in a document"},
+        {R"("tarnex-plan")", R"(|"tarnex-plane")", "unknown schema \"tarnex-plane\""},
+        {R"("version":1)", R"("version":|2)", "expected version 1 of the schema, not 2"},
+        {R"("version":1,)", "", "expected \"version\" in a plan", R"("setUp":[0]|})"},
+        {R"("network":)", R"("net":)", "expected \"network\" before", R"("options":|{)"},
+        {R"(["c"])", "[|]", "expected at least one name"},
+        {R"(["c"])", R"(["c",|"c"])", "a second \"c\" in the list"},
+        {R"(["c"])", "[|1]", "expected the name of a class"},
+        {R"("gold")", R"("1","2","3","4","5","6","7","gold")", "expected at most 8 names",
+         R"(,|"tin"])"},
+        {R"("id":1,"name":"B")", R"("id":|2,"name":"B")", "expected the id 1, the next"},
+        {R"({"name":"A"})", R"({"name":"B"})", "a second node \"B\"", R"("id":1,"name":"B"|})"},
+        {R"({"name":"A"})", R"({"name":|7})", "expected a name"},
+        {R"({"name":"A"})", R"({"name":"A","latitude":4|})", "expected both \"longitude\""},
+        {R"("from":"A","to":"B","toId")", R"("from":|"X","to":"B","toId")",
+         "there is no node \"X\""},
+        {R"("toId":1)", R"("toId":|0)", "expected the name and the id of the same node"},
+        {R"("toId":1)", R"("toId":|2)", "there is no node 2, expected an id below 2"},
+        {R"("to":"B","toId":1,"capacity":[7])", R"("to":"A","capacity":[7]|)",
+         "expected a link to another"},
+        {"[7]}", R"([7]},{"from":"A","to":"B","capacity":[1]|})",
+         "a second link from \"A\" to \"B\""},
+        {"[7]", "[|-7]", "expected a number of 0 or more"},
+        {"[7]", "[7,7]|", "expected a capacity per class, which are 1"},
+        {"[7]", "[1e99|9]", "number overflow"},
+        {"[7]", "[|NaN]", "syntax error"},
+        {R"("delay":0)", R"("delayed":0|)", "expected \"delay\" in weights"},
+        {R"("order":"level")", R"("order":|"random")",
+         "unknown word \"random\", expected one of \"given\""},
+        {R"(["local"])", R"(["local","none",|"none"])", "expected no more than a word per level"},
+        {R"("retryRounds":2)", R"("retryRounds":|-2)", "expected an integer of 0 or more"},
+        {R"("retryRounds":2)", R"("retryRounds":|1.5)", "expected an integer of 0 or more"},
+        {"[[1,2]]", "[[1|]]", "expected a list per class"},
+        {"[[1,2]]", "[|]", "expected a list per class"},
+        {R"("level":"gold")", R"("level":|"silver")",
+         "unknown name \"silver\", expected \"gold\", \"tin\""},
+        {R"("level":"gold",)", "", "expected \"level\" in a demand", R"("score":3}|})"},
+        {R"("bandwidth":5,"lsp")", R"("bandwidth":|"5","lsp")", "expected a number of 0 or more"},
+        {R"("bandwidth":5,"lsp")", R"("bandwidth":|null,"lsp")", "expected a number of 0 or more"},
+        {"[0,1]", "[0,|2]", "there is no node 2, expected an id below 2"},
+        {"[0,1]", "[|0.5,1]", "expected the id of a node"},
+        {"[0,1]", "|{}", "expected a list of node ids"},
+        {R"("score":3})", R"("score":3},"preempted":{"by":1|})",
+         "expected one of \"lsp\", \"preempted\""},
+        {R"("score":3)", R"("score":3,"score":3)", "a second \"score\" in an LSP", R"(3,|"score")"},
+        {R"("by":0)", R"("by":3)", "there is no demand 3", R"("setUp":[0]|})"},
+        {R"("room":2)", R"("room":2},{"link":|1,"room":2)",
+         "there is no link 1, expected an id below 1"},
+        {R"("no room")", R"(|"no rooms")",
+         "unknown word \"no rooms\", expected one of \"no such node\""},
+        {R"({"link":0,"primary")", R"({"link":|1,"primary")", "expected the id 0"},
+        {R"({"link":0,"primary":[[5,0]],"total":[[5,0]]}])", "]", "expected a use per link",
+         R"("setUp":[0]|})"},
+        {R"("setUp":[0])", R"("setUp":[0,|0])", "demand 0 a second time"},
+        {R"("setUp":[0])", R"("setUp":[|3])", "there is no demand 3"},
+        {R"("setUp":[0]})", R"("setUp":[0]} |x)", "syntax error"},
+        {"\"A\"", "\"A|\xff\"", "syntax error"},
+    };
+    ASSERT_EQ(errorOf(smallPlan()), "");
+    for (const Row &row : rows) {
+        std::string text = smallPlan(row.old, row.damaged);
+        const std::string context = row.place != nullptr ? row.place : row.damaged;
+        const std::size_t bar = context.find('|');
+        if (row.place == nullptr)
+            text.erase(text.find('|'), 1);
+        const Place place = placeOf(text, text.find(std::string(context).erase(bar, 1)) + bar);
+        const std::string expected = "x.json:" + std::to_string(place.line) + ":" +
+                                     std::to_string(place.column) + ": " + row.error;
+        EXPECT_EQ(errorOf(text).substr(0, expected.size()), expected) << text;
+    }
+}
+
+TEST(Json, EveryTruncatedPlanIsRefused)
+{
+    const std::string text = smallPlan();
+    for (std::size_t size = 0; size < text.size(); ++size)
+        EXPECT_NE(errorOf(text.substr(0, size)), "") << size;
+}
+
+TEST(Json, UnknownMembersAreSkipped)
+{
+    const std::string unknown = R"("x":{"y":[1,{"id":[]},null,"z"],"name":2},)";
+    const std::string plain = written(*readText(smallPlan()).plan);
+    for (const char *before : {R"("version")", R"("network")", R"("name":"A")", R"("from")",
+                               R"("fortz")", R"("path")", R"("by")", R"("reason")", R"("primary")"})
+        EXPECT_EQ(written(*readText(smallPlan(before, unknown + before)).plan), plain) << before;
+    const std::string deep(100, '[');
+    EXPECT_NE(errorOf(smallPlan(R"("version")", "\"x\":" + deep)).find("nested more than 64 deep"),
+              std::string::npos);
+}
+
+TEST(Json, PlacesInLongFilesAreCountedToo)
+{
+    const auto file = std::filesystem::path(testing::TempDir()) / "long.json";
+    std::string text =
+        R"({"schema":"tarnex-network","version":1,"classes":["c"],"levels":["l"],"nodes":[)";
+    std::size_t lines = 1;
+    for (std::size_t next = text.size(); text.size() < 300000; next = text.size()) {
+        text += "\n{\"name\":\"" + std::to_string(lines++) + "\"},";
+        if (next % 1000 == 0)
+            text.insert(next, 70000, ' '); // longer than what is read at a time
+    }
+    text += "\n   {\"name\":7}";
+    std::ofstream(file, std::ios::binary) << text;
+    try {
+        (void)readJson(file, {});
+        ADD_FAILURE() << "read";
+    } catch (const InputError &error) {
+        EXPECT_EQ(error.line, lines + 1);
+        EXPECT_EQ(error.column, 12U);
+    }
+    std::filesystem::remove(file);
+}
+
+TEST(NodeLink, IdsNamesAndFlagsAreAsTheLibrariesWriteThem)
+{
+    const Source source = parseNodeLink(
+        R"({"directed": true, "multigraph": false, "graph": {"name": "g", "x": 1},
+"nodes": [{"id": 3, "label": "Rome", "x": 12.5, "y": 41.9}, {"id": "oslo", "x": null}],
+"edges": [{"capacity": 5000.0, "source": 3, "target": "oslo", "key": 0},
+{"source": "oslo", "target": 3}]})",
+        "x.json");
+    EXPECT_TRUE(source.isDirected);
+    EXPECT_EQ(source.name, "g");
+    ASSERT_EQ(source.nodes.size(), 2U);
+    EXPECT_EQ(source.nodes[0].key, "3");
+    EXPECT_EQ(source.nodes[0].name, "Rome");
+    EXPECT_EQ(source.nodes[0].at, (Coordinates{12.5, 41.9}));
+    EXPECT_EQ(source.nodes[1].at, std::nullopt);
+    ASSERT_EQ(source.edges.size(), 2U);
+    EXPECT_EQ(source.edges[0].capacity, std::vector{5000.0});
+    EXPECT_EQ(source.edges[0].to, "oslo");
+    EXPECT_TRUE(source.edges[1].capacity.empty());
+    EXPECT_EQ(source.edges[1].line, 4U);
+    EXPECT_FALSE(parseNodeLink(R"({"nodes":[],"links":[]})", "x.json").isDirected);
+}
+
+TEST(NodeLink, DamagedGraphsAreRefusedWithTheirPlace)
+{
+    const std::pair<const char *, const char *> rows[] = {
+        {"[]", "1:1: expected a graph"},
+        {R"({"nodes":[]})", "1:12: expected \"links\" or \"edges\" in a graph"},
+        {R"({"links":[]})", "1:12: expected \"nodes\" in a graph"},
+        {R"({"nodes":[],"links":[],"edges":[]})", "1:32: a second list of links"},
+        {R"({"nodes":[{"name":"A"}]})", "1:22: expected \"id\" in a node"},
+        {R"({"nodes":[{"id":1.5}]})", "1:17: expected a text or an integer"},
+        {R"({"nodes":[],"links":[{"source":1}]})", "1:33: expected \"target\" in a link"},
+        {R"({"nodes":[],"links":[{"source":1,"target":2,"capacity":-1}]})",
+         "1:56: expected a number"},
+    };
+    for (const auto &[text, expected] : rows)
+        try {
+            (void)parseNodeLink(text, "x.json");
+            ADD_FAILURE() << text;
+        } catch (const InputError &error) {
+            EXPECT_EQ(std::string(error.what()).rfind(std::string("x.json:") + expected, 0), 0U)
+                << text << "\n"
+                << error.what();
+        }
 }
 
 } // namespace tarnex::formats
