@@ -1,32 +1,12 @@
 #include "formats/read.h"
 
+#include "formats/json/json.h"
 #include "formats/names.h"
 #include "formats/parsers.h"
 #include "formats/source.h"
 #include "formats/text_of_file.h"
 
 #include <array>
-
-#if __has_include("formats/json/json.h")
-#include "formats/json/json.h"
-#else // until the readers of JSON are merged
-namespace tarnex::formats
-{
-static Source parseNodeLink(std::string_view, const std::string &file)
-{
-    throw InputError(file, 0, 0, "JSON is not read yet");
-}
-static Source readJsonDemands(const std::filesystem::path &file)
-{
-    return parseNodeLink("", file.string());
-}
-static Input readJson(const std::filesystem::path &file, const ReadOptions &)
-{
-    parseNodeLink("", file.string());
-    return {};
-}
-} // namespace tarnex::formats
-#endif
 
 namespace tarnex::formats
 {

@@ -33,6 +33,10 @@ private:
         if (head.find("type: network") == std::string_view::npos)
             cursor.fail("expected '?SNDlib native format; type: network; ...'");
         cursor.skipLine();
+        if (cursor.rest().starts_with(networkComment)) {
+            cursor.skip(networkComment.size());
+            source.name = cursor.takeWhile([](char c) { return c != '\n'; });
+        }
     }
 
     /** Skips blanks and comments, which begin where a word could. */

@@ -4,6 +4,7 @@
 
 #include "formats/source.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,6 +40,9 @@ std::string unitForSndlib(std::string_view unit);
  * remarked.
  */
 void completeSndlib(Source &source, bool saysDirected, std::size_t nbLinksWithModules);
+
+/** Begins the second line of a native file, which ends in the name of the network. */
+inline constexpr std::string_view networkComment = "# network ";
 
 /** Value of the META attribute `link_model` of a file whose links are directed. */
 inline constexpr std::string_view directedModel = "DIRECTED";
