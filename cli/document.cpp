@@ -60,8 +60,12 @@ std::string headingOf(const Table &table, std::size_t column, const std::string 
 Grid gridOf(const Table &table, const std::string &unit)
 {
     Grid grid;
+    std::vector<std::size_t> columns; // those that people see
     const std::size_t nbRows = std::min(table.rows.size(), table.shown);
     for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        if (table.columns[column].heading.empty())
+            continue;
+        columns.push_back(column);
         const bool isRight = std::ranges::any_of(
             table.rows, [column](const auto &row) { return isNumber(row[column].value); });
         grid.columns.push_back({headingOf(table, column, unit), isRight});
@@ -69,8 +73,10 @@ Grid gridOf(const Table &table, const std::string &unit)
     const std::string inHeading;
     for (std::size_t row = 0; row < nbRows; ++row) {
         std::vector<GridCell> &cells = grid.rows.emplace_back();
-        for (const Cell &cell : table.rows[row])
+        for (const std::size_t column : columns) {
+            const Cell &cell = table.rows[row][column];
             cells.push_back({std::visit(ForPeople{inHeading}, cell.value), cell.tone});
+        }
     }
     return grid;
 }
@@ -88,8 +94,10 @@ struct Sections {
     {
         Grid grid{.columns = {{}, {}}, .hasHeadings = false};
         for (const Fact &fact : facts.facts)
-            grid.rows.push_back({{fact.label, Tone::plain},
-                                 {std::visit(ForPeople{unit}, fact.cell.value), fact.cell.tone}});
+            if (!std::holds_alternative<std::monostate>(fact.cell.value))
+                grid.rows.push_back(
+                    {{fact.label, Tone::plain},
+                     {std::visit(ForPeople{unit}, fact.cell.value), fact.cell.tone}});
         return title(facts.title) + textOf(grid, terminal);
     }
     std::string operator()(const Table &table) const

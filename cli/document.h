@@ -50,7 +50,7 @@ struct Cell {
     Cell(NodeNames names) : value(std::move(names)) {}
 };
 
-/** A column: its name in files, and its heading for people. */
+/** A column: its name in files, and its heading for people; empty: people do not see it. */
 struct Column {
     std::string key;
     std::string heading;

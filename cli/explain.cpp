@@ -158,7 +158,7 @@ private:
     {
         Table victims{.key = "victims",
                       .title = "LSPs that would give way",
-                      .columns = {{"id", "id"},
+                      .columns = {{"id", ""},
                                   {"demand", "demand"},
                                   {"level", "level"},
                                   {"bandwidth", "bandwidth"},

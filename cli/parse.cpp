@@ -53,8 +53,7 @@ void give(const Bound &bound)
     const std::vector<std::string> values = option->results();
     if (values.empty()) {
         if (parameter.isRequired)
-            throw UsageError(
-                fmt::format("{} is missing: expected {}", parameter.name, parameter.help));
+            throw UsageError(fmt::format("{} is missing: {}", parameter.name, parameter.help));
         return;
     }
     if (values.size() > 1 && !parameter.repeats)

@@ -10,6 +10,7 @@
 #include "cli/progress.h"
 #include "formats/write.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace tarnex::cli
@@ -34,6 +35,12 @@ bool hasFindings(const planning::Summary &summary)
         if (amount.number > 0)
             return true;
     return false;
+}
+
+bool asksForProtection(const PlanOptions &options)
+{
+    return std::ranges::any_of(options.protection,
+                               [](const LevelScheme &scheme) { return scheme.has_value(); });
 }
 
 class PlaceCommand : public Command
@@ -127,8 +134,10 @@ private:
         top.resize(std::min(top.size(), nbTop));
         document.sections.emplace_back(levelsOf(plan, summary));
         document.sections.emplace_back(reasonsOf(summary));
-        document.sections.emplace_back(coverageOf(plan, summary));
-        document.sections.emplace_back(protectionCost(summary));
+        if (form != Form::text || asksForProtection(plan.options)) {
+            document.sections.emplace_back(coverageOf(plan, summary));
+            document.sections.emplace_back(protectionCost(summary));
+        }
         document.sections.emplace_back(loadsOf(plan, top, "mostUsed", "Most used links"));
     }
 

@@ -11,14 +11,6 @@ namespace
 
 using planning::Amount;
 
-Value numberOrNothing(std::size_t count)
-{
-    Value value;
-    if (count > 0)
-        value = number(count);
-    return value;
-}
-
 void addAmount(std::vector<Cell> &row, const Amount &amount, Tone tone = Tone::plain)
 {
     const Tone how = amount.number > 0 ? tone : Tone::plain;
@@ -33,7 +25,7 @@ std::vector<Cell> rowOf(const std::string &level, const planning::Fates &fates)
     addAmount(row, fates.placed);
     addAmount(row, fates.refused, Tone::bad);
     addAmount(row, fates.preempted, Tone::bad);
-    row.emplace_back(numberOrNothing(fates.leftOut.number));
+    row.emplace_back(number(fates.leftOut.number));
     return row;
 }
 
@@ -71,7 +63,7 @@ std::string nodeNames(const Network &network, std::span<const NodeId> nodes)
 /** Who, from where to where, how much: the columns that tables of demands begin with. */
 std::vector<Column> demandColumns()
 {
-    return {{"id", "id"},       {"demand", "demand"}, {"from", "from"},          {"to", "to"},
+    return {{"id", ""},         {"demand", "demand"}, {"from", "from"},          {"to", "to"},
             {"class", "class"}, {"level", "level"},   {"bandwidth", "bandwidth"}};
 }
 

@@ -75,7 +75,7 @@ Table nodesOf(const Network &network)
     Table table{
         .key = "nodes",
         .columns = {
-            {"id", "id"}, {"name", "node"}, {"longitude", "longitude"}, {"latitude", "latitude"}}};
+            {"id", ""}, {"name", "node"}, {"longitude", "longitude"}, {"latitude", "latitude"}}};
     for (std::size_t i = 0; i < network.nodes.size(); ++i) {
         const Node &node = network.nodes[i];
         auto &row = table.rows.emplace_back();
@@ -90,7 +90,7 @@ Table nodesOf(const Network &network)
 
 Table linksOf(const Network &network)
 {
-    Table table{.key = "links", .columns = {{"id", "id"}, {"from", "from"}, {"to", "to"}}};
+    Table table{.key = "links", .columns = {{"id", ""}, {"from", "from"}, {"to", "to"}}};
     for (const std::string &name : network.classes)
         table.columns.push_back(
             {network.classes.size() == 1 ? "capacity" : "capacity " + name, "capacity, " + name});
@@ -107,7 +107,7 @@ Table linksOf(const Network &network)
 Table demandsOf(const Network &network, const std::vector<Demand> &demands)
 {
     Table table{.key = "demandList",
-                .columns = {{"id", "id"},
+                .columns = {{"id", ""},
                             {"name", "name"},
                             {"from", "from"},
                             {"to", "to"},

@@ -58,15 +58,8 @@ Output &Output::number(double value)
     if (value == 0.0 && std::signbit(value))
         return raw("-0.0"); // an integer would lose its sign
     std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    return raw({digits.data(), end});
-}
-
-Output &Output::integer(std::size_t value)
-{
-    std::array<char, 24> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    return raw({digits.data(), end});
+    const char *end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    return raw({digits.data(), static_cast<std::size_t>(end - digits.data())});
 }
 
 void Output::finish()

@@ -2,6 +2,10 @@
 #ifndef TARNEX_FORMATS_JSON_OUTPUT_H
 #define TARNEX_FORMATS_JSON_OUTPUT_H
 
+#include <array>
+#include <charconv>
+#include <concepts>
+#include <cstddef>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -21,7 +25,13 @@ public:
     Output &text(std::string_view value);
     /** In the shortest form that reads back as the same; std::invalid_argument if not finite. */
     Output &number(double value);
-    Output &integer(std::size_t value);
+    template <std::integral Integer>
+    Output &integer(Integer value)
+    {
+        std::array<char, 24> digits{};
+        const char *end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+        return raw({digits.data(), static_cast<std::size_t>(end - digits.data())});
+    }
     Output &flag(bool value) { return raw(value ? "true" : "false"); }
 
     /** An array with what `writeOne` makes of each of the values, between and behind which stands

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -259,6 +260,14 @@ std::string written(const Plan &plan)
     return out.str();
 }
 
+/** Leaves a document where the test of the schemas finds it. */
+void keep(const std::string &kind, unsigned seed, const std::string &text)
+{
+    if (const char *folder = std::getenv("TARNEX_DOCUMENTS"); folder != nullptr && seed < 40)
+        std::ofstream(std::filesystem::path(folder) / (kind + std::to_string(seed) + ".json"))
+            << text;
+}
+
 } // namespace
 
 TEST(Json, PlansComeBackAsTheyWere)
@@ -267,6 +276,7 @@ TEST(Json, PlansComeBackAsTheyWere)
         SCOPED_TRACE(seed);
         const Plan plan = Inventor(seed).plan();
         const std::string text = written(plan);
+        keep("plan", seed, text);
         const Plan back = std::move(*readText(text).plan);
         EXPECT_EQ(back.network, plan.network);
         EXPECT_EQ(back.demands, plan.demands);
@@ -290,12 +300,14 @@ TEST(Json, NetworksAndDemandsComeBackAsTheyWere)
         const std::vector<Demand> demands = inventor.demands(network);
         std::ostringstream out;
         writeNetwork(out, network, demands);
+        keep("network", seed, out.str());
         const Input back = readText(out.str());
         EXPECT_EQ(back.network, network);
         EXPECT_EQ(back.demands, demands);
 
         std::ostringstream alone;
         writeDemands(alone, network, demands);
+        keep("demands", seed, alone.str());
         const Input named = readText(alone.str(), halved);
         EXPECT_EQ(named.network.classes, network.classes);
         ASSERT_EQ(named.demands.size(), demands.size());
