@@ -50,7 +50,7 @@ void Declaration::text(std::string name, std::string argument, std::string help,
 void Declaration::count(std::string name, std::string argument, std::string help,
                         std::size_t &target, std::size_t least)
 {
-    option({.name = std::move(name),
+    option({.name = name,
             .argument = std::move(argument),
             .help = std::move(help),
             .take = [name, least, &target](const std::string &value) {

@@ -21,6 +21,7 @@ struct ForPeople {
 
     std::string operator()(std::monostate) const { return {}; }
     std::string operator()(const std::string &text) const { return text; }
+    std::string operator()(bool isSo) const { return isSo ? "yes" : "no"; }
     std::string operator()(std::int64_t count) const { return std::to_string(count); }
     std::string operator()(double value) const { return formats::formatBandwidth(value); }
     std::string operator()(Bandwidth bandwidth) const
@@ -29,16 +30,19 @@ struct ForPeople {
     }
     std::string operator()(Ratio ratio) const { return fmt::format("{:.1f} %", 100 * ratio.value); }
     std::string operator()(const NodeNames &names) const { return pathOf(names); }
+    std::string operator()(const NameList &list) const { return joined(list.names, ", "); }
 };
 
 struct ForFiles {
     std::string operator()(std::monostate) const { return {}; }
     std::string operator()(const std::string &text) const { return text; }
+    std::string operator()(bool isSo) const { return isSo ? "true" : "false"; }
     std::string operator()(std::int64_t count) const { return std::to_string(count); }
     std::string operator()(double value) const { return fmt::format("{}", value); }
     std::string operator()(Bandwidth bandwidth) const { return (*this)(bandwidth.value); }
     std::string operator()(Ratio ratio) const { return (*this)(ratio.value); }
     std::string operator()(const NodeNames &names) const { return pathOf(names); }
+    std::string operator()(const NameList &list) const { return joined(list.names, ", "); }
 };
 
 bool isNumber(const Value &value)
@@ -127,6 +131,8 @@ std::string csvOf(const Table &table)
 }
 
 } // namespace
+
+Value truth(bool isSo) { return isSo; }
 
 Value number(std::size_t count) { return static_cast<std::int64_t>(count); }
 

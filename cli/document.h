@@ -29,12 +29,20 @@ struct Ratio {
 /** Names of nodes along a path. */
 using NodeNames = std::vector<std::string>;
 
+/** Names of several things. */
+struct NameList {
+    std::vector<std::string> names;
+};
+
 /** A value; none at all where there is nothing to say. */
-using Value =
-    std::variant<std::monostate, std::string, std::int64_t, double, Bandwidth, Ratio, NodeNames>;
+using Value = std::variant<std::monostate, std::string, bool, std::int64_t, double, Bandwidth,
+                           Ratio, NodeNames, NameList>;
 
 /** How many of something. */
 Value number(std::size_t count);
+
+/** Whether it is so. */
+Value truth(bool isSo);
 
 /** A value in a table, and how it stands out. */
 struct Cell {
@@ -48,6 +56,7 @@ struct Cell {
     Cell(Bandwidth bandwidth) : value(bandwidth) {}
     Cell(Ratio ratio) : value(ratio) {}
     Cell(NodeNames names) : value(std::move(names)) {}
+    Cell(NameList names) : value(std::move(names)) {}
 };
 
 /** A column: its name in files, and its heading for people; empty: people do not see it. */

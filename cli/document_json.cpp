@@ -14,6 +14,7 @@ struct ToJson {
     Json operator()(std::monostate) const { return nullptr; }
     Json operator()(Bandwidth bandwidth) const { return bandwidth.value; }
     Json operator()(Ratio ratio) const { return ratio.value; }
+    Json operator()(const NameList &list) const { return list.names; }
     template <class T>
     Json operator()(const T &value) const
     {

@@ -144,8 +144,7 @@ private:
              {"level", "level", network.levels[static_cast<std::size_t>(demand.level)]},
              {"bandwidth", "bandwidth", Bandwidth{demand.bandwidth}},
              {"isPlaced", "would be placed",
-              answer.lsp ? Cell{std::string{"yes"}, Tone::good}
-                         : Cell{std::string{"no"}, Tone::bad}}}};
+              Cell{truth(answer.lsp.has_value()), answer.lsp ? Tone::good : Tone::bad}}}};
         if (answer.lsp) {
             facts.facts.push_back({"path", "path", namesOf(network, answer.lsp->path)});
             facts.facts.push_back({"score", "score", answer.lsp->score});

@@ -1,6 +1,5 @@
 #include "cli/plan_tables.h"
 
-#include "cli/text.h"
 #include "planning/names.h"
 
 namespace tarnex::cli
@@ -44,20 +43,20 @@ void addLevels(Table &table, const Plan &plan, const planning::Summary &summary,
     table.rows.push_back(rowFor("all", summary.all));
 }
 
-std::string linkNames(const Network &network, std::span<const LinkId> links)
+NameList linkNames(const Network &network, std::span<const LinkId> links)
 {
     std::vector<std::string> names;
     for (const LinkId link : links)
         names.push_back(planning::nameOf(network, link));
-    return joined(names, ", ");
+    return {std::move(names)};
 }
 
-std::string nodeNames(const Network &network, std::span<const NodeId> nodes)
+NameList nodeNames(const Network &network, std::span<const NodeId> nodes)
 {
     std::vector<std::string> names;
     for (const NodeId node : nodes)
         names.push_back(network.nameOf(node));
-    return joined(names, ", ");
+    return {std::move(names)};
 }
 
 /** Who, from where to where, how much: the columns that tables of demands begin with. */
@@ -90,7 +89,7 @@ void addRefusal(std::vector<Cell> &row, const Plan &plan, DemandId id, const Ref
         links.push_back(link.name);
     row.emplace_back(std::string{textOf(why.reason)});
     row.emplace_back(Bandwidth{why.largestBandwidth});
-    row.emplace_back(joined(links, ", "));
+    row.emplace_back(NameList{std::move(links)});
 }
 
 /** The row of a demand that has no LSP, or not the backups it was to have. */

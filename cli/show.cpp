@@ -30,7 +30,7 @@ Facts factsOf(const planning::NetworkFacts &found, const Network &network, forma
          {"links", "directed links", number(found.nbLinks)},
          {"oneWayLinks", "of these without a way back", number(found.linksWithoutReverse.size())},
          {"averageDegree", "links out of a node, on average", found.averageDegree},
-         {"isConnected", "every node reaches every other", nbParts <= 1 ? "yes" : "no"},
+         {"isConnected", "every node reaches every other", truth(nbParts <= 1)},
          {"components", "sets of nodes that do", number(nbParts)},
          {"isolatedNodes", "nodes without links", number(found.nbIsolated)},
          {"diameter", "diameter, in links", number(found.diameter)},

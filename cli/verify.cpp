@@ -23,8 +23,7 @@ Facts verdictOn(const Plan &plan, std::size_t nbDeviations)
     return {"verdict",
             "",
             {{"isRight", "the plan is right",
-              nbDeviations == 0 ? Cell{std::string{"yes"}, Tone::good}
-                                : Cell{std::string{"no"}, Tone::bad}},
+              Cell{truth(nbDeviations == 0), nbDeviations == 0 ? Tone::good : Tone::bad}},
              {"deviations", "deviations", number(nbDeviations)},
              {"lsps", "LSPs checked", number(nbLsps)},
              {"backups", "backups checked", number(nbBackups)},
