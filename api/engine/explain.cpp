@@ -13,6 +13,7 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <system_error>
 
 namespace tarnex
 {
@@ -61,10 +62,25 @@ std::string wanted(const Session &session, const Request &request)
     return text + " at level " + std::to_string(request.level);
 }
 
+/** A number in at most 12 digits, none of which says more than there is. */
+std::string roundedDown(double number)
+{
+    constexpr int digits = 12;
+    for (const double about : {number, number * (1.0 - 1e-12)}) {
+        std::array<char, 32> text{};
+        const auto end = std::to_chars(text.data(), text.data() + text.size(), about,
+                                       std::chars_format::general, digits);
+        double rounded = 0.0;
+        if (std::from_chars(text.data(), end.ptr, rounded).ec == std::errc{} && rounded <= number)
+            return textOf(rounded);
+    }
+    return textOf(number);
+}
+
 /** How a sentence ends that has told what does not fit. */
 std::string whatFits(const std::optional<double> &largest)
 {
-    return largest ? "; " + textOf(*largest) + " would fit." : "; nothing would fit.";
+    return largest ? "; " + roundedDown(*largest) + " would fit." : "; nothing would fit.";
 }
 
 /** Takes whatever a placement reports. */

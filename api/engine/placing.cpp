@@ -66,7 +66,8 @@ private:
 
     void removeBackups() const
     {
-        for (const Lsp &lsp : result.victims) {
+        for (std::size_t k = result.victims.size(); k-- > 0;) {
+            const Lsp &lsp = result.victims[k];
             if (!lsp.isBackup() || DBremoveLSP(session.db, lsp.id.value) == 0)
                 continue;
             inside::restore(session, result.victims);

@@ -188,6 +188,7 @@ Result<Protection> Engine::protect(LspId primary, Scheme scheme, LspId firstId)
     State &session = live();
     const inside::Turn turn{session};
     DBLabelSwitchedPath &record = existingPrimary(session, primary);
+    static_cast<void>(session.idFor(firstId));
     ComputedBackups computed;
     if (auto refused = compute(session, record, scheme, computed))
         return std::move(*refused);

@@ -21,13 +21,13 @@ struct LinkSpec {
 
 /** A primary LSP that is wanted. */
 struct Request {
-    NodeId ingress;
-    NodeId egress;
+    NodeId ingress{};
+    NodeId egress{};
     double bandwidth = 0.0; ///< finite, 0 or more
     int classType = 0;
     int level = 0;           ///< 0 is the most important
     bool mayPreempt = false; ///< whether LSPs of less important levels may have to give way
-    LspId id;                ///< for the LSP; invalid: the engine takes the next one never used
+    LspId id{};              ///< for the LSP; invalid: the engine takes the next one never used
 };
 
 /** A way through the network. */
@@ -89,7 +89,7 @@ struct BackupSpec {
     LspId primary;
     LspKind kind = LspKind::localBackup;
     std::vector<NodeId> path; ///< a local backup starts at the node before the link it protects
-    LspId id;                 ///< as in Request
+    LspId id{};               ///< as in Request
 };
 
 /** What a link carries. Levels are single here: their sums over 0 to p are what p may rely on. */
