@@ -26,6 +26,7 @@ struct Coordinates {
 struct Node {
     std::string name;
     std::optional<Coordinates> at;
+    std::vector<std::string> hosts{}; ///< what hangs on it; demands may name these instead
 
     friend bool operator==(const Node &, const Node &) = default;
 };
@@ -38,6 +39,10 @@ struct Link {
 
     friend bool operator==(const Link &, const Link &) = default;
 };
+
+/** Names of the one class type and the one level of a source that has none of its own. */
+inline constexpr const char *defaultClass = "class0";
+inline constexpr const char *defaultLevel = "level0";
 
 /** A network. */
 struct Network {

@@ -10,12 +10,13 @@
 namespace tarnex
 {
 
-/** Everything of one kind, e.g. "2 self-loops left out: Rome, Oslo". */
+/** Everything of one kind, e.g. "self-loops left out: 2 (Rome, Oslo)". */
 struct Remark {
-    std::string what; ///< "self-loops", "parallel links"
-    std::string done; ///< "left out", "capacities summed"
-    std::size_t count = 0;
+    std::string what;               ///< "self-loops", "parallel links"
+    std::string done;               ///< "left out", "summed"
+    std::size_t count = 0;          ///< 0 for a choice
     std::vector<std::string> first; ///< the first few, by name
+    bool isError = false;           ///< a strict reading does not accept it
 };
 
 /** All remarks on one input, each kind once, in the order in which the kinds turned up. */
@@ -27,14 +28,17 @@ public:
               bool isError = true);
     /** Notes a choice that the input leaves open, e.g. "capacity of 14 links" "taken as 1". */
     void choose(const std::string &what, const std::string &done);
+    /** Adds the remarks of another part of the input. */
+    void append(const Remarks &others);
 
     const std::vector<Remark> &all() const { return remarks; }
     /** Whether there is something that a strict reading does not accept. */
-    bool hasErrors() const { return nbErrors > 0; }
+    bool hasErrors() const { return firstError() != nullptr; }
+    /** The first of those; null when there is none. */
+    const Remark *firstError() const;
 
 private:
     std::vector<Remark> remarks;
-    std::size_t nbErrors = 0;
 };
 
 /** A remark in one line, for people. */

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Fuzzes the core (libFuzzer, under sanitizers) and then the native methods (in a JVM under
-# -Xcheck:jni, the library under sanitizers), some minutes each.
+# Fuzzes the core and the readers of JSON documents (libFuzzer, under sanitizers) and then the native
+# methods (in a JVM under -Xcheck:jni, the library under sanitizers), some minutes each.
 set -euo pipefail
 source "$(dirname "$0")/lib.sh"
 
@@ -24,6 +24,12 @@ ASAN_OPTIONS=malloc_context_size=3 build-fuzz/fuzz/core_fuzz -max_total_time=$((
     -max_len=2000 -len_control=0 -close_fd_mask=1 -print_final_stats=1 -verbosity=0 \
     -artifact_prefix=build-fuzz/ build-fuzz/corpus 2>&1 |
     sed -E '/protection path found|ecommended dictionary|# Uses:/d'
+
+echo "== JSON documents, $minutes min =="
+mkdir -p build-fuzz/documents
+build-fuzz/fuzz/fuzz_documents -max_total_time=$((60 * minutes)) -max_len=4000 \
+    -dict=fuzz/document.dict -print_final_stats=1 -verbosity=0 -artifact_prefix=build-fuzz/ \
+    build-fuzz/documents fuzz/seeds/documents 2>&1 | sed -E '/ecommended dictionary|# Uses:/d'
 
 seed=${SEED:-$RANDOM}
 echo "== native methods, $minutes min, SEED=$seed =="

@@ -46,7 +46,7 @@ quietly() {
     }
 }
 
-build_packages=(g++ cmake ninja-build)
+build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev)
 if ! command -v javac >/dev/null; then
     build_packages+=(default-jdk-headless)
 fi

@@ -42,12 +42,13 @@ record Network(List<String> classes, List<String> levels, Map<String, Integer> n
                                       new LinkedHashMap<>(), new ArrayList<>());
         for (Statement statement : Statement.readAll(file)) {
             switch (statement.keyword()) {
+                case "unit" -> statement.expectArguments("NAME"); // for people, as in the report
                 case "classes" -> readNames(statement, network.classes);
                 case "levels" -> readNames(statement, network.levels);
                 case "node" -> network.addNode(statement);
                 case "link" -> network.addLink(statement);
                 default -> throw statement.error("unknown statement '" + statement.keyword()
-                                                 + "' (classes, levels, node or link)");
+                                                 + "' (unit, classes, levels, node or link)");
             }
         }
         if (network.classes.isEmpty() || network.levels.isEmpty()) {

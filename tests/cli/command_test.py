@@ -1,0 +1,346 @@
+"""The command from outside: what it prints, how it ends, and which files it leaves alone.
+
+command_test.py TARNEX SOURCES BUILD: the program, the folder of the project and that of its build.
+"""
+import csv
+import io
+import json
+import math
+import os
+import pathlib
+import pty
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+try:
+    import jsonschema
+except ImportError:
+    print("skipped: install python3-jsonschema for", sys.executable)
+    sys.exit(77)
+
+TARNEX, SOURCES, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
+ABILENE = ["abilene/abilene.network", "--demands", "abilene/abilene.demands"]
+COMMANDS = ["show", "place", "explain", "verify", "diff", "bench", "convert", "help", "completion"]
+
+WRONG_USES = [  # arguments, first line on standard error
+    ("", "tarnex: no command: expected one, as in `tarnex show FILE`"),
+    ("plaec x", "tarnex: no command plaec: did you mean place?"),
+    ("--frobnicate", "tarnex: unknown option --frobnicate: expected a command, --help or --version"),
+    ("show", "tarnex show: FILE is missing: A network or a plan, in any of the formats"),
+    ("show a b", "tarnex show: unexpected argument b"),
+    ("show a --listt nodes", "tarnex show: unknown option --listt: did you mean --list?"),
+    ("show a --list edges", "tarnex show: --list edges: expected nodes, links or demands"),
+    ("show a --list", "tarnex show: --list needs a value: --list WHAT"),
+    ("show a --list nodes --list links", "tarnex show: --list is given 2 times"),
+    ("show a --json --csv",
+     "tarnex show: two forms of output: expected one of --json, --jsonl, --csv"),
+    ("show a --matrix-line 0", "tarnex show: --matrix-line 0: expected a whole number of 1 or more"),
+    ("show a --scale -1", "tarnex show: --scale -1: expected a number of 0 or more"),
+    ("show a --mix gold", "tarnex show: --mix gold: expected NAME=SHARE,..., as gold=10%,bronze=90%"),
+    ("place a --retry some", "tarnex place: --retry some: expected a whole number of 0 or more"),
+    ("place a --protect gold=lokal",
+     "tarnex place: --protect lokal: expected local, global, local-or-global or none"),
+    ("place a --weight haste=1", "tarnex place: --weight haste: expected fortz, load-balance, load, "
+     "squared-load, utilization, squared-utilization or delay"),
+    ("place a --list all --csv", "tarnex place: --csv holds one list: expected --list lsps, "
+     "backups, links or refusals"),
+    ("place abilene/abilene.network",
+     "tarnex place: abilene/abilene.network has no demands: expected --demands FILE"),
+    ("place {abilene} --protect lead=local",
+     "tarnex place: --protect lead: expected gold, silver or bronze"),
+    ("place plan.json", "tarnex place: plan.json is a plan: expected --demands FILE, with what to "
+     "place on it"),
+    ("explain plan.json Seatle Denver 5", "tarnex explain: no node Seatle: did you mean Seattle?"),
+    ("explain plan.json Seattle Denver 5 --level iron",
+     "tarnex explain: --level iron: expected gold, silver or bronze"),
+    ("diff plan.json plan.json --threshold 101%",
+     "tarnex diff: --threshold 101%: expected at most 100%"),
+    ("convert plan.json out.xyz", "tarnex convert: out.xyz: no format goes with this suffix; "
+     "expected .json, .txt, .snd, .graphml, .graph, .dot or .gv, or --to NAME"),
+    ("completion fish", "tarnex completion: SHELL fish: expected bash"),
+]
+
+WRONG_INPUTS = [  # arguments, what the first line on standard error matches
+    ("show nowhere", r"nowhere: .*"),
+    ("show abilene", r"abilene: .*"),
+    ("place {abilene} --save nowhere/plan.json", r"tarnex place: .*nowhere.*"),
+    ("place bad.network --demands abilene/abilene.demands --save kept", r"bad\.network:3:\d+: .*"),
+    ("place abilene/abilene.network --demands bad.network --save kept", r"bad\.network:\d+:\d+: .*"),
+    ("convert bad.network kept --to json", r"bad\.network:3:\d+: .*"),
+    ("verify abilene/abilene.network", r"abilene/abilene\.network: .*expected a plan.*"),
+    ("place loop.network --demands loop.network --strict --save kept", r"loop\.network:.*"),
+]
+
+
+class Scratch(unittest.TestCase):
+    """A scratch copy of the examples, with a plan and files that are damaged."""
+
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+        shutil.copytree(SOURCES / "examples" / "abilene", self.folder / "abilene")
+        self.write("bad.network", "classes a\nlevels gold silver bronze\nnode 0\n")
+        self.write("loop.network", "classes a\nlevels gold\nnode 0 A\nnode 1 B\n"
+                   "link 0 A A 5\nlink 1 A B 5\n")
+        self.write("kept", "as it was")
+
+    def write(self, name, text):
+        (self.folder / name).write_text(text)
+
+    def run_words(self, *words, status=0, **settings):
+        done = subprocess.run([TARNEX, *words], cwd=self.folder, capture_output=True, text=True,
+                              timeout=120, **settings)
+        self.assertIn(done.returncode, status if isinstance(status, tuple) else (status,),
+                      (words, done.stdout, done.stderr))
+        return done
+
+    def run_line(self, line, status):
+        return self.run_words(*line.format(abilene=" ".join(ABILENE)).split(), status=status)
+
+    def make_plan(self, *options, name="plan.json"):
+        self.run_words("place", *ABILENE, "--save", name, *options, status=(0, 1))
+
+
+class WrongUse(Scratch):
+    def test_says_what_was_expected(self):
+        self.make_plan()
+        for line, expected in WRONG_USES:
+            done = self.run_line(line, 2)
+            first, pointer = done.stderr.splitlines()[-2:]
+            self.assertEqual(first, expected)
+            about = line.split()[0] if line.split() and line.split()[0] in COMMANDS else ""
+            self.assertEqual(pointer, f"Try: tarnex help {about}".rstrip())
+            self.assertEqual(done.stdout, "", line)
+
+    def test_names_the_place_and_touches_nothing(self):
+        for line, expected in WRONG_INPUTS:
+            done = self.run_line(line, 2)
+            self.assertRegex(done.stderr.splitlines()[-1 if "--strict" in line else 0], expected)
+            self.assertEqual(done.stdout, "", line)
+            self.assertEqual((self.folder / "kept").read_text(), "as it was", line)
+
+    def test_says_when_standard_output_takes_no_more(self):
+        with open("/dev/full", "w") as full:
+            done = subprocess.run([TARNEX, "help"], stdout=full, stderr=subprocess.PIPE, text=True)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("standard output", done.stderr)
+
+
+class Pages(Scratch):
+    def test_every_example_runs(self):
+        nb_examples = 0
+        for page in [[], *([name] for name in COMMANDS)]:
+            text = self.run_words("help", *page).stdout
+            with tempfile.TemporaryDirectory() as folder:
+                shutil.copytree(SOURCES / "examples", folder, dirs_exist_ok=True)
+                for line in re.findall(r"^ +\$ (.*)$", text, re.MULTILINE):
+                    done = subprocess.run(line, shell=True, cwd=folder, capture_output=True,
+                                          text=True, env=os.environ | {"PATH": self.path()})
+                    self.assertIn(done.returncode, (0, 1), (line, done.stderr))
+                    self.assertNotEqual(done.stdout + done.stderr, "" if "convert" not in line
+                                        else None, line)
+                    nb_examples += 1
+        self.assertGreater(nb_examples, 15)
+
+    @staticmethod
+    def path():
+        return f"{TARNEX.parent}:{os.environ['PATH']}"
+
+    def options_of(self, command):
+        return set(re.findall(r"^  (--[a-z-]+)", self.run_words("help", command).stdout,
+                              re.MULTILINE))
+
+    def test_the_man_page_has_every_option(self):
+        page = self.run_words("help", "--man").stdout
+        for command in COMMANDS:
+            for option in self.options_of(command):
+                self.assertIn(option.replace("-", "\\-"), page)
+        if shutil.which("groff"):
+            done = subprocess.run(["groff", "-ww", "-man", "-Tutf8"], input=page, text=True,
+                                  capture_output=True)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+
+    def complete(self, *words):
+        script = ('source <("$0" completion bash); COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); '
+                  '_tarnex; printf "%s\\n" "${COMPREPLY[@]}"')
+        done = subprocess.run(["bash", "-c", script, TARNEX, "tarnex", *words], text=True,
+                              cwd=self.folder, capture_output=True, check=True)
+        return set(done.stdout.split())
+
+    def test_bash_completes(self):
+        self.assertEqual(self.complete("pl"), {"place"})
+        self.assertEqual(self.complete("place", "--obj"), {"--objective"})
+        self.assertEqual(self.complete("place", "--order", "l"), {"level", "largest"})
+        self.assertEqual(self.complete("show", "abi"), {"abilene"})
+        self.assertEqual(self.complete("help", "ver"), {"verify"})
+        for command in COMMANDS:
+            self.assertEqual(self.complete(command, "--"), self.options_of(command) | {"--help"})
+
+    def test_help_is_the_same_on_both_ways(self):
+        self.assertEqual(self.run_words("place", "-h").stdout, self.run_words("help", "place").stdout)
+        self.assertRegex(self.run_words("--version").stdout, r"^tarnex \d+\.\d+\.\d+\n$")
+
+
+class Forms(Scratch):
+    def documents(self):
+        """Commands with every kind of document."""
+        self.make_plan("--protect", "local", "--order", "given")
+        self.make_plan("--objective", "hops", name="other.json")
+        explain = ["explain", "plan.json", "Seattle", "Chicago"]
+        return [["show", *ABILENE],
+                *(["show", *ABILENE, "--list", what] for what in ("nodes", "links", "demands")),
+                ["place", *ABILENE, "--protect", "gold=local", "--order", "given", "--list", "all"],
+                [*explain, "10"],
+                [*explain, "9G"],
+                [*explain, "2G", "--level", "gold", "--class", "data", "--protect", "global"],
+                ["verify", "plan.json"],
+                ["diff", "plan.json", "other.json"],
+                ["bench", *ABILENE, "--seconds", "0.1"]]
+
+    def test_documents_are_as_their_schemas_say(self):
+        schemas = SOURCES / "docs" / "schema" / "command"
+        seen = set()
+        for words in self.documents():
+            document = json.loads(self.run_words(*words, "--json", status=(0, 1)).stdout)
+            name = document["schema"].removeprefix("tarnex-")
+            seen.add(name)
+            schema = json.loads((schemas / f"{name}.json").read_text())
+            judge = jsonschema.Draft202012Validator(schema)
+            judge.check_schema(schema)
+            judge.validate(document)
+            for key in list(document):  # the schema notices what is missing or of another kind
+                self.assertFalse(judge.is_valid(document | {key: 0.5}), key)
+        self.assertEqual(seen, {file.stem for file in schemas.glob("*.json")})
+
+    def test_lines_and_document_hold_the_same(self):
+        for words in self.documents():
+            if words[0] == "bench":
+                continue
+            document = json.loads(self.run_words(*words, "--json", status=(0, 1)).stdout)
+            lines = self.run_words(*words, "--jsonl", status=(0, 1)).stdout.splitlines()
+            rebuilt = json.loads(lines[0]) | {key: [] if isinstance(value, list) else value
+                                              for key, value in document.items()}
+            for line in map(json.loads, lines[1:]):
+                kind = line.pop("record")
+                if isinstance(document[kind], list):
+                    rebuilt[kind].append(line)
+                else:
+                    self.assertEqual(line, document[kind])
+            self.assertEqual(rebuilt, document)
+
+    def test_csv_is_quoted(self):
+        self.write("quoted.json", json.dumps({
+            "nodes": [{"id": 'A "big", old'}, {"id": "B"}],
+            "links": [{"source": 'A "big", old', "target": "B", "capacity": 5}]}))
+        text = self.run_words("show", "quoted.json", "--list", "nodes", "--csv").stdout
+        rows = list(csv.reader(io.StringIO(text, newline="")))
+        self.assertEqual([row[:2] for row in rows],
+                         [["id", "name"], ["0", 'A "big", old'], ["1", "B"]])
+
+    def run_on_terminal(self, *words, **environment):
+        leader, follower = pty.openpty()
+        subprocess.run([TARNEX, *words], stdout=follower, cwd=self.folder, check=True,
+                       env=os.environ | {"TERM": "xterm"} | environment)
+        os.close(follower)
+        with os.fdopen(leader, "rb") as output:
+            return output.read1(100_000)
+
+    def test_colours_are_for_terminals(self):
+        words = ["show", ABILENE[0]]
+        self.assertNotIn("\033", self.run_words(*words).stdout)
+        self.assertIn(b"\033[1m", self.run_on_terminal(*words))
+        self.assertNotIn(b"\033", self.run_on_terminal(*words, NO_COLOR="1"))
+
+
+class Work(Scratch):
+    def test_what_is_placed_is_right_and_the_same_each_time(self):
+        for options in [], ["--protect", "local-or-global", "--order", "largest"], \
+                ["--order", "given", "--retry", "3", "--objective", "load"]:
+            self.make_plan(*options)
+            self.make_plan(*options, name="again.json")
+            self.assertEqual((self.folder / "plan.json").read_bytes(),
+                             (self.folder / "again.json").read_bytes())
+            self.run_words("verify", "plan.json", status=0)
+            self.run_words("diff", "plan.json", "again.json", status=0)
+
+    def test_a_changed_plan_is_not_right(self):
+        self.make_plan()
+        plan = (self.folder / "plan.json").read_text()
+        changed = re.sub(r'("bandwidth": ?)1300\b', r"\g<1>1301", plan)
+        self.assertNotEqual(plan, changed)
+        self.write("plan.json", changed)
+        self.assertRegex(self.run_words("verify", "plan.json", status=1).stdout, "deviations +[1-9]")
+
+    def test_the_largest_bandwidth_fits_and_no_larger_one(self):
+        self.make_plan()
+        ask = ["explain", "plan.json", "Denver", "NewYork"]
+        options = ["--class", "data", "--json"]
+        answer = json.loads(self.run_words(*ask, "1T", *options, status=1).stdout)
+        largest = answer["refusal"]["largestBandwidth"]
+        self.run_words(*ask, repr(largest), *options, status=0)
+        self.run_words(*ask, repr(math.nextafter(largest, math.inf)), *options, status=1)
+
+    def test_goes_on_from_a_plan(self):
+        self.make_plan()
+        self.write("more", "demand 900 Denver Chicago data gold 10\n")
+        self.run_words("place", "plan.json", "--demands", "more", "--save", "plan.json",
+                       status=(0, 1))
+        self.run_words("verify", "plan.json", status=0)
+        text = self.run_words("show", "plan.json", "--list", "demands", "--csv").stdout
+        self.assertIn(",900,Denver,Chicago,data,gold,10", text)
+
+
+class Interrupt(Scratch):
+    def setUp(self):
+        super().setUp()
+        side = 24  # a torus of routers, with more demands than a minute is enough for
+        nodes = [f"{x}.{y}" for x in range(side) for y in range(side)]
+        at = {name: [f"{(x + 1) % side}.{y}", f"{x}.{(y + 1) % side}"]
+              for name in nodes for x, y in [map(int, name.split("."))]}
+        links = [pair for name in nodes for to in at[name] for pair in ((name, to), (to, name))]
+        self.write("torus.network", "classes a\nlevels gold\n" + "".join(
+            f"node {i} {name}\n" for i, name in enumerate(nodes)) + "".join(
+            f"link {i} {a} {b} 1e6\n" for i, (a, b) in enumerate(links)))
+        self.write("torus.demands", "".join(
+            f"demand {i} {nodes[i % len(nodes)]} {nodes[(i * 7 + 5) % len(nodes)]} a gold 1\n"
+            for i in range(60_000) if i % len(nodes) != (i * 7 + 5) % len(nodes)))
+
+    def test_stops_at_once_and_keeps_the_file(self):
+        process = subprocess.Popen([TARNEX, "place", "torus.network", "--demands", "torus.demands",
+                                    "--protect", "local", "--save", "kept"], cwd=self.folder,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        time.sleep(2)
+        self.assertIsNone(process.poll())
+        process.send_signal(signal.SIGINT)
+        begin = time.monotonic()
+        out, err = process.communicate(timeout=60)
+        self.assertLess(time.monotonic() - begin, 10)
+        self.assertEqual((process.returncode, out), (130, ""), err)
+        self.assertRegex(err, r"tarnex.*: stopped")
+        self.assertEqual((self.folder / "kept").read_text(), "as it was")
+        self.assertEqual([file.name for file in self.folder.iterdir() if "kept" in file.name],
+                         ["kept"])
+
+
+class Install(Scratch):
+    def test_runs_from_an_empty_prefix(self):
+        prefix = self.folder / "prefix"
+        subprocess.run(["cmake", "--install", BUILD, "--prefix", prefix, "--component", "command"],
+                       check=True, capture_output=True)
+        done = subprocess.run([prefix / "bin" / "tarnex", "show", ABILENE[0]], cwd=self.folder,
+                              capture_output=True, text=True)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        for file, start in (("man/man1/tarnex.1", ".TH TARNEX"),
+                            ("bash-completion/completions/tarnex", "# Completion of tarnex")):
+            self.assertTrue((prefix / "share" / file).read_text().startswith(start), file)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
