@@ -12,7 +12,9 @@ Weights Weights::of(Objective objective)
 }
 std::string_view textOf(Reason reason)
 {
-    constexpr std::string_view words[] = {"no such node", "same ends", "not connected", "no room", "no disjoint path", "no room for a disjoint path"};
+    constexpr std::string_view words[] = {"no such node",     "same ends",
+                                          "not connected",    "no room",
+                                          "no disjoint path", "no room for a disjoint path"};
     return words[static_cast<int>(reason)];
 }
 } // namespace tarnex
