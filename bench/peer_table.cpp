@@ -1,7 +1,8 @@
 /**
  * Prints what the engine takes beside what a user would write without it on Boost.Graph: primary
  * requests with admission, backups, admission and removal of given paths, the price of class types
- * and levels, and memory. With --quick it only shows that it works.
+ * and levels, requests of other kinds, and memory. With --quick it only shows that it works, with
+ * --kinds it prints the requests of other kinds alone.
  *
  * Both sides get the same network, the same LSPs in place and the same sequence of demands, in
  * which the faster side gets further. The load is steady: each LSP placed replaces the oldest. A
@@ -11,6 +12,7 @@
 #include "measure.h"
 #include "sides.h"
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -205,6 +207,63 @@ void printClassesAndLevels(const Sampler &sample, int nodes)
     }
 }
 
+/** A kind of request that is not the usual one, and what it takes. */
+struct Kind {
+    const char *name;
+    void (*prepare)(Engine &engine, const NetworkPlan &plan);
+};
+
+void setWeights(double (PrimaryComputationConfig::*weight)[MAXOA], double value)
+{
+    (tarnexConfig.primaryComputationConfig.*weight)[0] = value;
+}
+
+constexpr std::array kinds{
+    Kind{"as usual", [](Engine &, const NetworkPlan &) {}},
+    Kind{"10 links to avoid",
+         [](Engine &engine, const NetworkPlan &plan) {
+             engine.colorLinks(plan);
+             for (std::size_t i = 0; i < 10; ++i)
+                 engine.avoided.push_back(plan.links[i * plan.links.size() / 10].id);
+         }},
+    Kind{"one node cut off",
+         [](Engine &engine, const NetworkPlan &plan) { engine.cutOff(plan, plan.nodes[7]); }},
+    Kind{"utilization and delay",
+         [](Engine &, const NetworkPlan &) {
+             tarnexConfig.primaryComputationConfig = {};
+             setWeights(&PrimaryComputationConfig::relLoad, 1.0);
+             setWeights(&PrimaryComputationConfig::delay, 1.0);
+         }},
+    Kind{"balance",
+         [](Engine &, const NetworkPlan &) {
+             tarnexConfig.primaryComputationConfig = {};
+             setWeights(&PrimaryComputationConfig::loadBal, 1.0);
+         }},
+    Kind{"all seven weights",
+         [](Engine &, const NetworkPlan &) {
+             using Config = PrimaryComputationConfig;
+             for (const auto weight : {&Config::loadBal, &Config::load, &Config::sqLoad,
+                                       &Config::relLoad, &Config::sqRelLoad, &Config::delay})
+                 setWeights(weight, 0.5);
+         }},
+};
+
+void printKinds(const Sampler &sample, int nodes)
+{
+    std::printf("\nPrimary request with admission at the engine, Fortz-Thorup but where said, %d "
+                "nodes, no backups\n%-22s %10s %7s %s\n",
+                nodes, "kind", "us", "ratio", "  done/ref");
+    std::optional<double> usual;
+    for (const Kind &kind : kinds) {
+        Sides sides{{.nodes = nodes}};
+        kind.prepare(sides.engine, sides.plan);
+        const Figure engine = timeEngine(sample, sides).request;
+        usual = usual.value_or(engine.us);
+        std::printf("%-22s %10.1f %7.2f %5zu/%zu\n", kind.name, engine.us, engine.us / *usual,
+                    engine.done, engine.refused);
+    }
+}
+
 /** A memory figure of this process, in bytes. */
 double memoryOf(std::string_view name)
 {
@@ -309,6 +368,7 @@ void printTable(bool isQuick)
     printRequestBlock(sample, sizes);
     printProtectedBlocks(sample, sizes);
     printClassBlock(sample, isQuick ? 200 : 1000);
+    printKinds(sample, isQuick ? 200 : 1000);
     std::printf("\nPeak resident memory of both sides together: %.0f MB\n",
                 memoryOf("VmHWM:") / 1e6);
 }
@@ -317,13 +377,17 @@ void printTable(bool isQuick)
 
 int main(int argc, char **argv)
 {
-    const bool isQuick = argc == 2 && std::string_view{argv[1]} == "--quick";
-    if (argc > 1 && !isQuick) {
-        std::fprintf(stderr, "usage: %s [--quick]\n", argv[0]);
+    const std::string_view option = argc == 2 ? argv[1] : "";
+    const bool isKnown = argc == 1 || option == "--quick" || option == "--kinds";
+    if (!isKnown) {
+        std::fprintf(stderr, "usage: %s [--quick | --kinds]\n", argv[0]);
         return 2;
     }
     try {
-        printTable(isQuick);
+        if (option == "--kinds")
+            printKinds(Sampler{2.0}, 1000);
+        else
+            printTable(option == "--quick");
     } catch (const std::exception &failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

@@ -208,6 +208,8 @@ std::optional<double> Engine::request(const Demand &demand)
     PlannedLsp lsp = lspFor(demand);
     lsp.path = {demand.src, -1, demand.dst};
     const RequestRecord asked = requestOf(lsp);
+    for (const Long color : avoided)
+        require(longVecPushBack(&asked->forbidLinks, color) == 0, "no memory for colours");
     COST = 0.0;
     AdmissionTime time;
     const Placement end = placePrimary(db, asked.get(), PlacementGoal::lsp, time);
@@ -240,6 +242,33 @@ double Engine::remove(Long id)
     const double seconds = secondsOf([&] { removed = DBremoveLSP(db, id) == 0; });
     require(isDone(removed) && !DBgetLSP(db, id), "an LSP was not removed");
     return seconds;
+}
+
+void Engine::colorLinks(const NetworkPlan &plan)
+{
+    tarnexConfig.predicateConfig.colorClause = true;
+    const Owned<DBLinkState, DBlinkStateDestroy> state{DBlinkStateNew()};
+    for (const PlannedLink &link : plan.links) {
+        DBLink *stored = existingLink(db, link.src, link.dst);
+        require(stored && DBlinkStateCopy(state.get(), &stored->state) == 0, "no such link");
+        state->color = link.id;
+        require(DBsetLinkState(db, link.src, link.dst, state.get()) == 0,
+                "a link keeps its colour");
+    }
+}
+
+void Engine::cutOff(const NetworkPlan &plan, Long node)
+{
+    for (const PlannedLink &link : plan.links) {
+        if (link.src != node && link.dst != node)
+            continue;
+        while (const DBLSPList *carried = DBgetLinkLSPs(db, link.src, link.dst)) {
+            if (carried->top == 0)
+                break;
+            remove(carried->cont[0]->id);
+        }
+        require(DBremoveLink(db, link.src, link.dst) == 0, "a link was not removed");
+    }
 }
 
 double Engine::removeOldest()

@@ -64,6 +64,12 @@ public:
     double removeOldest();
     ///@}
 
+    /** Gives every link its id as its colour. */
+    void colorLinks(const property::NetworkPlan &plan);
+    /** Takes the LSPs that cross a node away, and then its links. */
+    void cutOff(const property::NetworkPlan &plan, Long node);
+
+    std::vector<Long> avoided;  ///< colours that requests avoid
     std::deque<Long> removable; ///< unprotected primaries, oldest first; some may be preempted
     property::NodePath lastPath;
     std::size_t nbPreempted = 0;

@@ -21,7 +21,8 @@ std::size_t layOut(NetworkIndex &index, void *block)
     layout.place(index.firstIn, index.nbNodes + 1);
     layout.place(index.firstOut, index.nbNodes + 1);
     for (Long *NetworkIndex::*table :
-         {&NetworkIndex::source, &NetworkIndex::destination, &NetworkIndex::stale})
+         {&NetworkIndex::source, &NetworkIndex::destination, &NetworkIndex::stale,
+          &NetworkIndex::colors, &NetworkIndex::byColor})
         layout.place(index.*table, index.nbLinks);
     layout.place(index.outLinks, index.nbLinks);
     layout.place(index.links, index.nbLinks);
@@ -37,6 +38,7 @@ std::size_t layOut(NetworkIndex &index, void *block)
         }
     }
     layout.place(index.staleClasses, index.nbLinks);
+    layout.place(index.reach, index.nbNodes);
     return layout.bytes();
 }
 
@@ -63,6 +65,7 @@ void number(DataBase &db, NetworkIndex &index)
             index.destination[link] = node;
             index.staleClasses[link] = ClassTypes::all();
             index.stale[link] = link;
+            index.byColor[link] = link;
             ++link;
         }
     }
@@ -170,6 +173,16 @@ void setLimits(const Occupancy &is, double &fits, double &exceeds)
     exceeds = ownRoom < -margin ? -infinity : room * (1.0 + share) + margin;
 }
 
+/** Takes over the colour of a link. */
+void refreshColor(NetworkIndex &index, Long number)
+{
+    const Long color = index.links[number]->state.color;
+    if (index.colors[number] == color)
+        return;
+    index.colors[number] = color;
+    index.isOrderedByColor = false;
+}
+
 /** Works the figures of one class type of a link out anew. */
 void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
 {
@@ -215,6 +228,7 @@ bool bringUpToDate(DataBase &db, int level)
     for (const Long number : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {
         for (const int oa : index.staleClasses[number])
             refresh(db, index, number, oa);
+        refreshColor(index, number);
         // A state that may change without notice is looked at before every search.
         const bool stays = index.links[number]->summary.isExposed;
         index.staleClasses[number] = stays ? ClassTypes::all() : ClassTypes{};
@@ -223,6 +237,43 @@ bool bringUpToDate(DataBase &db, int level)
     }
     index.nbStale = kept;
     return true;
+}
+
+Reach reachOf(NetworkIndex &index, Long node)
+{
+    if (index.isConnected)
+        return Reach::usual;
+    Reach &reach = index.reach[node];
+    if (reach != Reach::unknown)
+        return reach;
+    const auto nbNodes = static_cast<std::size_t>(index.nbNodes);
+    auto *room = static_cast<Long *>(workspaceOf(index, 2 * nbNodes * sizeof(Long)));
+    if (!room)
+        return Reach::unknown;
+    const std::span mark{room, nbNodes};
+    const std::span queue{room + nbNodes, nbNodes};
+    std::ranges::fill(mark, 0);
+    const Long count = countReached(index, node, true, mark, 1, queue);
+    const auto reached = queue.first(static_cast<std::size_t>(count));
+    // Node numbers ascend by id, and so do the links into a node.
+    const Long largest = *std::ranges::max_element(reached);
+    const bool isOdd = std::ranges::any_of(reached, [&](Long to) {
+        const Long end = index.firstIn[to + 1];
+        return end > index.firstIn[to] && index.source[end - 1] > largest;
+    });
+    reach = isOdd ? Reach::odd : Reach::usual;
+    return reach;
+}
+
+std::span<const Long> linksOfColor(NetworkIndex &index, Long color)
+{
+    const std::span links{index.byColor, static_cast<std::size_t>(index.nbLinks)};
+    const auto colorOf = [&index](Long link) { return index.colors[link]; };
+    if (!index.isOrderedByColor)
+        std::ranges::sort(links, {}, colorOf);
+    index.isOrderedByColor = true;
+    const auto [first, last] = std::ranges::equal_range(links, color, {}, colorOf);
+    return {first, last};
 }
 
 void *workspaceOf(NetworkIndex &index, std::size_t bytes)

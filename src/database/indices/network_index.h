@@ -29,6 +29,7 @@
 #include "common/class_types.h"
 
 #include <cstddef>
+#include <span>
 
 struct DataBase_;
 struct DBLink_;
@@ -45,10 +46,18 @@ struct OutLink {
     Long link;
 };
 
+/** What is known of the nodes that a node reaches, if not all reach each other. */
+enum class Reach : unsigned char {
+    unknown,
+    usual,
+    odd ///< a link into one of them comes from a node outside, with a larger id than all of them
+};
+
 /** The index of one database; owns its block, borrows the links. */
 struct NetworkIndex {
     bool isCurrent;
     bool isConnected; ///< whether every node that has links reaches every other one
+    bool isOrderedByColor;
     Long nbNodes;
     Long nbLinks;
     Long *nodeIds;                ///< node ids by node number
@@ -57,6 +66,9 @@ struct NetworkIndex {
     Long *destination;            ///< by link: node number of its destination
     Long *firstOut;               ///< by node: position of its first out-link in `outLinks`
     OutLink *outLinks;            ///< links by source, then destination
+    Reach *reach;                 ///< by node
+    Long *colors;                 ///< by link
+    Long *byColor;                ///< links by colour, if `isOrderedByColor`
     DBLink_ **links;              ///< by link number
     LinkFigures *figures[MAXOA];  ///< by link number
     unsigned char *pieces[MAXOA]; ///< by link: the piece of the link cost that its load lies on
@@ -83,6 +95,13 @@ void markStale(NetworkIndex &index, const DBLink_ &link, ClassTypes classes);
 /** Makes the index of a database current, with no stale figures and with those of the levels from
  * `level` on; false without memory. */
 [[nodiscard]] bool bringUpToDate(DataBase_ &db, int level = MAXPL - 1);
+
+/** Finds out what the nodes are like that a node reaches; unknown without memory. Costs a pass over
+ * their links the first time, unless the network is connected; takes the workspace for it. */
+[[nodiscard]] Reach reachOf(NetworkIndex &index, Long node);
+
+/** The links of a colour. After colours have changed the first question costs a sort. */
+[[nodiscard]] std::span<const Long> linksOfColor(NetworkIndex &index, Long color);
 
 /** Room of at least so many bytes, with any content, until the next call; null without memory. */
 [[nodiscard]] void *workspaceOf(NetworkIndex &index, std::size_t bytes);

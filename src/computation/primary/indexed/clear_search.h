@@ -1,6 +1,5 @@
 /**
- * The search for the one path that is clearly the best, where links add one of a few increments
- * (unit "computation/primary/primaryPath").
+ * The search for the one path that is clearly the best (unit "computation/primary/primaryPath").
  *
  * Passes (plain/search.h) stop when no link improves a label by more than the margin. The score
  * that they end with is therefore above the least by no more than the margin for each link, and
@@ -9,8 +8,7 @@
  * only be found, and any faster search will do:
  *
  * First, find what remains from each node to the destination at least, against the links and in
- * ascending order (Dijkstra, 1959). The nodes come in ascending order, so the scores that grew by
- * the same increment do, too: a plain queue for each increment takes the place of a heap.
+ * ascending order (Dijkstra, 1959).
  *
  * Then follow the links from the source that lead to the destination at nearly the least score.
  * Where a node has two of them the outcome is in doubt, and the passes have to decide.
@@ -20,23 +18,23 @@
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_CLEAR_SEARCH_H
 
-#include "common/layout.h"
 #include "computation/primary/improvement.h"
-#include "computation/primary/indexed/link_terms.h"
+#include "computation/primary/indexed/frontier.h"
 #include "database/indices/network_index.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
-/** One search. */
+/** How a search ended. */
+enum class Clearness { found, unreachable, doubtful };
+
+/** One search; `Terms` says what a link adds to a score, `Frontier` suits them. */
+template <class Terms, class Frontier>
 class ClearSearch
 {
 public:
-    enum class Outcome { found, unreachable, doubtful };
-
-    ClearSearch(const NetworkIndex &networkIndex, const GradedTerms &linkTerms, Long sourceNode)
-        : index(networkIndex), terms(linkTerms), src(sourceNode)
+    ClearSearch(const NetworkIndex &networkIndex, const Terms &linkTerms, Long sourceNode)
+        : index(networkIndex), terms(linkTerms), src(sourceNode), frontier(linkTerms)
     {
     }
 
@@ -45,16 +43,15 @@ public:
     {
         layout.place(remaining, index.nbNodes);
         layout.place(before, index.nbNodes);
-        for (Queue &queue : queues)
-            layout.place(queue.front, index.nbNodes + 1);
+        frontier.layOut(layout, index);
     }
 
     /** Finds the path to `dst` unless several are about as good. */
-    Outcome run(Long dst)
+    Clearness run(Long dst)
     {
         if (!findRemaining(dst))
-            return Outcome::unreachable;
-        return follow(dst) ? Outcome::found : Outcome::doubtful;
+            return Clearness::unreachable;
+        return follow(dst) ? Clearness::found : Clearness::doubtful;
     }
 
     /** Of the path that was found. */
@@ -75,33 +72,11 @@ private:
     static constexpr double infinity = std::numeric_limits<double>::infinity();
     static constexpr Long none = -1;
 
-    /** A node and what remains from it on some way. */
-    struct Entry {
-        double score;
-        Long node;
-    };
-
-    /** Entries in ascending order, and one of no finite score behind them. No node enters a queue
-     * twice: its second entry would not be the lower one. */
-    struct Queue {
-        Entry *front = nullptr;
-        Entry *end = nullptr;
-
-        void push(double score, Long node)
-        {
-            *end++ = {score, node};
-            end->score = infinity;
-        }
-    };
-
     /** Works out what remains from the nodes up to the source; whether the source is among them. */
     bool findRemaining(Long dst)
     {
         std::fill_n(remaining, index.nbNodes, infinity);
-        for (Queue &queue : queues) {
-            queue.end = queue.front;
-            queue.front->score = infinity;
-        }
+        frontier.clear();
         remaining[dst] = 0.0;
         Long node = dst;
         for (; node != src && node != none; node = takeNearest())
@@ -114,26 +89,22 @@ private:
         const double own = remaining[node];
         const Long end = index.firstIn[node + 1];
         for (Long link = index.firstIn[node]; link < end; ++link) {
-            const unsigned char grade = terms.grades[link];
-            const double score = own + terms.increments[grade];
+            const double score = terms.extended(own, link);
             const Long from = index.source[link];
             if (!(score < remaining[from]))
                 continue;
             remaining[from] = score;
-            queues[grade].push(score, from);
+            frontier.push(score, from, link);
         }
     }
 
-    /** Takes the node from which least remains out of the queues. */
+    /** Takes the node from which least remains out of the frontier. */
     Long takeNearest()
     {
         for (;;) {
-            Queue *nearest = queues.data();
-            for (Queue &queue : queues)
-                nearest = queue.front->score < nearest->front->score ? &queue : nearest;
-            if (nearest->front->score == infinity)
+            const FrontierEntry entry = frontier.take();
+            if (entry.score == infinity)
                 return none;
-            const Entry entry = *nearest->front++;
             if (entry.score == remaining[entry.node])
                 return entry.node;
         }
@@ -142,7 +113,8 @@ private:
     /** Follows the path of the least score; false where another comes near to it. */
     bool follow(Long dst)
     {
-        const double nearness = index.nbNodes * (2.0 * improvementMargin + 1e-15 * remaining[src]);
+        const double nearness = index.nbNodes * (2.0 * improvementMargin +
+                                                 1e-15 * terms.nbAdditions() * remaining[src]);
         // What remains is final only where it is less than from the source. With increments this
         // large no other node is near enough to be followed.
         if (!(terms.leastIncrement() > 2.0 * nearness))
@@ -166,11 +138,11 @@ private:
     }
 
     const NetworkIndex &index;
-    const GradedTerms &terms;
+    const Terms &terms;
     Long src;
+    Frontier frontier;
     double *remaining = nullptr; ///< by node: the least score from it to the destination so far
     Long *before = nullptr;
-    std::array<Queue, GradedTerms::noGrade> queues; ///< by grade
     double pathScore = 0.0;
 };
 

@@ -1,7 +1,10 @@
 #include "computation/primary/indexed/link_appraisal.h"
 
+#include "common/records.h"
 #include "computation/primary/increments.h"
+#include "error/error.h"
 #include "predicate/predicate.h"
+#include "rerouting/rerouting.h"
 
 #include <algorithm>
 #include <cassert>
@@ -30,7 +33,8 @@ LinkAppraisal::LinkAppraisal(DataBase &database, LSPRequest &request)
 {
     for (int oa = 0; oa < MAXOA; ++oa) {
         requested.set(oa, req.bw[oa] != 0.0);
-        scored.set(oa, weights.load[oa] != 0.0 || tellsLinksApart(weights, oa) ||
+        scored.set(oa, weights.load[oa] != 0.0 || weights.loadBal[oa] != 0.0 ||
+                           tellsLinksApart(weights, oa) ||
                            (weights.Fortz != 0.0 && req.bw[oa] != 0.0));
     }
 }
@@ -42,6 +46,9 @@ int LinkAppraisal::levelFor(const LSPRequest &request)
 
 LinkAppraisal::Form LinkAppraisal::form() const
 {
+    const auto isBalanced = [this](int oa) { return weights.loadBal[oa] != 0.0; };
+    if (std::ranges::any_of(scored, isBalanced) || hasPenalties())
+        return Form::general;
     const auto isLoad = [this](int oa) { return !tellsLinksApart(weights, oa); };
     if (!std::ranges::all_of(scored, isLoad))
         return Form::listed;
@@ -64,6 +71,8 @@ void LinkAppraisal::judge(unsigned char *verdicts)
         judgeByCapacity(verdicts);
     else
         judgeByIdsAlone(verdicts);
+    if (tarnexConfig.predicateConfig.colorClause)
+        refuseColors(verdicts);
     const unsigned char *end = verdicts + index.nbLinks;
     for (unsigned char *at = verdicts; (at = nextUnsettled(at, end)) != nullptr; ++at)
         *at = settle(static_cast<Long>(at - verdicts));
@@ -73,8 +82,9 @@ void LinkAppraisal::judge(unsigned char *verdicts)
 /** Whether the predicate gives the same verdicts; for debug builds. */
 [[maybe_unused]] bool LinkAppraisal::areRight(const unsigned char *verdicts)
 {
+    double gain[MAXOA];
     for (Long link = 0; link < index.nbLinks; ++link) {
-        if (ask(link) != (verdicts[link] == admitted))
+        if (ask(link, gain) != (verdicts[link] == admitted))
             return false;
     }
     return true;
@@ -104,6 +114,15 @@ void LinkAppraisal::judgeByIdsAlone(unsigned char *verdicts) const
                    });
 }
 
+/** Refuses the links of the colours to avoid. */
+void LinkAppraisal::refuseColors(unsigned char *verdicts) const
+{
+    for (const Long color : inUse(req.forbidLinks)) {
+        for (const Long link : linksOfColor(index, color))
+            verdicts[link] = refused;
+    }
+}
+
 /** Raises verdicts by what the figures of one class type say. */
 void LinkAppraisal::judgeClass(int oa, unsigned char *verdicts) const
 {
@@ -125,13 +144,13 @@ Verdict LinkAppraisal::settle(Long link)
         if (req.bw[oa] == 0.0 && index.exceeds[oa][level][link] < 0.0)
             return refused;
     }
-    return ask(link) ? admitted : refused;
+    double gain[MAXOA];
+    return ask(link, gain) ? admitted : refused;
 }
 
-bool LinkAppraisal::ask(Long link)
+bool LinkAppraisal::ask(Long link, double (&gain)[MAXOA])
 {
     DBLink &stored = *index.links[link];
-    double gain[MAXOA];
     return isValidRequestLink(&db, index.nodeIds[index.source[link]],
                               index.nodeIds[index.destination[link]], &stored.state, &req, gain);
 }
@@ -139,13 +158,18 @@ bool LinkAppraisal::ask(Long link)
 template <class Add>
 void LinkAppraisal::forEachTerm(Long link, Add add) const
 {
-    for (const int oa : scored) {
-        const LinkFigures &figures = index.figures[oa][link];
-        const LinkLoad terms{figures.load, figures.capacity, req.bw[oa]};
-        if (weights.Fortz != 0.0)
-            add(fortzIncrement(weights, terms));
-        forEachIncrement(weights, oa, terms, add);
-    }
+    for (const int oa : scored)
+        forEachTermOf(oa, link, add);
+}
+
+template <class Add>
+void LinkAppraisal::forEachTermOf(int oa, Long link, Add add) const
+{
+    const LinkFigures &figures = index.figures[oa][link];
+    const LinkLoad terms{figures.load, figures.capacity, req.bw[oa]};
+    if (weights.Fortz != 0.0)
+        add(fortzIncrement(weights, terms));
+    forEachIncrement(weights, oa, terms, add);
 }
 
 bool LinkAppraisal::fill(GradedTerms &terms) const
@@ -166,12 +190,15 @@ bool LinkAppraisal::fill(GradedTerms &terms) const
 
 bool LinkAppraisal::fill(ListedTerms &terms, const unsigned char *verdicts) const
 {
+    terms.least = std::numeric_limits<double>::infinity();
     for (Long link = 0; link < index.nbLinks; ++link) {
         double *own = terms.terms + std::ptrdiff_t{link} * terms.perLink;
         if (verdicts[link] == refused)
             own[0] = std::numeric_limits<double>::quiet_NaN();
         else if (!fillOne(link, own))
             return false;
+        else
+            terms.least = std::min(terms.least, terms.extended(0.0, link));
     }
     return true;
 }
@@ -187,4 +214,69 @@ bool LinkAppraisal::fillOne(Long link, double *own) const
         areInRange = areInRange && isInRange(term);
     });
     return areInRange;
+}
+
+bool LinkAppraisal::hasPenalties() const
+{
+    return std::ranges::any_of(weights.rerouting, [](double weight) { return weight != 0.0; });
+}
+
+GeneralTerms LinkAppraisal::generalTerms() const
+{
+    GeneralTerms terms;
+    for (const int oa : scored) {
+        Long count = 0;
+        forEachTermOf(oa, 0, [&count](double) { ++count; });
+        const double balance = weights.loadBal[oa];
+        terms.classes[terms.nbClasses++] = {weights.Fortz != 0.0, balance != 0.0, count,
+                                            balance / static_cast<double>(index.nbLinks)};
+        terms.balanced.set(oa, balance != 0.0);
+        terms.perLink += count;
+    }
+    return terms;
+}
+
+bool LinkAppraisal::fill(GeneralTerms &terms, const unsigned char *verdicts)
+{
+    double *term = terms.terms;
+    UtilizationGrowth *growth = terms.growths;
+    for (Long link = 0; link < index.nbLinks; ++link) {
+        forEachTerm(link, [&term](double one) { *term++ = one; });
+        for (const int oa : terms.balanced) {
+            const LinkFigures &is = index.figures[oa][link];
+            const double before = is.load / is.capacity;
+            const double after = (is.load + req.bw[oa]) / is.capacity;
+            *growth++ = {weights.loadBal[oa] * (after * after - before * before),
+                         req.bw[oa] / is.capacity};
+        }
+    }
+    const Long nbMessages = errorManager.top;
+    for (Long link = 0; link < index.nbLinks && terms.penalties; ++link)
+        terms.penalties[link] = verdicts[link] == admitted ? penaltyOf(link) : 0.0;
+    const bool isTold = errorManager.top == nbMessages;
+    errorManager.top = nbMessages;
+    return isTold;
+}
+
+/** Whether the figures leave no doubt that nobody has to give way on a link. */
+bool LinkAppraisal::needsNoGain(Long link) const
+{
+    const auto fits = [&](int oa) { return req.bw[oa] <= index.fits[oa][MAXPL - 1][link]; };
+    return std::ranges::all_of(requested, fits) &&
+           index.maybeOverfull[MAXPL - 1][link].without(requested).isEmpty();
+}
+
+/** The weighted preemption penalty of a link, over all class types. */
+double LinkAppraisal::penaltyOf(Long link)
+{
+    double gain[MAXOA] = {};
+    if (!needsNoGain(link))
+        ask(link, gain);
+    double penalty = 0.0;
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        if (weights.rerouting[oa] != 0.0)
+            penalty +=
+                weights.rerouting[oa] * makeRerouteScore(&req, gain, &index.links[link]->state, oa);
+    }
+    return penalty;
 }

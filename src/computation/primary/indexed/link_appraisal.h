@@ -20,7 +20,7 @@ class LinkAppraisal
 {
 public:
     /** Which form the increments of the links take. */
-    enum class Form { alike, graded, listed };
+    enum class Form { alike, graded, listed, general };
 
     LinkAppraisal(DataBase &database, LSPRequest &request);
 
@@ -45,19 +45,32 @@ public:
     [[nodiscard]] bool fillFirst(ListedTerms &terms) const;
     ///@}
 
+    /** The general form of the increments, without tables. */
+    GeneralTerms generalTerms() const;
+    /** Fills in the tables; `penalties` too if preemption has a price. False, with nothing
+     * reported, when a penalty cannot be told without a message. */
+    [[nodiscard]] bool fill(GeneralTerms &terms, const unsigned char *verdicts);
+    /** Whether preemption has a price. */
+    bool hasPenalties() const;
+
 private:
     template <class Add>
     void forEachTerm(Long link, Add add) const;
+    template <class Add>
+    void forEachTermOf(int oa, Long link, Add add) const;
     bool fillOne(Long link, double *own) const;
+    bool needsNoGain(Long link) const;
+    double penaltyOf(Long link);
     void judgeByCapacity(unsigned char *verdicts) const;
     void judgeByIdsAlone(unsigned char *verdicts) const;
+    void refuseColors(unsigned char *verdicts) const;
     void judgeClass(int oa, unsigned char *verdicts) const;
     bool areRight(const unsigned char *verdicts);
     Verdict settle(Long link);
-    bool ask(Long link);
+    bool ask(Long link, double (&gain)[MAXOA]);
 
     DataBase &db;
-    const NetworkIndex &index = db.index;
+    NetworkIndex &index = db.index;
     LSPRequest &req;
     const PrimaryComputationConfig &weights = tarnexConfig.primaryComputationConfig;
     int level;

@@ -6,6 +6,7 @@
 #include "common/vector.h"
 #include "computation/primary/increments.h"
 #include "computation/primary/indexed/clear_search.h"
+#include "computation/primary/indexed/general_search.h"
 #include "computation/primary/indexed/level_search.h"
 #include "computation/primary/indexed/link_appraisal.h"
 #include "computation/primary/indexed/pass_search.h"
@@ -16,15 +17,12 @@
 namespace
 {
 
-/** Whether the weights are finite and leave out what depends on more than link and request. */
-bool areServed(const PrimaryComputationConfig &w)
+bool areFinite(const PrimaryComputationConfig &w)
 {
-    for (int oa = 0; oa < MAXOA; ++oa) {
-        if (!std::isfinite(sizeOfWeights(w, oa) + std::abs(w.Fortz)) || w.loadBal[oa] != 0.0 ||
-            w.rerouting[oa] != 0.0)
-            return false;
-    }
-    return true;
+    double size = std::abs(w.Fortz);
+    for (int oa = 0; oa < MAXOA; ++oa)
+        size += sizeOfWeights(w, oa) + std::abs(w.loadBal[oa]) + std::abs(w.rerouting[oa]);
+    return std::isfinite(size);
 }
 
 bool isServed(const LSPRequest &req)
@@ -34,11 +32,9 @@ bool isServed(const LSPRequest &req)
         path.size() > 2 && std::ranges::any_of(path, [](Long id) { return id < 0; });
     const bool isFinite =
         std::ranges::all_of(req.bw, [](double bw) { return std::isfinite(bw) && bw >= 0.0; });
-    const PredicateConfig &config = tarnexConfig.predicateConfig;
     return req.type == primaryLSP && isOpen && isFinite && req.rerouteInfo.id < 0 &&
            req.precedence >= 0 && req.precedence < MAXPL &&
-           (!config.colorClause || req.forbidLinks.top == 0) &&
-           areServed(tarnexConfig.primaryComputationConfig);
+           areFinite(tarnexConfig.primaryComputationConfig);
 }
 
 /** Writes the path from node number `src` to `dst`; false without memory. */
@@ -81,6 +77,8 @@ public:
             return runGraded(cost);
         case LinkAppraisal::Form::listed:
             return runListed(cost);
+        case LinkAppraisal::Form::general:
+            return runGeneral(cost);
         }
         return IndexedResult::notTried;
     }
@@ -107,14 +105,24 @@ private:
                                                             : IndexedResult::noMemory;
     }
 
-    template <class Search>
-    IndexedResult runPasses(Search &search, double &cost, const double *bounds = nullptr)
+    /** Takes the clear path, or has the passes decide. */
+    template <class Clear, class Passes>
+    IndexedResult runClearly(Clear &clear, Passes &passes, double &cost)
     {
-        search.run(dst, bounds);
-        if (!search.isReached(dst))
+        switch (clear.run(dst)) {
+        case Clearness::found:
+            cost = clear.cost();
+            return finish(clear.predecessors());
+        case Clearness::unreachable:
             return IndexedResult::unreachable;
-        cost = search.costOf(dst);
-        return finish(search.predecessors());
+        case Clearness::doubtful:
+            break;
+        }
+        passes.run(dst, clear.bounds());
+        if (!passes.isReached(dst))
+            return IndexedResult::unreachable;
+        cost = passes.costOf(dst);
+        return finish(passes.predecessors());
     }
 
     IndexedResult runAlike(double &cost)
@@ -130,7 +138,7 @@ private:
         if (!layOut(tables))
             return IndexedResult::noMemory;
         if (!appraisal.fillFirst(terms))
-            return IndexedResult::notTried;
+            return runGeneral(cost);
         appraisal.judge(verdicts);
         if (!search.run(verdicts, dst))
             return IndexedResult::unreachable;
@@ -143,7 +151,7 @@ private:
     IndexedResult runGraded(double &cost)
     {
         GradedTerms terms;
-        ClearSearch clear{index, terms, src};
+        ClearSearch<GradedTerms, GradedFrontier> clear{index, terms, src};
         PassSearch passes{index, terms, src};
         const auto tables = [&](Layout &layout) {
             layout.place(terms.grades, index.nbLinks);
@@ -153,34 +161,50 @@ private:
         if (!layOut(tables))
             return IndexedResult::noMemory;
         appraisal.judge(terms.grades);
-        if (!appraisal.fill(terms))
-            return IndexedResult::notTried;
-        switch (clear.run(dst)) {
-        case ClearSearch::Outcome::found:
-            cost = clear.cost();
-            return finish(clear.predecessors());
-        case ClearSearch::Outcome::unreachable:
-            return IndexedResult::unreachable;
-        case ClearSearch::Outcome::doubtful:
-            break;
-        }
-        return runPasses(passes, cost, clear.bounds());
+        return appraisal.fill(terms) ? runClearly(clear, passes, cost) : runGeneral(cost);
     }
 
     IndexedResult runListed(double &cost)
     {
         ListedTerms terms{appraisal.termsPerLink()};
         unsigned char *verdicts = nullptr;
-        PassSearch search{index, terms, src};
+        ClearSearch<ListedTerms, ListedFrontier> clear{index, terms, src};
+        PassSearch passes{index, terms, src};
         const auto tables = [&](Layout &layout) {
             layout.place(verdicts, index.nbLinks);
             layout.place(terms.terms, std::int64_t{index.nbLinks} * terms.perLink);
+            clear.layOut(layout);
+            passes.layOut(layout);
+        };
+        if (!layOut(tables))
+            return IndexedResult::noMemory;
+        appraisal.judge(verdicts);
+        return appraisal.fill(terms, verdicts) ? runClearly(clear, passes, cost) : runGeneral(cost);
+    }
+
+    IndexedResult runGeneral(double &cost)
+    {
+        GeneralTerms terms = appraisal.generalTerms();
+        unsigned char *verdicts = nullptr;
+        GeneralSearch search{index, terms, src};
+        const auto tables = [&](Layout &layout) {
+            layout.place(verdicts, index.nbLinks);
+            layout.place(terms.terms, std::int64_t{index.nbLinks} * terms.perLink);
+            layout.place(terms.growths, std::int64_t{index.nbLinks} * terms.nbSums());
+            if (appraisal.hasPenalties())
+                layout.place(terms.penalties, index.nbLinks);
             search.layOut(layout);
         };
         if (!layOut(tables))
             return IndexedResult::noMemory;
         appraisal.judge(verdicts);
-        return appraisal.fill(terms, verdicts) ? runPasses(search, cost) : IndexedResult::notTried;
+        if (!appraisal.fill(terms, verdicts))
+            return IndexedResult::notTried;
+        search.run(verdicts);
+        if (!search.isReached(dst))
+            return IndexedResult::unreachable;
+        cost = search.costOf(dst);
+        return finish(search.predecessors());
     }
 
     NetworkIndex &index;
@@ -198,11 +222,20 @@ IndexedResult searchIndexed(DataBase &db, LSPRequest &req, double &cost)
         return IndexedResult::notTried;
     if (!bringUpToDate(db, LinkAppraisal::levelFor(req)))
         return IndexedResult::noMemory;
-    if (!db.index.isConnected)
-        return IndexedResult::notTried;
     const Long src = linkedNode(db, req.path.cont[0]);
-    const Long dst = linkedNode(db, req.path.cont[req.path.top - 1]);
-    if (src < 0 || dst < 0 || src == dst)
+    const Long dstId = req.path.cont[req.path.top - 1];
+    const Long dst = linkedNode(db, dstId);
+    if (src < 0 || dstId < 0 || src == dst)
         return IndexedResult::notTried;
+    switch (reachOf(db.index, src)) {
+    case Reach::unknown:
+        return IndexedResult::noMemory;
+    case Reach::odd:
+        return IndexedResult::notTried;
+    case Reach::usual:
+        break;
+    }
+    if (dst < 0)
+        return IndexedResult::unreachable;
     return Routing{db, req, src, dst}.run(cost);
 }

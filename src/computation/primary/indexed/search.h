@@ -5,8 +5,8 @@
  * The result is that of the topology and the passes (plain/topology.h, plain/search.h), bit for
  * bit: the same links are admitted, the same labels chosen in the same passes. What differs is what
  * is not done: links whose figures leave no doubt are not put to the predicate (link_appraisal.h),
- * no record is made per link, and nodes are labelled only as far as it takes (level_search.h,
- * pass_search.h).
+ * no record is made per link, and nodes are labelled and looked at only as far as it takes
+ * (level_search.h, clear_search.h, pass_search.h; general_search.h for weights that these cannot).
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
@@ -25,9 +25,9 @@ enum class IndexedResult {
 /**
  * Computes the path of `req`, whose path names source and destination, and writes it there.
  *
- * Served is a primary without a rerouted LSP and without colours to avoid, under finite weights
- * that leave balance and preemption out and under which no link lowers a score, in a network in
- * which all nodes with links reach each other.
+ * Served is a primary without a rerouted LSP under finite weights, unless a link leads from a node
+ * that the source does not reach, with an id above all that it reaches, to one that it does (the
+ * passes stumble over it), or preemption has a price that cannot be told.
  *
  * @param cost the path's score, written when one is found
  */
