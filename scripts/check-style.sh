@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing and checks the formatting of the C++ code (clang-format) and, of src/ and
-# jni/, what static analysis finds (clang-tidy).
+# Installs what is missing and checks the formatting of the C++ code (clang-format) and, of src/,
+# jni/ and api/, what static analysis finds (clang-tidy).
 set -euo pipefail
 
 usage() {
@@ -69,7 +69,7 @@ if $analyse; then
     fi
     quietly build/style.log cmake --build --preset release --target tarnex_classes # the JNI header
     # Headers get their turn with the files that include them, or if they changed themselves.
-    to_analyse=$(files_to_check "\.(cpp${since:+|h})" src jni)
+    to_analyse=$(files_to_check "\.(cpp${since:+|h})" src jni api)
     xargs -r -P "$(nproc)" -n 1 clang-tidy -p build --quiet <<<"$to_analyse" 2>&1 |
         { grep -vE 'warnings? generated\.$' || true; }
 fi

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 
@@ -32,12 +33,13 @@ double lastHolding(double holdsAt, double failsAt, double guess, Holds holds)
     const auto start = std::bit_cast<std::uint64_t>(std::max(guess, 0.0));
     if (low < start && start < high) {
         const bool climbs = ask(start);
+        // NOLINTNEXTLINE(bugprone-infinite-loop): asking moves low or high
         for (std::uint64_t step = 1; high - low > step; step *= 2) {
             if (ask(climbs ? low + step : high - step) != climbs)
                 break;
         }
     }
-    while (high - low > 1)
+    while (high - low > 1) // NOLINT(bugprone-infinite-loop): likewise
         ask(low + (high - low) / 2);
     return std::bit_cast<double>(low);
 }
@@ -51,8 +53,8 @@ std::optional<double> lastHoldingBelow(double about, Holds holds)
 {
     if (holds(about))
         return about;
-    for (double share = 1e-15; share < 1.0; share *= 2.0) {
-        const double low = about * (1.0 - share);
+    for (int exponent = -50; exponent < 0; ++exponent) {
+        const double low = about * (1.0 - std::ldexp(1.0, exponent));
         if (holds(low))
             return lastHolding(low, about, low, holds);
     }

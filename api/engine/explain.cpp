@@ -193,6 +193,8 @@ Refusal whyNoPath(const Session &session, const Request &request, bool inFull)
 Refusal whyNoRoomOn(const Session &session, const Request &request, std::span<const Long> path,
                     bool inFull)
 {
+    if (wouldBePlaced(session, request, path, request.bandwidth))
+        throw std::bad_alloc{}; // the path has room, so what lacked was memory
     Refusal result = refusal(Reason::noRoom, "The path " + fromTo(path.front(), path.back()) +
                                                  " has no room" + wanted(session, request));
     if (!inFull) {
@@ -211,8 +213,6 @@ Refusal whyNoRoomOn(const Session &session, const Request &request, std::span<co
     }
     std::ranges::sort(result.inTheWay, {}, &LinkInTheWay::link);
     largest = placeable(session, request, path, largest);
-    if (largest && *largest >= request.bandwidth)
-        throw std::bad_alloc{}; // the path has room, so what lacked was memory
     result.largestBandwidth = largest.value_or(0.0);
     result.sentence += whatFits(largest);
     return result;

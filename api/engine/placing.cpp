@@ -132,60 +132,60 @@ Result<tarnex::Placement> placeOrPropose(Session &session, const Request &reques
 
 } // namespace
 
-Result<Placement> Engine::place(const Request &wanted)
+Result<Placement> Engine::place(const Request &request)
 {
     State &session = live();
     const inside::Turn turn{session};
-    const Request request = inside::checked(session, wanted);
-    const LspId id = session.idFor(request.id);
+    const Request wanted = inside::checked(session, request);
+    const LspId id = session.idFor(wanted.id);
     session.makeRoom(std::int64_t{id.value} + 1);
-    turn.configureFor(request);
-    return placeOrPropose(session, request, id, PlacementGoal::lsp,
+    turn.configureFor(wanted);
+    return placeOrPropose(session, wanted, id, PlacementGoal::lsp,
                           session.options.explainsRefusals);
 }
 
-Result<Placement> Engine::propose(const Request &wanted)
+Result<Placement> Engine::propose(const Request &request)
 {
     State &session = live();
     const inside::Turn turn{session};
-    const Request request = inside::checked(session, wanted);
-    const LspId id = session.idFor(request.id);
-    turn.configureFor(request);
-    return placeOrPropose(session, request, id, PlacementGoal::proposal,
+    const Request wanted = inside::checked(session, request);
+    const LspId id = session.idFor(wanted.id);
+    turn.configureFor(wanted);
+    return placeOrPropose(session, wanted, id, PlacementGoal::proposal,
                           session.options.explainsRefusals);
 }
 
-std::optional<Refusal> Engine::explain(const Request &wanted)
+std::optional<Refusal> Engine::explain(const Request &request)
 {
     State &session = live();
     const inside::Turn turn{session};
-    const Request request = inside::checked(session, wanted);
-    turn.configureFor(request);
+    const Request wanted = inside::checked(session, request);
+    turn.configureFor(wanted);
     const auto proposed =
-        placeOrPropose(session, request, session.idFor({}), PlacementGoal::proposal, true);
+        placeOrPropose(session, wanted, session.idFor({}), PlacementGoal::proposal, true);
     return proposed ? std::nullopt : std::optional{proposed.refusal()};
 }
 
-Result<Placement> Engine::add(const Request &wanted, std::span<const NodeId> path)
+Result<Placement> Engine::add(const Request &request, std::span<const NodeId> path)
 {
     State &session = live();
     const inside::Turn turn{session};
-    Request request = inside::checked(session, wanted);
+    Request wanted = inside::checked(session, request);
     const std::vector<Long> nodes = inside::checkedPath(session, path);
-    request.ingress = path.front();
-    request.egress = path.back();
-    const LspId id = session.idFor(request.id);
+    wanted.ingress = path.front();
+    wanted.egress = path.back();
+    const LspId id = session.idFor(wanted.id);
     session.makeRoom(std::int64_t{id.value} + 1);
-    turn.configureFor(request);
-    CoreRequest given{request, id, nodes};
+    turn.configureFor(wanted);
+    CoreRequest given{wanted, id, nodes};
     Report report{session, true};
     switch (admitPrimary(session.db, given.get(), PlacementGoal::lsp, report)) {
     case ::Placement::done:
         report.result.id = id;
-        settle(session, request, report.result);
+        settle(session, wanted, report.result);
         return std::move(report.result);
     case ::Placement::notAdded:
-        return inside::whyNoRoomOn(session, request, nodes, session.options.explainsRefusals);
+        return inside::whyNoRoomOn(session, wanted, nodes, session.options.explainsRefusals);
     case ::Placement::notRemoved:
         report.result.id = id;
         takeBack(session, report.result);

@@ -163,7 +163,7 @@ std::size_t admitAll(const Session &session, std::span<const Lsp> backups,
 std::vector<Long> checkedPath(const Session &session, const BackupSpec &backup,
                               std::span<const Long> primary)
 {
-    const std::vector<Long> nodes = inside::checkedPath(session, backup.path);
+    std::vector<Long> nodes = inside::checkedPath(session, backup.path);
     const auto start = std::ranges::find(primary, nodes.front());
     if (start >= primary.end() - 1)
         wrong("A backup starts at a node of its primary's path before the egress.");
@@ -175,7 +175,7 @@ std::vector<Long> checkedPath(const Session &session, const BackupSpec &backup,
     const auto last = isLocal ? start + 1 : primary.end() - 1;
     for (auto at = start; at != last; ++at) {
         const std::array hop{*at, *(at + 1)};
-        if (std::ranges::search(nodes, hop).begin() != nodes.end())
+        if (std::search(nodes.begin(), nodes.end(), hop.begin(), hop.end()) != nodes.end())
             wrong("A backup uses no link that it is to protect.");
     }
     return nodes;

@@ -224,17 +224,17 @@ std::optional<double> Walk::widest(double refused)
     low = roomAlongWay(low);
     // What remains is rounding: ways whose links do not surely take as much, but do.
     double high = refused;
-    for (double next = std::nextafter(low, high); next < high; next = std::nextafter(low, high)) {
-        if (!reaches(next))
-            return low;
+    double next = std::nextafter(low, high);
+    while (next < high && reaches(next)) {
         low = roomAlongWay(next);
         const double middle = std::midpoint(low, high);
-        if (middle <= low || middle >= high)
-            continue;
-        if (reaches(middle))
-            low = roomAlongWay(middle);
-        else
-            high = middle;
+        if (low < middle && middle < high) {
+            if (reaches(middle))
+                low = roomAlongWay(middle);
+            else
+                high = middle;
+        }
+        next = std::nextafter(low, high);
     }
     return low;
 }

@@ -67,8 +67,9 @@ public:
     Turn(const Turn &) = delete;
     Turn &operator=(const Turn &) = delete;
 
-    /** Sets the configuration for a primary: weights and prices count in its class type alone, and
-     * the latter only where it may take something. */
+    /** Sets the configuration for a primary. Weights and prices are those of its own class type,
+     * and prices count only if it may take something: in others nothing grows, and a share of
+     * nothing is no number. */
     void configureFor(const Request &request) const;
     /** Sets the configuration for LSPs that nothing has to give way for. */
     void configureForBackups() const;

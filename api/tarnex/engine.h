@@ -13,7 +13,10 @@
  *
  * What cannot be done is a Refusal and changes nothing. Wrong use (an id that is taken or unknown
  * where one must exist, a level out of range, a bandwidth that is no number) throws WrongUse, a
- * lack of memory std::bad_alloc; the network and its reservations are then as they were.
+ * lack of memory std::bad_alloc; the network and its reservations are then as they were, but for
+ * the rounding of bandwidths that had to be taken back.
+ *
+ * Nothing is printed, and sessions of the native methods may be used in the same process.
  */
 #ifndef TARNEX_ENGINE_H
 #define TARNEX_ENGINE_H
@@ -55,8 +58,8 @@ public:
 
     void addNode(NodeId node);
     void addLink(const LinkSpec &link);
-    /** Removes a link, and before it the LSPs that use it with their backups, which are returned.
-     */
+    /** Removes a link, and before it the LSPs that use it, which are returned by id, each primary
+     * followed by its backups; a backup that uses it without its primary goes alone. */
     std::vector<Lsp> removeLink(LinkId link);
     /** Removes a node with its links; as removeLink. */
     std::vector<Lsp> removeNode(NodeId node);
@@ -71,14 +74,20 @@ public:
     /** Computes backups for a primary and sets them up, all or none; their ids are the next ones
      * never used or, if `firstId` is valid, the ones from there on. */
     Result<Protection> protect(LspId primary, Scheme scheme, LspId firstId = {});
-    /** Sets up a primary on a given path; its request's ends are those of the path. */
+    /** Sets up a primary on a given path, which passes no node twice; the request's ends are taken
+     * from the path. */
     Result<Placement> add(const Request &request, std::span<const NodeId> path);
-    /** Sets up a given backup of a primary. */
+    /**
+     * Sets up a given backup of a primary, which uses no link that it is to protect. A local one
+     * protects the link of the primary's path after its own first node and leads to a later node;
+     * a global one protects all links from its first node on and leads to the egress.
+     */
     Result<Lsp> add(const BackupSpec &backup);
     /** Removes an LSP, a primary with its backups. */
     void remove(LspId lsp);
 
-    /** Why a request would get no path, in full, whatever the options; none when it would. */
+    /** Why a request would get no path, in full even if `explainsRefusals` is off; none when it
+     * would get one. */
     std::optional<Refusal> explain(const Request &request);
     /** Why a primary would get no such backups; none when it would. */
     std::optional<Refusal> explainProtection(LspId primary, Scheme scheme);

@@ -27,6 +27,7 @@ struct Id {
     /** A valid id as an index. */
     constexpr std::size_t index() const { return static_cast<std::size_t>(value); }
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): there is no pointer
     friend constexpr auto operator<=>(Id, Id) = default;
 };
 

@@ -25,8 +25,10 @@ enum class Objective {
 
 /**
  * Weights of the criteria that a path's score adds up, link by link, in each class type. A weight
- * of 0 switches its criterion off. With load L, capacity C and the bandwidth b asked for, a link
- * adds:
+ * of 0 switches its criterion off, all others are finite and above 0. Scores that are no further
+ * apart than 1e-10 count as equal, so a weight has to be large where the figures of its criterion
+ * are small, such as delays where bandwidths are counted in single bits. With load L, capacity C
+ * and the bandwidth b asked for, a link adds:
  */
 struct Weights {
     double fortz = 0.0;              ///< slope of the cost piece at L / C, times b
@@ -51,9 +53,12 @@ struct Options {
     /**
      * Price of taking a unit of bandwidth from LSPs of a class type and level, each 0 or more: a
      * link where LSPs have to give way costs so many times more. All 0: preemption costs nothing.
+     * Prices make requests that may preempt take the slower search of the whole topology, as the
+     * weight of balance makes all.
      */
     PerLevel preemptionPrices{};
-    bool testsCapacity = true; ///< false: every link has room for everything
+    /** False: every link has room for every LSP; computed backups keep to capacities even so. */
+    bool testsCapacity = true;
     /**
      * Whether a refusal tells the largest bandwidth that would fit and the links in the way;
      * without it, finding out why costs one walk over the network only. Engine::explain always

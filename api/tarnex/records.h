@@ -16,7 +16,8 @@ struct LinkSpec {
     LinkId id;
     NodeId from;
     NodeId to;
-    std::span<const double> capacity; ///< per class type in use; one that is missing is 0
+    /** Per class type in use, finite and 0 or more; one that is missing is 0. */
+    std::span<const double> capacity;
 };
 
 /** A primary LSP that is wanted. */

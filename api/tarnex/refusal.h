@@ -36,9 +36,16 @@ struct LinkInTheWay {
 /** Why a request got no path. */
 struct Refusal {
     Reason reason = Reason::noRoom;
-    std::string sentence;          ///< for people; names ids
-    double largestBandwidth = 0.0; ///< the largest that would have been placed on the same terms
-    std::vector<LinkInTheWay> inTheWay; ///< by link id
+    std::string sentence; ///< for people; names ids, and what would fit in at most 12 digits
+    /**
+     * The largest double that would have been placed on the same terms; with the next larger one
+     * the request is refused as well. 0 also when not even 0 would be placed, when no bandwidth
+     * would help, and for backups, whose room follows from the LSP that they protect.
+     */
+    double largestBandwidth = 0.0;
+    /** By link id; for a given path its links without room. Empty where no bandwidth would help,
+     * and for backups. */
+    std::vector<LinkInTheWay> inTheWay;
 };
 
 /** A value, or the refusal in its place. */
