@@ -27,6 +27,8 @@ public:
     const std::vector<std::string_view> &words() const { return split; }
     /** The number of the line, from 1. */
     std::size_t line() const { return lineNumber; }
+    /** How many bytes are behind the line. */
+    std::size_t sizeOfRest() const { return following < text.size() ? text.size() - following : 0; }
 
     /** A word as a finite number, or as a position from 0; `what` names it in the InputError. */
     double number(std::size_t word, std::string_view what) const;

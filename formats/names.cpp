@@ -41,11 +41,13 @@ std::size_t characterLength(std::string_view text)
 
 bool isUtf8(std::string_view text)
 {
-    while (!text.empty()) {
-        const std::size_t length = characterLength(text);
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const bool isAscii = static_cast<Byte>(text[at]) < 0x80; // as nearly all is
+        const std::size_t length = isAscii ? 1 : characterLength(text.substr(at));
         if (length == 0)
             return false;
-        text.remove_prefix(length);
+        at += length;
     }
     return true;
 }

@@ -72,7 +72,8 @@ private:
         if (scopes.size() >= maxDepth)
             lexer.fail(fmt::format("subgraphs are nested more than {} deep", maxDepth));
         lexer.expect("{");
-        scopes.push_back(Scope(scopes.back()));
+        Scope inner = scopes.back();
+        scopes.push_back(std::move(inner));
     }
 
     void readDefaults()
@@ -86,13 +87,25 @@ private:
                                                 : ofSubgraph);
     }
 
+    /** Whether an attribute of nodes or edges is of use. Others are not kept: defaults are copied
+     * to every node and edge, and have to be few and short. */
+    static bool isRead(std::string_view name, std::string_view value)
+    {
+        constexpr std::size_t longestValue = 64;
+        const bool isCapacity = name.starts_with("capacity") && name.size() <= sizeof "capacity";
+        return value.size() <= longestValue &&
+               (isCapacity || name == "type" || name == "longitude" || name == "latitude");
+    }
+
     /** Any number of lists in brackets. */
     void readAttributes(DotAttributes &attributes)
     {
         while (lexer.takeIf("[")) {
             while (!lexer.takeIf("]")) {
                 const std::string name = lexer.takeId("the name of an attribute or ']'");
-                attributes[name] = lexer.takeIf("=") ? lexer.takeId("a value") : "true";
+                std::string value = lexer.takeIf("=") ? lexer.takeId("a value") : "true";
+                if (&attributes == &graph.attributes || isRead(name, value))
+                    attributes[name] = std::move(value);
                 if (!lexer.takeIf(","))
                     lexer.takeIf(";");
             }

@@ -26,7 +26,8 @@ struct DotEdge {
     DotAttributes attributes{};
 };
 
-/** Nodes and edges in the order in which they are first mentioned; subgraphs are dissolved. */
+/** Nodes and edges, with the attributes that are of use, in the order in which they are first
+ * mentioned; subgraphs are dissolved. */
 struct DotGraph {
     std::string id;
     bool isDirected = false;

@@ -69,7 +69,7 @@ private:
     {
         const std::string_view directed = document.attribute(graph, "edgedefault");
         if (directed != "directed" && directed != "undirected")
-            document.fail(graph, "expected edgedefault=\"directed\" or \"undirected\"");
+            document.fail(graph, R"(expected edgedefault="directed" or "undirected")");
         source.isDirected = directed == "directed";
         source.name = graphData(graph, "label");
         if (source.name.empty())

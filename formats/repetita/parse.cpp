@@ -37,29 +37,32 @@ private:
     {
         const std::string section(lines.words()[0]);
         if (section == "NODES")
-            readRows(&RepetitaParser::readNode, {"x", "y"});
+            readRows(source.nodes, &RepetitaParser::node, {"x", "y"});
         else if (section == "EDGES")
-            readRows(&RepetitaParser::readEdge, {"src", "dest", "bw"});
+            readRows(source.edges, &RepetitaParser::edge, {"src", "dest", "bw"});
         else if (section == "DEMANDS")
-            readRows(&RepetitaParser::readDemand, {"src", "dest", "bw"});
+            readRows(source.demands, &RepetitaParser::demand, {"src", "dest", "bw"});
         else
             lines.fail(0, "expected NODES, EDGES or DEMANDS");
     }
 
     /** A count of rows, a line of labels, the rows. */
-    void readRows(void (RepetitaParser::*readRow)(const Columns &),
+    template <class Row>
+    void readRows(std::vector<Row> &rows, Row (RepetitaParser::*rowIn)(const Columns &) const,
                   const std::vector<std::string_view> &labels)
     {
+        constexpr std::size_t shortestRow = 6; // "a 0 0" and the end of the line
         const std::string section(lines.words()[0]);
         const std::size_t count = lines.position(1, "the number of rows");
         if (!lines.next() || lines.words()[0] != "label")
             lines.fail(0, fmt::format("expected the labels of the columns of {}", section));
         const Columns columns{column(labels[0]), column(labels[1]),
                               labels.size() > 2 ? column(labels[2]) : 0};
+        rows.reserve(rows.size() + std::min(count, lines.sizeOfRest() / shortestRow));
         for (std::size_t row = 0; row < count; ++row) {
             if (!lines.next())
                 lines.fail(0, fmt::format("expected {} rows of {}, not {}", count, section, row));
-            (this->*readRow)(columns);
+            rows.push_back((this->*rowIn)(columns));
         }
     }
 
@@ -72,7 +75,7 @@ private:
         return static_cast<std::size_t>(found - words.begin());
     }
 
-    void readNode(const Columns &columns)
+    SourceNode node(const Columns &columns) const
     {
         SourceNode node;
         node.key = std::to_string(source.nodes.size());
@@ -81,7 +84,7 @@ private:
         const Coordinates at{lines.number(columns.first, "x"), lines.number(columns.second, "y")};
         if (at != Coordinates{}) // which stands for a place that is not known
             node.at = at;
-        source.nodes.push_back(std::move(node));
+        return node;
     }
 
     template <class Ends>
@@ -94,19 +97,19 @@ private:
         return result;
     }
 
-    void readEdge(const Columns &columns)
+    SourceEdge edge(const Columns &columns) const
     {
         auto edge = ends<SourceEdge>(columns);
         edge.capacity = {lines.number(columns.third, "bw")};
-        source.edges.push_back(std::move(edge));
+        return edge;
     }
 
-    void readDemand(const Columns &columns)
+    SourceDemand demand(const Columns &columns) const
     {
         auto demand = ends<SourceDemand>(columns);
         demand.name = lines.words()[0];
         demand.bandwidth = lines.number(columns.third, "bw");
-        source.demands.push_back(std::move(demand));
+        return demand;
     }
 
     LineReader lines;
