@@ -163,7 +163,7 @@ constexpr Shape<Draft> demandLevel{
 
 constexpr Shape<Draft> demandBandwidth{
     .what = "a number of 0 or more",
-    .number = [](Draft &draft, double bandwidth) { draft.demand.bandwidth = amount(bandwidth); }};
+    .number = [](Draft &draft, double value) { draft.demand.bandwidth = bandwidth(value); }};
 
 constexpr Member<Draft> demandMembers[] = {
     {"name", &demandName, false},

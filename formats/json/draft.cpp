@@ -2,6 +2,7 @@
 
 #include "formats/json/events.h"
 #include "formats/json/schemas.h"
+#include "formats/number.h"
 
 #include <algorithm>
 #include <limits>
@@ -245,6 +246,13 @@ double amount(double value)
     if (!(value >= 0.0))
         throw Problem("expected a number of 0 or more");
     return value;
+}
+
+double bandwidth(double value)
+{
+    if (!(value <= largestBandwidth))
+        throw Problem("expected a number that is no larger than 1e100");
+    return amount(value);
 }
 
 int count(std::int64_t value)

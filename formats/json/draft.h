@@ -103,6 +103,9 @@ void expectNextId(std::int64_t id, std::size_t next);
 /** A number that is not negative; Problem otherwise. */
 double amount(double value);
 
+/** A capacity or what is asked for: an amount that sums and other units leave finite. */
+double bandwidth(double value);
+
 /** A number of times, 0 or more; Problem otherwise. */
 int count(std::int64_t value);
 

@@ -63,7 +63,7 @@ constexpr Shape<Draft> linkNumber{.what = "an id", .integer = [](Draft &draft, s
 
 constexpr Shape<Draft> capacityOfClass{
     .what = "a number of 0 or more",
-    .number = [](Draft &draft, double capacity) { draft.row.push_back(amount(capacity)); }};
+    .number = [](Draft &draft, double capacity) { draft.row.push_back(bandwidth(capacity)); }};
 
 constexpr Shape<Draft> capacity{.what = "a list of numbers, one per class",
                                 .element = &capacityOfClass,

@@ -2,9 +2,9 @@
 
 #include "formats/json/schemas.h"
 #include "formats/json/shapes.h"
+#include "formats/number.h"
 
 #include <cerrno>
-#include <cmath>
 #include <fstream>
 #include <system_error>
 #include <utility>
@@ -94,7 +94,7 @@ Input inputOf(Draft &&draft, const std::string &file, const ReadOptions &options
     input.demands = std::move(draft.plan.demands);
     for (Demand &demand : input.demands) {
         demand.bandwidth *= options.scale;
-        if (!std::isfinite(demand.bandwidth))
+        if (!(demand.bandwidth <= largestBandwidth))
             throw InputError(file, 0, 0, "a demand is too large to be scaled");
     }
     return input;

@@ -1,10 +1,10 @@
 #include "formats/json/json.h"
+#include "formats/number.h"
 #include "formats/place.h"
 #include "formats/write.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -36,7 +36,7 @@ public:
         const std::uint64_t bits = random() >> 1U;
         double value = 0.0;
         std::memcpy(&value, &bits, sizeof value);
-        return std::isfinite(value) ? value : 0.0;
+        return value <= largestBandwidth ? value : 0.0;
     }
 
     std::string name(const std::string &prefix)
@@ -388,6 +388,7 @@ TEST(Json, DamagedPlansAreRefusedWithTheirPlace)
         {"[7]}", R"([7]},{"from":"A","to":"B","capacity":[1]|})",
          "a second link from \"A\" to \"B\""},
         {"[7]", "[|-7]", "expected a number of 0 or more"},
+        {"[7]", "[|2e100]", "expected a number that is no larger than 1e100"},
         {"[7]", "[7,7]|", "expected a capacity per class, which are 1"},
         {"[7]", "[1e99|9]", "number overflow"},
         {"[7]", "[|NaN]", "syntax error"},
