@@ -78,8 +78,9 @@ struct Plan {
     std::vector<Demand> demands;
     std::vector<Outcome> outcomes; ///< by demand
     std::vector<PlannedUse> use;   ///< by link
-    /** The order in which the LSPs that are there were set up, backups right after their primary:
-     * who sets them up again in this order comes to the same reservations bit for bit. */
+    /** The placed demands in the order in which their LSPs were set up: first all primaries, then
+     * their backups, LSP by LSP in the same order. Who sets them up again like this comes to the
+     * same reservations bit for bit. */
     std::vector<DemandId> setUp;
 };
 

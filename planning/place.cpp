@@ -34,6 +34,8 @@ public:
         for (const DemandId id : plan.setUp) {
             nextBackup.value += static_cast<std::int32_t>(lspOf(id).backups.size());
             setUpAt[id.index()] = nbSetUps++;
+            hasHistory =
+                hasHistory || !lspOf(id).backups.empty(); // which come before new primaries
         }
     }
 
@@ -190,7 +192,6 @@ private:
         for (const Lsp &backup : protection->backups)
             lsp.backups.push_back(plannedBackup(backup));
         nextBackup.value += static_cast<std::int32_t>(lsp.backups.size());
-        hasHistory = true;
     }
 
     /** Protects the LSPs set up from a moment on: by level, then as they were set up. */
@@ -203,6 +204,8 @@ private:
         }
         std::ranges::stable_sort(ids, {},
                                  [&](DemandId id) { return plan.demands[id.index()].level; });
+        hasHistory = hasHistory || !std::ranges::is_sorted(
+                                       ids, {}, [&](DemandId id) { return setUpAt[id.index()]; });
         for (std::size_t i = 0; i < ids.size() && goesOn(Phase::protecting, i, ids.size()); ++i)
             protectOne(ids[i], *schemeOf(ids[i]));
     }
@@ -222,26 +225,27 @@ private:
     /**
      * Sets up in the plan's order what came about in another, so that the plan and whoever sets it
      * up agree to the bit. On a link that is full to the last bit, other roundings may keep an LSP
-     * out; it then loses its backups first.
+     * out, which is then refused.
      */
     void setUpAnew()
     {
         engine = engineOf(plan.network, plan.options.engine);
-        LspId backup{static_cast<std::int32_t>(plan.demands.size())};
+        const std::size_t nbPlaced = plan.setUp.size();
         for (const DemandId id : std::exchange(plan.setUp, {})) {
+            progress.at(Phase::settingUp, plan.setUp.size(), nbPlaced);
+            if (auto refusal = setUpPrimary(engine, plan.demands[id.index()], id, lspOf(id)))
+                plan.outcomes[id.index()] = named(id, std::move(*refusal));
+            else
+                plan.setUp.push_back(id);
+        }
+        LspId backup{static_cast<std::int32_t>(plan.demands.size())};
+        for (const DemandId id : plan.setUp) {
             PlannedLsp &lsp = lspOf(id);
-            auto refusal = trySetUp(engine, plan.demands[id.index()], id, lsp, backup);
-            if (refusal && !lsp.backups.empty()) {
+            if (auto refusal = setUpBackups(engine, id, lsp, backup)) {
                 lsp.unprotected = named(id, std::move(*refusal));
                 lsp.backups.clear();
-                refusal = trySetUp(engine, plan.demands[id.index()], id, lsp, backup);
-            }
-            if (refusal) {
-                plan.outcomes[id.index()] = named(id, std::move(*refusal));
-                continue;
             }
             backup.value += static_cast<std::int32_t>(lsp.backups.size());
-            plan.setUp.push_back(id);
         }
     }
 

@@ -48,20 +48,25 @@ Request requestOf(const Demand &demand, DemandId id, bool mayPreempt)
             .id = lspOf(id)};
 }
 
-std::optional<Refusal> trySetUp(Engine &engine, const Demand &demand, DemandId id,
-                                const PlannedLsp &lsp, LspId firstBackup)
+std::optional<Refusal> setUpPrimary(Engine &engine, const Demand &demand, DemandId id,
+                                    const PlannedLsp &lsp)
 {
     const auto placed = engine.add(requestOf(demand, id, false), lsp.path);
-    if (!placed)
-        return placed.refusal();
+    return placed ? std::nullopt : std::optional{placed.refusal()};
+}
+
+std::optional<Refusal> setUpBackups(Engine &engine, DemandId id, const PlannedLsp &lsp, LspId first)
+{
+    LspId next = first;
     for (const PlannedBackup &backup : lsp.backups) {
         const auto added = engine.add(
-            {.primary = lspOf(id), .kind = backup.kind, .path = backup.path, .id = firstBackup});
+            {.primary = lspOf(id), .kind = backup.kind, .path = backup.path, .id = next});
         if (!added) {
-            engine.remove(lspOf(id));
+            while (next > first)
+                engine.remove(LspId{--next.value});
             return added.refusal();
         }
-        ++firstBackup.value;
+        ++next.value;
     }
     return std::nullopt;
 }
@@ -69,18 +74,24 @@ std::optional<Refusal> trySetUp(Engine &engine, const Demand &demand, DemandId i
 Engine setUp(const Plan &plan)
 {
     Engine engine = engineOf(plan.network, optionsFor(plan.network, plan.options.engine));
-    LspId firstBackup{static_cast<std::int32_t>(plan.demands.size())};
+    const auto require = [&plan](DemandId id, const std::optional<Refusal> &refusal) {
+        if (refusal)
+            throw SetUpError(fmt::format("{} cannot be set up: {}",
+                                         nameOf(plan.network, plan.demands, id),
+                                         textOf(refusal->reason)));
+    };
     for (const DemandId id : plan.setUp) {
         const auto *lsp = std::get_if<PlannedLsp>(&plan.outcomes.at(id.index()));
         if (!lsp)
             throw SetUpError(fmt::format("{} is to be set up, but was not placed",
                                          nameOf(plan.network, plan.demands, id)));
-        if (const auto refusal =
-                trySetUp(engine, plan.demands.at(id.index()), id, *lsp, firstBackup))
-            throw SetUpError(fmt::format("{} cannot be set up: {}",
-                                         nameOf(plan.network, plan.demands, id),
-                                         textOf(refusal->reason)));
-        firstBackup.value += static_cast<std::int32_t>(lsp->backups.size());
+        require(id, setUpPrimary(engine, plan.demands.at(id.index()), id, *lsp));
+    }
+    LspId firstBackup{static_cast<std::int32_t>(plan.demands.size())};
+    for (const DemandId id : plan.setUp) {
+        const auto &lsp = std::get<PlannedLsp>(plan.outcomes[id.index()]);
+        require(id, setUpBackups(engine, id, lsp, firstBackup));
+        firstBackup.value += static_cast<std::int32_t>(lsp.backups.size());
     }
     return engine;
 }

@@ -36,13 +36,17 @@ Engine engineOf(const Network &network, const Options &options);
 /** What is asked of an engine to place a demand. */
 Request requestOf(const Demand &demand, DemandId id, bool mayPreempt);
 
-/** Sets up the LSP of a demand with its backups, which get the ids from `firstBackup` on. A refusal
- * leaves nothing of it set up. */
-std::optional<Refusal> trySetUp(Engine &engine, const Demand &demand, DemandId id,
-                                const PlannedLsp &lsp, LspId firstBackup);
+/** Sets up the LSP of a demand, without its backups. */
+std::optional<Refusal> setUpPrimary(Engine &engine, const Demand &demand, DemandId id,
+                                    const PlannedLsp &lsp);
 
-/** An engine with all LSPs of a plan, set up in the plan's order. SetUpError when one is refused.
- */
+/** Sets up the backups of a demand's LSP, under the ids from `first` on; a refusal leaves none of
+ * them set up. */
+std::optional<Refusal> setUpBackups(Engine &engine, DemandId id, const PlannedLsp &lsp,
+                                    LspId first);
+
+/** An engine with all LSPs of a plan, set up in the plan's order. SetUpError when one is refused;
+ * WrongUse when the plan is not sound. */
 Engine setUp(const Plan &plan);
 
 /** A backup that an engine has set up, as a plan has it. */

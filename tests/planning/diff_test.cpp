@@ -20,7 +20,8 @@ Plan somePlan(std::uint32_t seed)
     Draw draw{seed};
     const Network network = randomNetwork(draw, {});
     Progress progress;
-    PlanOptions options = randomOptions(draw, network);
+    PlanOptions options;
+    options.protection.assign(network.levels.size(), Scheme::localOrGlobal);
     return place(network, randomDemands(draw, network, 80), options, progress);
 }
 

@@ -68,7 +68,8 @@ PlanOptions randomOptions(Draw &draw, const Network &network)
     options.order = static_cast<Order>(draw.below(4));
     options.preempts = !draw.oneIn(4);
     options.retryRounds = draw.below(4);
-    for (std::size_t p = 0; p < network.levels.size(); ++p) {
+    const bool protects = !draw.oneIn(3);
+    for (std::size_t p = 0; p < network.levels.size() && protects; ++p) {
         const int scheme = draw.below(4);
         options.protection.push_back(scheme == 3 ? LevelScheme{}
                                                  : LevelScheme{static_cast<Scheme>(scheme)});
