@@ -79,11 +79,10 @@ void noteLosses(Format format, const Network &network, std::span<const Demand> d
     const bool hasHosts = std::any_of(network.nodes.begin(), network.nodes.end(),
                                       [](const Node &node) { return !node.hosts.empty(); });
     lose(holds.networkName, !network.name.empty(), "name of the network", "left out");
-    lose(holds.classes, hasClasses(network), fmt::format("{} class types", network.classes.size()),
+    lose(holds.classes, hasClasses(network), counted(network.classes.size(), "class type"),
          "left out; a link gets the sum of their capacities");
-    lose(holds.levels, hasLevels(network), fmt::format("{} levels", network.levels.size()),
-         "left out");
-    lose(holds.demands, !demands.empty(), fmt::format("{} demands", demands.size()), "left out");
+    lose(holds.levels, hasLevels(network), counted(network.levels.size(), "level"), "left out");
+    lose(holds.demands, !demands.empty(), counted(demands.size(), "demand"), "left out");
     lose(holds.hosts, hasHosts, "hosts", "left out");
     if (!holds.anyName)
         noteNames(network, demands, remarks);

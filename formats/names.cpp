@@ -82,6 +82,14 @@ std::string cleanName(std::string_view name)
     return result;
 }
 
+std::vector<std::string> cleanNames(const std::vector<std::string> &names)
+{
+    std::vector<std::string> result;
+    for (const std::string &name : names)
+        result.push_back(cleanName(name));
+    return result;
+}
+
 std::string wordOf(std::string_view name, std::string_view marks)
 {
     std::string word(name.empty() ? "_" : name);

@@ -18,6 +18,7 @@ std::string fromLatin1(std::string_view text);
 /** A name without blanks at its ends; control characters, and everything above ASCII if it is not
  * UTF-8, become '_'. */
 std::string cleanName(std::string_view name);
+std::vector<std::string> cleanNames(const std::vector<std::string> &names);
 
 /** A name as one word: blanks and the given marks become '_'; empty: "_". */
 std::string wordOf(std::string_view name, std::string_view marks);

@@ -9,6 +9,9 @@
 namespace tarnex::formats
 {
 
+/** Far above any bandwidth there is, and far enough below infinity for sums and other units. */
+inline constexpr double largestBandwidth = 1e100;
+
 /** A text that is a finite number and nothing else. */
 std::optional<double> numberIn(std::string_view text);
 

@@ -55,6 +55,11 @@ const Remark *Remarks::firstError() const
     return error == remarks.end() ? nullptr : &*error;
 }
 
+std::string counted(std::size_t count, const std::string &noun)
+{
+    return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
+}
+
 std::string textOf(const Remark &remark)
 {
     if (remark.count == 0)

@@ -41,6 +41,9 @@ private:
     std::vector<Remark> remarks;
 };
 
+/** "1 link", "2 links". */
+std::string counted(std::size_t count, const std::string &noun);
+
 /** A remark in one line, for people. */
 std::string textOf(const Remark &remark);
 

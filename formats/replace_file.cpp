@@ -4,6 +4,7 @@
 #include <fstream>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -24,7 +25,7 @@ namespace
 class Neighbour
 {
 public:
-    explicit Neighbour(const std::filesystem::path &of) : target(of)
+    explicit Neighbour(std::filesystem::path of) : target(std::move(of))
     {
         for (int attempt = 0, made = -1; made < 0; ++attempt) {
             name = target.string() + "." + std::to_string(::getpid()) + "-" +

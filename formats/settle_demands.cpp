@@ -10,7 +10,6 @@
 #include <tarnex/options.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <optional>
 #include <unordered_map>
@@ -146,14 +145,14 @@ public:
 private:
     void checkOptions()
     {
-        if (!std::isfinite(options.scale) || options.scale < 0.0)
+        if (!(options.scale >= 0.0 && options.scale <= largestBandwidth))
             throw InputError("--scale", 0, 0, "expected a number of 0 or more");
         if (!options.mix.empty()) {
             checkShares(options.mix, "--mix", Total::one);
             if (!options.level.empty())
                 throw InputError("--mix", 0, 0, "--level gives all demands one level already");
         }
-        levels.declare(source.levels);
+        levels.declare(cleanNames(source.levels));
         const bool hasLevels =
             std::any_of(source.demands.begin(), source.demands.end(),
                         [](const auto &demand) { return !demand.level.empty(); });
@@ -168,9 +167,9 @@ private:
     /** What a bandwidth of the source is to be multiplied with to be in the network's unit. */
     double unitFactor()
     {
-        if (network.unit.empty() || source.unit.empty() || network.unit == source.unit) {
+        if (network.unit.empty() || source.unit.empty() || network.unit == cleanName(source.unit)) {
             if (network.unit.empty())
-                network.unit = source.unit;
+                network.unit = cleanName(source.unit);
             return 1.0;
         }
         const auto theirs = bitsPerSecond(source.unit);
@@ -189,9 +188,10 @@ private:
         demand.ingress = nodes.find(given.from);
         demand.egress = nodes.find(given.to);
         demand.bandwidth = given.bandwidth * factor;
-        if (!(given.bandwidth >= 0.0) || !std::isfinite(demand.bandwidth))
-            oddities.fail(given.line, fmt::format("the bandwidth of {} is {}, not 0 or more",
-                                                  labelOf(given), given.bandwidth));
+        if (!(given.bandwidth >= 0.0 && demand.bandwidth <= largestBandwidth))
+            oddities.fail(given.line,
+                          fmt::format("the bandwidth of {} is {}, not 0 to {}", labelOf(given),
+                                      given.bandwidth, largestBandwidth));
         if (!demand.ingress.isValid() || !demand.egress.isValid()) {
             oddities.note("demands with unknown nodes", "left out", labelOf(given), given.line);
             return std::nullopt;
@@ -219,7 +219,7 @@ private:
     {
         const std::string &name = given.className.empty() ? options.className : given.className;
         if (!name.empty())
-            return classNumber(name, given.line);
+            return classNumber(cleanName(name), given.line);
         ++nbWithoutClass;
         return 0;
     }
@@ -238,7 +238,7 @@ private:
     int levelOf(const SourceDemand &given)
     {
         if (!given.level.empty())
-            return numberOf(levels, given.level, given.line);
+            return numberOf(levels, cleanName(given.level), given.line);
         if (!mixed.empty())
             return mixed[turns.next()];
         if (!options.level.empty())
@@ -259,10 +259,10 @@ private:
     void remarkChoices()
     {
         if (nbWithoutClass > 0 && network.classes.size() > 1)
-            oddities.choose(fmt::format("class of {} demands", nbWithoutClass),
+            oddities.choose("class of " + counted(nbWithoutClass, "demand"),
                             fmt::format("taken as {}", network.classes[0]));
         if (nbWithoutLevel > 0 && network.levels.size() > 1)
-            oddities.choose(fmt::format("level of {} demands", nbWithoutLevel),
+            oddities.choose("level of " + counted(nbWithoutLevel, "demand"),
                             fmt::format("taken as {}", network.levels[0]));
         if (levels.turnedUp())
             oddities.choose("order of the levels",

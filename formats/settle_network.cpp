@@ -1,5 +1,6 @@
 /** From a source to a network. */
 #include "formats/names.h"
+#include "formats/number.h"
 #include "formats/oddities.h"
 #include "formats/shares.h"
 #include "formats/source.h"
@@ -30,7 +31,7 @@ public:
     Network settle()
     {
         network.name = cleanName(source.name);
-        network.unit = source.unit;
+        network.unit = cleanName(source.unit);
         settleClasses();
         settleLevels();
         addNodes();
@@ -44,7 +45,8 @@ private:
         if (!source.classes.empty() && !options.classes.empty())
             oddities.fail(0, "the file has classes; only a single capacity can be divided");
         checkShares(options.classes, "--classes", Total::atMostOne);
-        network.classes = options.classes.empty() ? source.classes : namesOf(options.classes);
+        network.classes =
+            cleanNames(options.classes.empty() ? source.classes : namesOf(options.classes));
         checkNames(network.classes, "class types", maxClassTypes);
         if (network.classes.empty())
             network.classes = {defaultClass};
@@ -52,7 +54,7 @@ private:
 
     void settleLevels()
     {
-        network.levels = source.levels;
+        network.levels = cleanNames(source.levels);
         checkNames(network.levels, "levels", maxLevels);
         if (network.levels.empty())
             network.levels = {defaultLevel};
@@ -85,15 +87,14 @@ private:
         }
         const std::size_t changed = tellApart(names);
         if (changed > 0)
-            oddities.choose(fmt::format("{} names that came before", changed),
-                            "continued with #2, #3, ...");
+            oddities.choose(counted(changed, "repeated name"), "continued with #2, #3, ...");
         const bool areDegrees = std::all_of(source.nodes.begin(), source.nodes.end(), isInDegrees);
         if (!areDegrees)
             oddities.choose("coordinates", "left out: not all are degrees");
         for (std::size_t i = 0; i < names.size(); ++i) {
             const SourceNode &node = source.nodes[i];
             network.nodes.push_back(
-                {std::move(names[i]), areDegrees ? node.at : std::nullopt, node.hosts});
+                {std::move(names[i]), areDegrees ? node.at : std::nullopt, cleanNames(node.hosts)});
         }
     }
 
@@ -127,10 +128,10 @@ private:
             nbUndirected += isUndirected ? 1 : 0;
         }
         if (nbUndirected > 0)
-            oddities.choose(fmt::format("{} undirected edges", nbUndirected),
+            oddities.choose(counted(nbUndirected, "undirected edge"),
                             "each taken as two directed links");
         if (nbWithout > 0 && options.capacity)
-            oddities.choose(fmt::format("capacity of {} links", nbWithout),
+            oddities.choose("capacity of " + counted(nbWithout, "link"),
                             fmt::format("taken as {}", *options.capacity));
         remarkClasses();
     }
@@ -152,9 +153,15 @@ private:
         return found == nodeByKey.end() ? NodeId() : found->second;
     }
 
-    static std::string labelOf(const SourceEdge &edge)
+    std::string nameOf(const std::string &key) const
     {
-        return fmt::format("{} > {}", cleanName(edge.from), cleanName(edge.to));
+        const NodeId node = nodeOf(key);
+        return node.isValid() ? network.nameOf(node) : cleanName(key);
+    }
+
+    std::string labelOf(const SourceEdge &edge) const
+    {
+        return fmt::format("{} > {}", nameOf(edge.from), nameOf(edge.to));
     }
 
     /** The capacity of an edge in each class type. */
@@ -164,9 +171,9 @@ private:
         if (capacity.empty())
             capacity.assign(std::max<std::size_t>(source.classes.size(), 1), defaultCapacity(edge));
         for (const double value : capacity)
-            if (!(value >= 0.0))
-                oddities.fail(edge.line, fmt::format("the capacity of {} is {}, not 0 or more",
-                                                     labelOf(edge), value));
+            if (!(value >= 0.0 && value <= largestBandwidth))
+                oddities.fail(edge.line, fmt::format("the capacity of {} is {}, not 0 to {}",
+                                                     labelOf(edge), value, largestBandwidth));
         if (!options.classes.empty() && capacity.size() == 1)
             return dividedByClass(capacity[0]);
         if (capacity.size() != network.classes.size())
@@ -213,7 +220,7 @@ private:
     {
         for (std::size_t i = 0; i < sums.size(); ++i) {
             sums[i] += capacity[i];
-            if (!std::isfinite(sums[i]))
+            if (sums[i] > largestBandwidth)
                 oddities.fail(line, "the sum of parallel capacities is too large");
         }
     }

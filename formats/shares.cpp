@@ -22,7 +22,7 @@ void checkShares(const std::vector<Share> &shares, std::string_view option, Tota
     double sum = 0.0;
     for (const Share &part : shares) {
         if (!(part.share > 0.0) || !(part.share <= 1.0 + margin))
-            fail(fmt::format("the share of {} is {} %, not above 0 and up to 100 %", part.name,
+            fail(fmt::format("the share of {} is {:g} %, not above 0 and up to 100 %", part.name,
                              part.share * 100.0));
         if (part.name.empty() || !names.insert(part.name).second)
             fail(fmt::format("expected different names, not '{}' again", part.name));
@@ -31,7 +31,7 @@ void checkShares(const std::vector<Share> &shares, std::string_view option, Tota
     if (shares.size() > static_cast<std::size_t>(std::max(maxClassTypes, maxLevels)))
         fail(fmt::format("{} shares, at most {} are possible", shares.size(), maxLevels));
     if (sum > 1.0 + margin || (total == Total::one && sum < 1.0 - margin))
-        fail(fmt::format("the shares add up to {} %, not to 100 %", sum * 100.0));
+        fail(fmt::format("the shares add up to {:g} %, not to 100 %", sum * 100.0));
 }
 
 std::vector<std::string> namesOf(const std::vector<Share> &shares)

@@ -144,7 +144,7 @@ private:
             ++nbAttached;
         }
         if (nbAttached > 0)
-            source.remarks.choose(fmt::format("{} hosts and their access links", nbAttached),
+            source.remarks.choose(counted(nbAttached, "host") + " and the access links",
                                   "left out; demands between hosts go between their switches");
     }
 

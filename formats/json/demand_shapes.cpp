@@ -84,7 +84,7 @@ constexpr Shape<Draft> refusalTo(void (*take)(Draft &))
 // --- LSPs ---
 
 constexpr Shape<Draft> backupKind{
-    .what = "\"local\" or \"global\"",
+    .what = R"("local" or "global")",
     .text = [](Draft &draft, std::string &word) { draft.backup.kind = backupKindFor(word); }};
 
 constexpr Shape<Draft> backupPath =

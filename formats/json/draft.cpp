@@ -60,7 +60,7 @@ void Draft::addName(std::vector<std::string> &names, std::string &name)
 void Draft::addNode()
 {
     if (longitude.has_value() != latitude.has_value())
-        throw Problem("expected both \"longitude\" and \"latitude\" or neither in a node");
+        throw Problem(R"(expected both "longitude" and "latitude" or neither in a node)");
     if (longitude)
         node.at = Coordinates{*longitude, *latitude};
     const NodeId id(static_cast<std::int32_t>(plan.network.nodes.size()));
@@ -196,7 +196,7 @@ void Draft::setEnd(NodeId &end, NodeId said)
 void Draft::setOutcome(Outcome &&became)
 {
     if (!std::holds_alternative<std::monostate>(outcome))
-        throw Problem("expected one of \"lsp\", \"preempted\" and \"refused\" in a demand");
+        throw Problem(R"(expected one of "lsp", "preempted" and "refused" in a demand)");
     if (const auto *gaveWay = std::get_if<PreemptedLsp>(&became))
         lastPreempting = std::max(lastPreempting, gaveWay->by);
     outcome = std::move(became);

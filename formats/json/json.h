@@ -36,10 +36,10 @@ Source readJsonDemands(const std::filesystem::path &file);
 
 /** Writes a network with demands. Throws std::invalid_argument at a number that is not finite;
  * std::out_of_range at ids that the network does not have. */
-void writeNetwork(std::ostream &out, const Network &network, std::span<const Demand> demands);
+void writeNetwork(std::ostream &stream, const Network &network, std::span<const Demand> demands);
 
 /** Writes demands by the names of their nodes, classes and levels. Errors as in writeNetwork(). */
-void writeDemands(std::ostream &out, const Network &network, std::span<const Demand> demands);
+void writeDemands(std::ostream &stream, const Network &network, std::span<const Demand> demands);
 
 } // namespace tarnex::formats
 

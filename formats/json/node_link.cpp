@@ -143,7 +143,7 @@ constexpr Member<Graph> graphMembers[] = {
 
 constexpr Shape<Graph> graph{.what = "a graph", .members = graphMembers, .end = [](Graph &whole) {
                                  if (!whole.hasEdges)
-                                     throw Problem("expected \"links\" or \"edges\" in a graph");
+                                     throw Problem(R"(expected "links" or "edges" in a graph)");
                              }};
 
 } // namespace

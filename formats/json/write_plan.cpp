@@ -143,24 +143,24 @@ void writeUse(Output &out, const PlannedUse &use, std::size_t link)
 
 } // namespace json
 
-void writePlan(std::ostream &stream, const Plan &plan)
+void writePlan(std::ostream &out, const Plan &plan)
 {
     if (plan.outcomes.size() != plan.demands.size())
         throw std::invalid_argument("a plan without an outcome for each demand");
-    json::Output out(stream);
-    json::beginDocument(out, json::planSchema);
-    json::writeNetworkMembers(out.raw("\"network\":{"), plan.network);
-    json::writeOptions(out.raw("},\n\"options\":"), plan);
+    json::Output to(out);
+    json::beginDocument(to, json::planSchema);
+    json::writeNetworkMembers(to.raw("\"network\":{"), plan.network);
+    json::writeOptions(to.raw("},\n\"options\":"), plan);
     std::size_t id = 0;
-    out.raw(",\n\"demands\":")
+    to.raw(",\n\"demands\":")
         .list(
-            plan.demands, [&](const Demand &) { json::writeDemand(out, plan, id++); }, "\n");
+            plan.demands, [&](const Demand &) { json::writeDemand(to, plan, id++); }, "\n");
     id = 0;
-    out.raw(",\n\"use\":")
+    to.raw(",\n\"use\":")
         .list(
-            plan.use, [&](const PlannedUse &use) { json::writeUse(out, use, id++); }, "\n");
-    json::writeIds(out.raw(",\n\"setUp\":"), plan.setUp);
-    out.raw("}\n").finish();
+            plan.use, [&](const PlannedUse &use) { json::writeUse(to, use, id++); }, "\n");
+    json::writeIds(to.raw(",\n\"setUp\":"), plan.setUp);
+    to.raw("}\n").finish();
 }
 
 } // namespace tarnex::formats

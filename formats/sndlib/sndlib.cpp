@@ -1,7 +1,5 @@
 #include "formats/sndlib/sndlib.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 #include <map>
@@ -62,10 +60,10 @@ void completeSndlib(Source &source, bool saysDirected, std::size_t nbLinksWithMo
     const bool listsBoth = !saysDirected && listsBothDirections(source.edges);
     source.isDirected = saysDirected || listsBoth;
     if (listsBoth)
-        source.remarks.choose(fmt::format("{} links", source.edges.size()),
+        source.remarks.choose(counted(source.edges.size(), "link"),
                               "taken as directed: each is listed in both directions");
     if (nbLinksWithModules > 0)
-        source.remarks.choose(fmt::format("capacity of {} links", nbLinksWithModules),
+        source.remarks.choose("capacity of " + counted(nbLinksWithModules, "link"),
                               "taken as pre-installed plus the largest module");
 }
 
