@@ -161,8 +161,6 @@ private:
                    plan.network.nameOf(wanted.egress));
         if (wanted.bandwidth == 0.0)
             report(Fault::outcome, "{} is placed without bandwidth", nameOf(demand));
-        if (std::isnan(lsp.score))
-            report(Fault::outcome, "{} has no score", nameOf(demand));
         const auto level = static_cast<std::size_t>(wanted.level);
         const auto &schemes = plan.options.protection;
         const LevelScheme scheme = level < schemes.size() ? schemes[level] : std::nullopt;

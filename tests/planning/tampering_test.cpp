@@ -122,7 +122,10 @@ std::vector<Row> rows()
         {"outcome missing", [](Plan &p) { p.outcomes.pop_back(); }, Fault::outcome},
         {"refusal of what was placed", [](Plan &p) { p.outcomes[plain] = Refusal{}; },
          Fault::setUpOrder},
-        {"path for what was refused", [](Plan &p) { p.outcomes[refused] = p.outcomes[winner]; },
+        {"path for what was refused",
+         [](Plan &p) {
+             p.outcomes[refused] = PlannedLsp{path({0, 3}), 0.0, {}, {}};
+         },
          Fault::setUpOrder},
         {"refused although it fits",
          [](Plan &p) { std::get<Refusal>(p.outcomes[refused]).largestBandwidth = 40.0; },
@@ -175,22 +178,22 @@ std::vector<Row> rows()
          [](Plan &p) { lsp(p, local).backups[0].kind = LspKind::primary; }, Fault::backupKind},
         {"backup from elsewhere",
          [](Plan &p) {
-             lsp(p, local).backups[0].path = path({0, 3});
+             lsp(p, local).backups[0].path = path({2, 3});
          },
          Fault::backupEnds},
         {"backup that leads upstream",
          [](Plan &p) {
-             lsp(p, local).backups[1].path = path({2, 1});
+             lsp(p, local).backups[1].path = path({0, 1});
          },
          Fault::backupEnds},
         {"backup over what it protects",
          [](Plan &p) {
-             lsp(p, local).backups[0].path = path({1, 2, 3});
+             lsp(p, local).backups[0].path = path({1, 0, 3});
          },
          Fault::backupOverlap},
         {"backup through the node it claims to avoid",
          [](Plan &p) {
-             lsp(p, local).backups[0].path = path({1, 0, 3, 2});
+             lsp(p, local).backups[0].path = path({1, 2, 3, 0});
          },
          Fault::backupOverlap},
         {"claim of another link",
@@ -201,7 +204,7 @@ std::vector<Row> rows()
          [](Plan &p) { lsp(p, local).backups[0].protectedNodes.emplace_back(5); }, Fault::claim},
         {"backup on another way",
          [](Plan &p) {
-             lsp(p, local).backups[0].path = path({1, 0, 4, 5, 3});
+             lsp(p, local).backups[1].path = path({0, 4, 5, 3});
          },
          Fault::totalUse},
         {"set up twice", [](Plan &p) { p.setUp.push_back(p.setUp[0]); }, Fault::setUpOrder},
