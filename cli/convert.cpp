@@ -16,17 +16,28 @@ namespace
 
 using formats::Format;
 
-const std::vector<std::pair<std::string, std::optional<Format>>> written{
-    {"json", Format::json},
-    {"sndlib", Format::sndlibNative},
-    {"graphml", Format::graphml},
-    {"repetita", Format::repetita},
-    {"dot", Format::dot}};
+const std::vector<std::pair<std::string, std::optional<Format>>> &written()
+{
+    static const std::vector<std::pair<std::string, std::optional<Format>>> all{
+        {"json", Format::json},
+        {"sndlib", Format::sndlibNative},
+        {"graphml", Format::graphml},
+        {"repetita", Format::repetita},
+        {"dot", Format::dot}};
+    return all;
+}
 
-const std::vector<std::pair<std::string, Format>> suffixes{
-    {".json", Format::json},       {".txt", Format::sndlibNative}, {".snd", Format::sndlibNative},
-    {".graphml", Format::graphml}, {".graph", Format::repetita},   {".dot", Format::dot},
-    {".gv", Format::dot}};
+const std::vector<std::pair<std::string, Format>> &suffixes()
+{
+    static const std::vector<std::pair<std::string, Format>> all{{".json", Format::json},
+                                                                 {".txt", Format::sndlibNative},
+                                                                 {".snd", Format::sndlibNative},
+                                                                 {".graphml", Format::graphml},
+                                                                 {".graph", Format::repetita},
+                                                                 {".dot", Format::dot},
+                                                                 {".gv", Format::dot}};
+    return all;
+}
 
 class ConvertCommand : public Command
 {
@@ -54,8 +65,8 @@ What a format cannot hold, as the classes of capacities, is said on standard err
         declaration.file("OUT", "The file to write; one that is there is replaced", out);
         input.declareDemands(declaration);
         declaration.choice("--to", "NAME",
-                           "The format to write, whatever the suffix: " + oneOf(wordsOf(written)),
-                           written, format);
+                           "The format to write, whatever the suffix: " + oneOf(wordsOf(written())),
+                           written(), format);
         input.declareReading(declaration);
     }
 
@@ -82,12 +93,12 @@ private:
     static Format formatOf(const std::string &file)
     {
         const std::string suffix = std::filesystem::path{file}.extension().string();
-        for (const auto &[known, format] : suffixes)
+        for (const auto &[known, format] : suffixes())
             if (known == suffix)
                 return format;
         throw UsageError(fmt::format("{}: no format goes with this suffix; expected {}, or --to "
                                      "NAME",
-                                     file, oneOf(wordsOf(suffixes))));
+                                     file, oneOf(wordsOf(suffixes()))));
     }
 
     std::string in;

@@ -51,17 +51,24 @@ bool isNumber(const Value &value)
            std::holds_alternative<Bandwidth>(value) || std::holds_alternative<Ratio>(value);
 }
 
-/** The unit of a column of bandwidths, which then need none of their own. */
-std::string headingOf(const Table &table, std::size_t column, const std::string &unit)
+bool hasBandwidths(const Table &table)
 {
-    const std::string &heading = table.columns[column].heading;
-    const bool hasBandwidths = std::ranges::any_of(table.rows, [column](const auto &row) {
-        return std::holds_alternative<Bandwidth>(row[column].value);
+    return std::ranges::any_of(table.rows, [](const auto &row) {
+        return std::ranges::any_of(
+            row, [](const Cell &cell) { return std::holds_alternative<Bandwidth>(cell.value); });
     });
-    return hasBandwidths && !unit.empty() ? fmt::format("{} ({})", heading, unit) : heading;
 }
 
-Grid gridOf(const Table &table, const std::string &unit)
+/** The title, with the unit of the bandwidths, which need none of their own then. */
+std::string titleOf(const Table &table, const std::string &unit)
+{
+    if (unit.empty() || !hasBandwidths(table))
+        return table.title;
+    return table.title.empty() ? fmt::format("Bandwidths in {}", unit)
+                               : fmt::format("{}, bandwidths in {}", table.title, unit);
+}
+
+Grid gridOf(const Table &table)
 {
     Grid grid;
     std::vector<std::size_t> columns; // those that people see
@@ -72,14 +79,14 @@ Grid gridOf(const Table &table, const std::string &unit)
         columns.push_back(column);
         const bool isRight = std::ranges::any_of(
             table.rows, [column](const auto &row) { return isNumber(row[column].value); });
-        grid.columns.push_back({headingOf(table, column, unit), isRight});
+        grid.columns.push_back({table.columns[column].heading, isRight});
     }
-    const std::string inHeading;
+    const std::string inTitle;
     for (std::size_t row = 0; row < nbRows; ++row) {
         std::vector<GridCell> &cells = grid.rows.emplace_back();
         for (const std::size_t column : columns) {
             const Cell &cell = table.rows[row][column];
-            cells.push_back({std::visit(ForPeople{inHeading}, cell.value), cell.tone});
+            cells.push_back({std::visit(ForPeople{inTitle}, cell.value), cell.tone});
         }
     }
     return grid;
@@ -108,7 +115,7 @@ struct Sections {
     {
         if (table.rows.empty())
             return table.ifEmpty.empty() ? "" : table.ifEmpty + "\n";
-        std::string text = title(table.title) + textOf(gridOf(table, unit), terminal);
+        std::string text = title(titleOf(table, unit)) + textOf(gridOf(table), terminal);
         if (table.rows.size() > table.shown)
             text += fmt::format("  and {} more\n", table.rows.size() - table.shown);
         return text;

@@ -21,11 +21,15 @@ namespace
 
 enum class List { none, lsps, backups, links, refusals, all };
 
-const std::vector<std::pair<std::string, List>> listNames{{"lsps", List::lsps},
-                                                          {"backups", List::backups},
-                                                          {"links", List::links},
-                                                          {"refusals", List::refusals},
-                                                          {"all", List::all}};
+const std::vector<std::pair<std::string, List>> &listNames()
+{
+    static const std::vector<std::pair<std::string, List>> all{{"lsps", List::lsps},
+                                                               {"backups", List::backups},
+                                                               {"links", List::links},
+                                                               {"refusals", List::refusals},
+                                                               {"all", List::all}};
+    return all;
+}
 
 bool hasFindings(const planning::Summary &summary)
 {
@@ -60,7 +64,7 @@ public:
         declareForms(declaration, form, "the list, or the demands per level");
         declaration.choice("--list", "WHAT",
                            "Prints all lsps, backups, links, refusals, or all of these, too",
-                           listNames, list);
+                           listNames(), list);
         declaration.count("--top", "N", "How many of the most used links to show (default: 5)",
                           nbTop);
     }

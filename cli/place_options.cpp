@@ -12,27 +12,39 @@ namespace tarnex::cli
 namespace
 {
 
-const std::vector<std::pair<std::string, std::optional<Order>>> orderNames{
-    {"given", Order::given},
-    {"level", Order::level},
-    {"largest", Order::largest},
-    {"smallest", Order::smallest}};
+const std::vector<std::pair<std::string, std::optional<Order>>> &orderNames()
+{
+    static const std::vector<std::pair<std::string, std::optional<Order>>> all{
+        {"given", Order::given},
+        {"level", Order::level},
+        {"largest", Order::largest},
+        {"smallest", Order::smallest}};
+    return all;
+}
 
-const std::vector<std::pair<std::string, std::optional<Objective>>> objectiveNames{
-    {"hops", Objective::hops},
-    {"load", Objective::load},
-    {"balance", Objective::balance},
-    {"delay", Objective::delay},
-    {"fortz", Objective::fortz}};
+const std::vector<std::pair<std::string, std::optional<Objective>>> &objectiveNames()
+{
+    static const std::vector<std::pair<std::string, std::optional<Objective>>> all{
+        {"hops", Objective::hops},
+        {"load", Objective::load},
+        {"balance", Objective::balance},
+        {"delay", Objective::delay},
+        {"fortz", Objective::fortz}};
+    return all;
+}
 
-const std::vector<std::pair<std::string, double Weights::*>> weightNames{
-    {"fortz", &Weights::fortz},
-    {"load-balance", &Weights::loadBalance},
-    {"load", &Weights::load},
-    {"squared-load", &Weights::squaredLoad},
-    {"utilization", &Weights::utilization},
-    {"squared-utilization", &Weights::squaredUtilization},
-    {"delay", &Weights::delay}};
+const std::vector<std::pair<std::string, double Weights::*>> &weightNames()
+{
+    static const std::vector<std::pair<std::string, double Weights::*>> all{
+        {"fortz", &Weights::fortz},
+        {"load-balance", &Weights::loadBalance},
+        {"load", &Weights::load},
+        {"squared-load", &Weights::squaredLoad},
+        {"utilization", &Weights::utilization},
+        {"squared-utilization", &Weights::squaredUtilization},
+        {"delay", &Weights::delay}};
+    return all;
+}
 
 /** "NAME=NUMBER". */
 std::pair<std::string, double> settingFrom(const std::string &text, const std::string &option)
@@ -61,7 +73,7 @@ void PlaceOptions::declare(Declaration &declaration)
     declaration.choice("--order", "WHICH",
                        "Which demands come first: level (default; the most important level first, "
                        "then as given), given, largest or smallest",
-                       orderNames, order);
+                       orderNames(), order);
     declaration.option({.name = "--preempt",
                         .help = "Less important LSPs give way where there is no room (default)",
                         .take = [this](const std::string &) { preempts = true; }});
@@ -100,17 +112,17 @@ void PlaceOptions::declareScore(Declaration &declaration)
                        "What paths are to be good for: fortz (default; the link cost of Fortz and "
                        "Thorup), hops (few links), load (little load on links that are full), "
                        "balance (links equally full) or delay (little queueing)",
-                       objectiveNames, objective);
+                       objectiveNames(), objective);
     declaration.option(
         {.name = "--weight",
          .argument = "NAME=NUMBER",
          .help = "A single weight of the score, beside those of --objective if that is given and "
                  "alone if not: " +
-                 joined(wordsOf(weightNames), ", "),
+                 joined(wordsOf(weightNames()), ", "),
          .repeats = true,
          .take = [this](const std::string &text) {
              weights.push_back(settingFrom(text, "--weight"));
-             chosen(weightNames, weights.back().first, "--weight");
+             chosen(weightNames(), weights.back().first, "--weight");
          }});
     declaration.option(
         {.name = "--preemption-price",
@@ -131,7 +143,7 @@ void PlaceOptions::applyWeights(Weights &target) const
     else if (!weights.empty())
         target = {};
     for (const auto &[name, value] : weights)
-        target.*chosen(weightNames, name, "--weight") = value;
+        target.*chosen(weightNames(), name, "--weight") = value;
 }
 
 void PlaceOptions::applyTo(PlanOptions &options, const Network &network) const

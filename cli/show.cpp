@@ -15,8 +15,12 @@ namespace
 
 enum class List { none, nodes, links, demands };
 
-const std::vector<std::pair<std::string, List>> listNames{
-    {"nodes", List::nodes}, {"links", List::links}, {"demands", List::demands}};
+const std::vector<std::pair<std::string, List>> &listNames()
+{
+    static const std::vector<std::pair<std::string, List>> all{
+        {"nodes", List::nodes}, {"links", List::links}, {"demands", List::demands}};
+    return all;
+}
 
 Facts factsOf(const planning::NetworkFacts &found, const Network &network, formats::Format format)
 {
@@ -151,7 +155,7 @@ With --list it prints all nodes, links or demands instead.)",
         declaration.file("FILE", "A network or a plan, in any of the formats", file);
         input.declareDemands(declaration);
         declaration.choice("--list", "WHAT", "Prints a list instead: nodes, links or demands",
-                           listNames, list);
+                           listNames(), list);
         input.declareReading(declaration);
         declareForms(declaration, form, "the list, or the facts");
     }
