@@ -14,7 +14,7 @@ namespace
 {
 
 /** A path in one cell. */
-std::string pathOf(const NodeNames &names) { return joined(names, " - "); }
+std::string pathOf(const NodeNames &names) { return joined(names, " > "); }
 
 struct ForPeople {
     const std::string &unit;

@@ -147,7 +147,8 @@ private:
               Cell{truth(answer.lsp.has_value()), answer.lsp ? Tone::good : Tone::bad}}}};
         if (answer.lsp) {
             facts.facts.push_back({"path", "path", namesOf(network, answer.lsp->path)});
-            facts.facts.push_back({"score", "score", answer.lsp->score});
+            if (answer.lsp->score)
+                facts.facts.push_back({"score", "score", *answer.lsp->score});
             facts.facts.push_back({"victims", "LSPs giving way", number(answer.victims.size())});
         }
         return facts;

@@ -50,7 +50,7 @@ struct PlannedBackup {
 /** A demand that was placed. */
 struct PlannedLsp {
     std::vector<NodeId> path;
-    double score = 0.0;
+    std::optional<double> score; ///< as in Placement
     std::vector<PlannedBackup> backups;
     std::optional<Refusal> unprotected; ///< why it has no backups, if its level asks for them
 };

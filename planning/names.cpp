@@ -43,7 +43,7 @@ std::string nameOf(const Network &network, std::span<const NodeId> path)
 {
     std::string text;
     for (const NodeId node : path) {
-        text += text.empty() ? "" : " - ";
+        text += text.empty() ? "" : " > ";
         text += safeName(network, node);
     }
     return text;

@@ -34,17 +34,15 @@ public:
         for (const DemandId id : plan.setUp) {
             nextBackup.value += static_cast<std::int32_t>(lspOf(id).backups.size());
             setUpAt[id.index()] = nbSetUps++;
-            hasHistory =
-                hasHistory || !lspOf(id).backups.empty(); // which come before new primaries
         }
+        firstUnprotected = nbSetUps;
     }
 
     Plan run() &&
     {
-        const std::size_t firstSetUp = nbSetUps;
         placeAll();
         placeVictims();
-        protectSince(firstSetUp);
+        protectNew();
         finish();
         return std::move(plan);
     }
@@ -117,7 +115,8 @@ private:
     {
         const Request request = requestOf(plan.demands[id.index()], id, plan.options.preempts);
         auto [placement, isTakenBack, lost] = admit(engine, request);
-        hasHistory = hasHistory || isTakenBack;
+        const bool hasBackups = !std::cmp_equal(nextBackup.value, plan.demands.size());
+        hasHistory = hasHistory || isTakenBack || hasBackups; // backups come after all primaries
         for (const LspId lsp : lost)
             lose(lsp);
         if (!placement)
@@ -141,9 +140,18 @@ private:
         }
         inOrder(ids);
         for (std::size_t i = 0; i < ids.size() && goesOn(Phase::placing, i, ids.size()); ++i) {
+            if (i > 0 && beginsLevel(ids[i - 1], ids[i]))
+                protectNew();
             if (auto refusal = placeOne(ids[i]))
                 plan.outcomes[ids[i].index()] = std::move(*refusal);
         }
+    }
+
+    /** Whether what is placed so far is to be protected before a demand of the next level. */
+    bool beginsLevel(DemandId before, DemandId next) const
+    {
+        return plan.options.order == Order::level &&
+               plan.demands[before.index()].level != plan.demands[next.index()].level;
     }
 
     /** Goes once through the LSPs that wait; whether one of them was placed. */
@@ -194,14 +202,15 @@ private:
         nextBackup.value += static_cast<std::int32_t>(lsp.backups.size());
     }
 
-    /** Protects the LSPs set up from a moment on: by level, then as they were set up. */
-    void protectSince(std::size_t moment)
+    /** Protects the LSPs set up since it was last done: by level, then as they were set up. */
+    void protectNew()
     {
         std::vector<DemandId> ids;
         for (const DemandId id : inOrderOfSetUp()) {
-            if (setUpAt[id.index()] >= moment && schemeOf(id))
+            if (setUpAt[id.index()] >= firstUnprotected && schemeOf(id))
                 ids.push_back(id);
         }
+        firstUnprotected = nbSetUps;
         std::ranges::stable_sort(ids, {},
                                  [&](DemandId id) { return plan.demands[id.index()].level; });
         hasHistory = hasHistory || !std::ranges::is_sorted(
@@ -278,7 +287,8 @@ private:
     LspId nextBackup;
     std::vector<std::size_t> setUpAt; ///< by demand: which set-up its last one was
     std::size_t nbSetUps = 0;
-    std::vector<DemandId> waiting; ///< to be placed again
+    std::size_t firstUnprotected = 0; ///< set-ups from this one on have not come to protection yet
+    std::vector<DemandId> waiting;    ///< to be placed again
     bool hasHistory = false; ///< the engine did not come about by set-ups in the plan's order alone
 };
 

@@ -1,10 +1,12 @@
 /**
  * Placing and protecting demands.
  *
- * First every demand is placed, then LSPs that had to give way are placed again in rounds, then the
- * LSPs are protected, most important level first. Backups come last because they sit at level 0,
- * where nothing makes them give way: made at once, those of an unimportant LSP would keep out an
- * important one that comes later, and those of an LSP that gives way would be made for nothing.
+ * Placed by level, the LSPs of a level are protected before the next level is placed: the
+ * protection of an important LSP comes before the path of an unimportant one. In any other order
+ * all demands are placed first, and LSPs that had to give way placed again in rounds; then the LSPs
+ * are protected, most important level first. Backups sit at level 0, where nothing makes them give
+ * way: made at once, those of an unimportant LSP would keep out an important one that comes later,
+ * and those of an LSP that gives way would be made for nothing.
  */
 #ifndef TARNEX_PLANNING_PLACE_H
 #define TARNEX_PLANNING_PLACE_H

@@ -1,8 +1,10 @@
 #include "planning/refusals.h"
 
+#include "formats/bandwidth.h"
 #include "planning/names.h"
 
 #include <cstddef>
+#include <string>
 
 #include <fmt/format.h>
 
@@ -19,6 +21,18 @@ double capacityOf(const Network &network, LinkId link, int classType)
     return at < capacity.size() ? capacity[at] : 0.0;
 }
 
+/** What fits beside it is the rounding of what is there, and not worth mentioning. */
+constexpr double negligibleShare = 1e-9;
+
+/** A bandwidth in as many digits as people read, and no more than it is. */
+std::string roundedDown(double bandwidth)
+{
+    const std::string text = formats::formatBandwidth(bandwidth);
+    if (std::stod(text) <= bandwidth)
+        return text;
+    return formats::formatBandwidth(bandwidth * (1.0 - 1e-6));
+}
+
 } // namespace
 
 std::string sentenceOf(const Network &network, const Demand &demand, const Refusal &refusal)
@@ -27,11 +41,12 @@ std::string sentenceOf(const Network &network, const Demand &demand, const Refus
     const std::string ends =
         fmt::format("from {} to {}", nameOf(network, std::vector{demand.ingress}),
                     nameOf(network, std::vector{demand.egress}));
-    const std::string amount = fmt::format("{}{}", demand.bandwidth, unit);
-    const std::string fits =
-        refusal.largestBandwidth > 0.0
-            ? fmt::format(": at most {}{} would fit", refusal.largestBandwidth, unit)
-            : "";
+    const std::string amount =
+        fmt::format("{}{}", formats::formatBandwidth(demand.bandwidth), unit);
+    const bool doesLessFit = refusal.largestBandwidth > negligibleShare * demand.bandwidth;
+    const std::string fits = doesLessFit ? fmt::format(": at most {}{} would fit",
+                                                       roundedDown(refusal.largestBandwidth), unit)
+                                         : "";
     switch (refusal.reason) {
     case Reason::noSuchNode:
         return fmt::format("no such node {}", ends);

@@ -7,6 +7,7 @@
 #include "removal.h"
 #include "session.h"
 
+#include <cmath>
 #include <exception>
 #include <new>
 
@@ -123,7 +124,8 @@ Result<tarnex::Placement> placeOrPropose(Session &session, const Request &reques
         report.rethrow();
         throw std::bad_alloc{};
     }
-    report.result.score = COST;
+    if (std::isfinite(COST))
+        report.result.score = COST;
     report.result.id = isFinal ? id : request.id;
     if (isFinal)
         settle(session, request, report.result);

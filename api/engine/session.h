@@ -25,7 +25,7 @@ namespace tarnex::inside
 
 /** Everything that belongs to one engine. */
 struct Session {
-    explicit Session(const Options &options);
+    explicit Session(const Options &wanted);
     ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
@@ -62,7 +62,7 @@ private:
 class Turn
 {
 public:
-    explicit Turn(Session &session);
+    explicit Turn(Session &owner);
     ~Turn();
     Turn(const Turn &) = delete;
     Turn &operator=(const Turn &) = delete;

@@ -5,6 +5,7 @@
 #include <tarnex/ids.h>
 #include <tarnex/options.h>
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -68,7 +69,9 @@ struct Lsp {
 struct Placement {
     LspId id;
     Path path;
-    double score = 0.0; ///< of the path, on the terms of the engine's weights; 0 for a given path
+    /** Of the path, on the terms of the engine's weights. None for a given path, and where a link
+     * has no finite cost: a link that becomes full has no delay that is one. */
+    std::optional<double> score;
     /** The LSPs that have given way, or would: primaries by id, each followed by its backups. */
     std::vector<Lsp> victims;
 };

@@ -113,7 +113,7 @@ constexpr Shape<Draft> unprotected =
 
 constexpr Member<Draft> lspMembers[] = {
     {"path", &lspPath},
-    {"score", &score},
+    {"score", &score, false},
     {"backups", &backups, false},
     {"unprotected", &unprotected, false},
 };

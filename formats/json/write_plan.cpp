@@ -101,7 +101,8 @@ struct OutcomeWriter {
     void operator()(const PlannedLsp &lsp) const
     {
         writeIds(out.raw(R"(,"lsp":{"path":)"), lsp.path);
-        out.raw(R"(,"score":)").number(lsp.score);
+        if (lsp.score)
+            out.raw(R"(,"score":)").number(*lsp.score);
         if (!lsp.backups.empty())
             out.raw(R"(,"backups":)").list(lsp.backups, [&](const PlannedBackup &backup) {
                 writeBackup(out, backup);

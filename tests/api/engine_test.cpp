@@ -181,7 +181,7 @@ std::string digestOf(unsigned seed)
     std::string digest;
     for (int step = 0; step < 150; ++step) {
         const auto placed = engine.place(randomRequest(rng, plan, engine.options()));
-        digest += placed ? std::to_string(placed->score) : placed.refusal().sentence;
+        digest += placed ? std::to_string(placed->score.value_or(-1.0)) : placed.refusal().sentence;
         if (placed && step % 2 == 0) {
             const auto protection = engine.protect(placed->id, Scheme::localOrGlobal);
             digest += protection ? std::to_string(protection->backups.size())

@@ -102,7 +102,7 @@ void write(std::ostream &out, const Refusal &refusal)
 void write(std::ostream &out, const Outcome &outcome)
 {
     if (const auto *lsp = std::get_if<PlannedLsp>(&outcome)) {
-        out << "placed " << lsp->path << lsp->score;
+        out << "placed " << lsp->path << lsp->score.value_or(-1.0);
         for (const PlannedBackup &backup : lsp->backups)
             out << static_cast<int>(backup.kind) << backup.path << backup.protectedLinks
                 << backup.protectedNodes;

@@ -272,8 +272,8 @@ std::span<const Long> linksOfColor(NetworkIndex &index, Long color)
     if (!index.isOrderedByColor)
         std::ranges::sort(links, {}, colorOf);
     index.isOrderedByColor = true;
-    const auto [first, last] = std::ranges::equal_range(links, color, {}, colorOf);
-    return {first, last};
+    return {std::ranges::lower_bound(links, color, {}, colorOf),
+            std::ranges::upper_bound(links, color, {}, colorOf)};
 }
 
 void *workspaceOf(NetworkIndex &index, std::size_t bytes)
