@@ -63,11 +63,17 @@ struct Decimal {
     int power = 0;
 };
 
+/** Six, or as many as there are before the point. */
+int digitsFor(double value)
+{
+    return value >= 1e6 && value < 1e15 ? static_cast<int>(std::log10(value)) + 1 : nbDigits;
+}
+
 Decimal decimalOf(double value)
 {
     std::array<char, 32> text{};
     const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
-                                   std::chars_format::scientific, nbDigits - 1)
+                                   std::chars_format::scientific, digitsFor(value) - 1)
                          .ptr;
     const std::string_view written(text.data(), static_cast<std::size_t>(end - text.data()));
     const std::size_t mark = written.find('e');

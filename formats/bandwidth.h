@@ -24,8 +24,8 @@ public:
  */
 double parseBandwidth(std::string_view text, std::string_view unit);
 
-/** A bandwidth for people: six significant digits at most, and an exponent only below 0.0001 and
- * from 10^15 on. Without the unit. */
+/** A bandwidth for people: six significant digits at most, or all before the point where these are
+ * more, and an exponent only below 0.0001 and from 10^15 on. Without the unit. */
 std::string formatBandwidth(double bandwidth);
 
 } // namespace tarnex::formats

@@ -115,8 +115,7 @@ private:
     {
         const Request request = requestOf(plan.demands[id.index()], id, plan.options.preempts);
         auto [placement, isTakenBack, lost] = admit(engine, request);
-        const bool hasBackups = !std::cmp_equal(nextBackup.value, plan.demands.size());
-        hasHistory = hasHistory || isTakenBack || hasBackups; // backups come after all primaries
+        hasHistory = hasHistory || isTakenBack;
         for (const LspId lsp : lost)
             lose(lsp);
         if (!placement)
@@ -128,6 +127,8 @@ private:
                                                .backups = {},
                                                .unprotected = {}};
         setUpAt[id.index()] = nbSetUps++;
+        // In the plan's order backups come after all primaries.
+        hasHistory = hasHistory || !std::cmp_equal(nextBackup.value, plan.demands.size());
         return std::nullopt;
     }
 

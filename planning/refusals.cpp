@@ -3,7 +3,10 @@
 #include "formats/bandwidth.h"
 #include "planning/names.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include <fmt/format.h>
@@ -21,16 +24,25 @@ double capacityOf(const Network &network, LinkId link, int classType)
     return at < capacity.size() ? capacity[at] : 0.0;
 }
 
-/** What fits beside it is the rounding of what is there, and not worth mentioning. */
-constexpr double negligibleShare = 1e-9;
+/** Of the capacities in the network; what is less is rounding, and not worth mentioning. */
+constexpr double negligibleShare = 1e-12;
 
-/** A bandwidth in as many digits as people read, and no more than it is. */
+/** A bandwidth in six digits that say no more than there is. */
 std::string roundedDown(double bandwidth)
 {
-    const std::string text = formats::formatBandwidth(bandwidth);
-    if (std::stod(text) <= bandwidth)
-        return text;
-    return formats::formatBandwidth(bandwidth * (1.0 - 1e-6));
+    const double unit = std::pow(10.0, std::floor(std::log10(bandwidth)) - 5.0);
+    const double nearest = std::round(bandwidth / unit);
+    const bool isNearest = std::abs(bandwidth / unit - nearest) < 1e-6;
+    return formats::formatBandwidth((isNearest ? nearest : std::floor(bandwidth / unit)) * unit);
+}
+
+double largestCapacity(const Network &network, int classType)
+{
+    double largest = 0.0;
+    for (std::size_t i = 0; i < network.links.size(); ++i)
+        largest =
+            std::max(largest, capacityOf(network, LinkId{static_cast<std::int32_t>(i)}, classType));
+    return largest;
 }
 
 } // namespace
@@ -43,7 +55,8 @@ std::string sentenceOf(const Network &network, const Demand &demand, const Refus
                     nameOf(network, std::vector{demand.egress}));
     const std::string amount =
         fmt::format("{}{}", formats::formatBandwidth(demand.bandwidth), unit);
-    const bool doesLessFit = refusal.largestBandwidth > negligibleShare * demand.bandwidth;
+    const bool doesLessFit =
+        refusal.largestBandwidth > negligibleShare * largestCapacity(network, demand.classType);
     const std::string fits = doesLessFit ? fmt::format(": at most {}{} would fit",
                                                        roundedDown(refusal.largestBandwidth), unit)
                                          : "";

@@ -2,7 +2,9 @@
 
 #include "planning/names.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <set>
 #include <utility>
 #include <variant>
 
@@ -80,6 +82,15 @@ Engine setUp(const Plan &plan)
                                          nameOf(plan.network, plan.demands, id),
                                          textOf(refusal->reason)));
     };
+    const auto nbPlaced = std::ranges::count_if(plan.outcomes, [](const Outcome &outcome) {
+        return std::holds_alternative<PlannedLsp>(outcome);
+    });
+    const std::set<DemandId> named(plan.setUp.begin(), plan.setUp.end());
+    if (named.size() != plan.setUp.size() || !std::cmp_equal(named.size(), nbPlaced))
+        throw SetUpError(
+            fmt::format("the order of setting up names {} demands {} times, of {} that "
+                        "are placed",
+                        named.size(), plan.setUp.size(), nbPlaced));
     for (const DemandId id : plan.setUp) {
         const auto *lsp = std::get_if<PlannedLsp>(&plan.outcomes.at(id.index()));
         if (!lsp)

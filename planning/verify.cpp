@@ -45,6 +45,7 @@ public:
             checkReservations();
         if (faults.empty())
             checkEngine();
+        checkFinished();
         return std::move(faults);
     }
 
@@ -148,6 +149,15 @@ private:
         checkSetUp();
     }
 
+    void checkFinished()
+    {
+        for (std::size_t i = 0; i < std::min(plan.outcomes.size(), plan.demands.size()); ++i) {
+            const bool isOpen = std::holds_alternative<std::monostate>(plan.outcomes[i]);
+            if (isOpen && plan.demands[i].bandwidth > 0.0)
+                report(Fault::unfinished, "the plan does not say what became of {}", nameOf(i));
+        }
+    }
+
     void checkLsp(std::size_t demand, const PlannedLsp &lsp)
     {
         const Demand &wanted = plan.demands[demand];
@@ -161,14 +171,10 @@ private:
                    plan.network.nameOf(wanted.egress));
         if (wanted.bandwidth == 0.0)
             report(Fault::outcome, "{} is placed without bandwidth", nameOf(demand));
-        const auto level = static_cast<std::size_t>(wanted.level);
-        const auto &schemes = plan.options.protection;
-        const LevelScheme scheme = level < schemes.size() ? schemes[level] : std::nullopt;
-        for (const Deviation &fault : backupFaults(plan.network, finder, lsp, scheme))
+        for (const Deviation &fault : backupFaults(plan.network, finder, lsp))
             report(fault.fault, "{}: {}", nameOf(demand), fault.sentence);
-        if (lsp.unprotected && (!scheme || !lsp.backups.empty()))
-            report(Fault::outcome, "{} says why it has no backups, but {}", nameOf(demand),
-                   scheme ? "has them" : "none were wanted");
+        if (lsp.unprotected && !lsp.backups.empty())
+            report(Fault::outcome, "{} says why it has no backups, but has them", nameOf(demand));
     }
 
     void checkPreempted(std::size_t demand, const PreemptedLsp &preempted)
@@ -218,8 +224,8 @@ private:
         for (std::size_t i = 0; i < listed.size(); ++i) {
             const std::size_t wanted = std::holds_alternative<PlannedLsp>(plan.outcomes[i]) ? 1 : 0;
             if (listed[i] != wanted)
-                report(Fault::setUpOrder, "{} is to be set up {} times, not {}", nameOf(i),
-                       listed[i], wanted);
+                report(Fault::setUpOrder, "{} is {}placed, and set up {} times", nameOf(i),
+                       wanted == 0 ? "not " : "", listed[i]);
         }
     }
 
@@ -334,6 +340,8 @@ std::string_view nameOf(Fault fault)
         return "total use";
     case Fault::engine:
         return "engine";
+    case Fault::unfinished:
+        return "unfinished";
     }
     return {};
 }

@@ -23,7 +23,7 @@ enum class Fault {
     outcome,       ///< outcomes are not one per demand, or one contradicts the demand or another
     path,          ///< a path that the network does not have, or that does not join the ends
     loop,          ///< a path that passes a node twice
-    backupKind,    ///< a primary among the backups, or not the backups its level's scheme makes
+    backupKind,    ///< a primary among the backups, or not a whole set of them
     backupEnds,    ///< a backup that does not leave and join its primary where it must
     backupOverlap, ///< a backup that uses what it is to protect against
     claim,         ///< a backup claims more or less than it protects
@@ -31,10 +31,11 @@ enum class Fault {
     capacity,      ///< more is reserved than there is
     primaryUse,    ///< a link's stated reservation by primaries is not theirs
     totalUse,      ///< a link's stated reservation altogether is not what its LSPs need
-    engine         ///< an engine refuses the LSPs, or reserves something else
+    engine,        ///< an engine refuses the LSPs, or reserves something else
+    unfinished     ///< nothing is said of a demand, as in a plan that was stopped
 };
 
-/** "options", "network", ..., "backup kind", ..., "engine". */
+/** "options", "network", ..., "backup kind", ..., "unfinished". */
 std::string_view nameOf(Fault fault);
 
 /** One thing that is wrong. */

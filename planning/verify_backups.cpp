@@ -90,20 +90,17 @@ std::vector<Deviation> protectionFaults(const Case &c)
     return faults;
 }
 
-/** Whether backups are of the kinds and as many as a scheme makes: all or none. */
-bool areOfScheme(const PlannedLsp &lsp, LevelScheme scheme)
+/** Whether backups are none, one local one for each link, or a global one. */
+bool areWhole(const PlannedLsp &lsp)
 {
     if (lsp.backups.empty())
         return true;
-    if (!scheme)
-        return false;
     const auto isAll = [&lsp](LspKind kind, std::size_t number) {
         return lsp.backups.size() == number &&
                std::ranges::all_of(lsp.backups,
                                    [kind](const PlannedBackup &b) { return b.kind == kind; });
     };
-    return (*scheme != Scheme::global && isAll(LspKind::localBackup, lsp.path.size() - 1)) ||
-           (*scheme != Scheme::local && isAll(LspKind::globalBackup, 1));
+    return isAll(LspKind::localBackup, lsp.path.size() - 1) || isAll(LspKind::globalBackup, 1);
 }
 
 } // namespace
@@ -127,11 +124,12 @@ std::optional<Deviation> pathFault(const Network &network, const LinkFinder &fin
 }
 
 std::vector<Deviation> backupFaults(const Network &network, const LinkFinder &finder,
-                                    const PlannedLsp &lsp, LevelScheme scheme)
+                                    const PlannedLsp &lsp)
 {
     std::vector<Deviation> faults;
-    if (!areOfScheme(lsp, scheme))
-        faults.push_back({Fault::backupKind, "does not have the backups that its level asks for"});
+    if (!areWhole(lsp))
+        faults.push_back(
+            {Fault::backupKind, "has neither a backup for each link nor a single one for all"});
     Nodes starts;
     for (std::size_t i = 0; i < lsp.backups.size(); ++i) {
         const PlannedBackup &backup = lsp.backups[i];

@@ -19,7 +19,7 @@ std::optional<Deviation> pathFault(const Network &network, const LinkFinder &fin
 /** What is wrong with the backups of an LSP whose own path is sound; the text says it of "backup
  * 2", and leaves the LSP's name to the caller. */
 std::vector<Deviation> backupFaults(const Network &network, const LinkFinder &finder,
-                                    const PlannedLsp &lsp, LevelScheme scheme);
+                                    const PlannedLsp &lsp);
 
 } // namespace tarnex::planning
 

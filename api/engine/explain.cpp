@@ -170,30 +170,28 @@ Refusal whyNoPath(const Session &session, const Request &request, bool inFull)
     LinkRooms rooms{session, request};
     Walk walk{rooms, request.ingress, request.egress};
     const std::string ends = fromTo(request.ingress.value, request.egress.value);
+    if (!walk.connects())
+        return refusal(Reason::notConnected, "No path leads " + ends + ".");
     if (walk.reaches(request.bandwidth))
         throw std::bad_alloc{}; // there is a path with room, so what lacked was memory
     const std::string noRoom = "No path " + ends + " has room" + wanted(session, request);
-    std::vector<LinkInTheWay> inTheWay;
-    if (inFull)
-        inTheWay = walk.boundary();
-    if (!walk.connects())
-        return refusal(Reason::notConnected, "No path leads " + ends + ".");
     Refusal result = refusal(Reason::noRoom, noRoom);
     if (!inFull) {
         result.sentence += '.';
         return result;
     }
+    result.inTheWay = walk.boundary();
     const auto largest = placeable(session, request, {}, walk.widest(request.bandwidth));
     result.largestBandwidth = largest.value_or(0.0);
     result.sentence += whatFits(largest);
-    result.inTheWay = std::move(inTheWay);
     return result;
 }
 
 Refusal whyNoRoomOn(const Session &session, const Request &request, std::span<const Long> path,
-                    bool inFull)
+                    Origin origin, bool inFull)
 {
-    if (wouldBePlaced(session, request, path, request.bandwidth))
+    const auto given = origin == Origin::given ? path : std::span<const Long>{};
+    if (wouldBePlaced(session, request, given, request.bandwidth))
         throw std::bad_alloc{}; // the path has room, so what lacked was memory
     Refusal result = refusal(Reason::noRoom, "The path " + fromTo(path.front(), path.back()) +
                                                  " has no room" + wanted(session, request));
@@ -212,7 +210,8 @@ Refusal whyNoRoomOn(const Session &session, const Request &request, std::span<co
         largest = room && largest ? std::optional{std::min(*room, *largest)} : std::nullopt;
     }
     std::ranges::sort(result.inTheWay, {}, &LinkInTheWay::link);
-    largest = placeable(session, request, path, largest);
+    // With less bandwidth another path may be found.
+    largest = placeable(session, request, given, given.empty() ? request.bandwidth : largest);
     result.largestBandwidth = largest.value_or(0.0);
     result.sentence += whatFits(largest);
     return result;

@@ -20,9 +20,13 @@ std::optional<Refusal> refusedEnds(const Session &session, const Request &reques
  */
 Refusal whyNoPath(const Session &session, const Request &request, bool inFull);
 
-/** The same for a request that found a given path, or its own, without room. */
+/** Where the path of a request comes from. */
+enum class Origin { given, found };
+
+/** The same for a request whose path was refused in the end, a given one or, where what can give
+ * way does not add up, the one that was found. */
 Refusal whyNoRoomOn(const Session &session, const Request &request, std::span<const Long> path,
-                    bool inFull);
+                    Origin origin, bool inFull);
 
 /** Why the link of a primary's path that leaves node `hop` of it got no local backup. */
 Refusal whyNoLocalBackup(const Session &session, const DBLabelSwitchedPath &primary,

@@ -115,7 +115,8 @@ Result<tarnex::Placement> placeOrPropose(Session &session, const Request &reques
         return inside::whyNoPath(session, request, explains);
     case ::Placement::notListed:
     case ::Placement::notAdded:
-        return inside::whyNoRoomOn(session, request, inUse(wanted->path), explains);
+        return inside::whyNoRoomOn(session, request, inUse(wanted->path), inside::Origin::found,
+                                   explains);
     case ::Placement::notRemoved:
         report.result.id = id;
         takeBack(session, report.result);
@@ -187,7 +188,8 @@ Result<Placement> Engine::add(const Request &request, std::span<const NodeId> pa
         settle(session, wanted, report.result);
         return std::move(report.result);
     case ::Placement::notAdded:
-        return inside::whyNoRoomOn(session, wanted, nodes, session.options.explainsRefusals);
+        return inside::whyNoRoomOn(session, wanted, nodes, inside::Origin::given,
+                                   session.options.explainsRefusals);
     case ::Placement::notRemoved:
         report.result.id = id;
         takeBack(session, report.result);

@@ -22,6 +22,15 @@ bool isStored(const Session &session, const Lsp &lsp)
     return lspAt(session.db->lspVec, lsp.id.value) != nullptr;
 }
 
+/** Those of the LSPs that are not stored are lost. */
+void forgetMissing(Session &session, std::span<const Lsp> lsps)
+{
+    for (const Lsp &lsp : lsps) {
+        if (!isStored(session, lsp))
+            session.forget(lsp);
+    }
+}
+
 } // namespace
 
 std::vector<Lsp> withBackups(const Session &session, std::span<const Long> ids)
@@ -50,8 +59,10 @@ void restore(Session &session, std::span<const Lsp> lsps)
         const LspRecord record =
             recordOf(lsp, primary ? inUse(primary->path) : std::span<const Long>{});
         Scoped<LongList, longVecEnd> preempted;
-        if (longVecInit(&preempted, -1) != 0 || DBaddLSP(session.db, record.get(), &preempted) != 0)
-            throw std::bad_alloc{};
+        if (longVecInit(&preempted, -1) == 0 && DBaddLSP(session.db, record.get(), &preempted) == 0)
+            continue;
+        forgetMissing(session, lsps);
+        throw std::bad_alloc{};
     }
     tarnexConfig.predicateConfig.capacityClause = testsCapacity;
 }

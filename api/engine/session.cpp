@@ -147,7 +147,8 @@ void Session::forget(const Lsp &lsp)
 
 Turn::Turn(Session &owner)
     : session(owner), savedDataBase(centralDB), savedConfig(tarnexConfig), savedTrail(errorManager),
-      savedClassTypes(NBOA), savedLevels(NBPL), savedCost(COST), savedPrints(printsRemarks)
+      savedClassTypes(NBOA), savedLevels(NBPL), savedCost(COST), savedPrints(printsRemarks),
+      savedFailure(failsOverOddLinks)
 {
     centralDB = session.db;
     errorManager = session.trail;
@@ -156,6 +157,7 @@ Turn::Turn(Session &owner)
     NBPL = session.options.levels;
     COST = 0.0;
     printsRemarks = false;
+    failsOverOddLinks = false;
     tarnexConfig = {};
     configureForBackups();
 }
@@ -170,6 +172,7 @@ Turn::~Turn()
     NBPL = savedLevels;
     COST = savedCost;
     printsRemarks = savedPrints;
+    failsOverOddLinks = savedFailure;
 }
 
 void Turn::configureFor(const Request &request) const

@@ -84,6 +84,7 @@ private:
     const int savedLevels;
     const double savedCost;
     const bool savedPrints;
+    const bool savedFailure;
 };
 
 /** Refuses a call. */

@@ -111,7 +111,7 @@ public:
     /** The engine's messages about the last call that changes or computes something, the cause
      * last, one per line; empty when there is nothing to say. */
     std::string trail() const;
-    /** Bytes in the engines' tables in this process. */
+    /** Bytes in the engines' tables in this process, modulo 2^32. */
     static std::int64_t countedMemory();
 
 private:

@@ -7,5 +7,6 @@ int NBOA = 0;
 int NBPL = 0;
 
 bool printsRemarks = true;
+bool failsOverOddLinks = true;
 
 double COST = 0.0;

@@ -58,6 +58,11 @@ extern int NBPL; ///< preemption levels in use, at most MAXPL; the last initiali
  * always seen them); the C++ library switches it off while a call of its own runs. */
 extern bool printsRemarks;
 
+/** Whether a primary request fails over a link into what its source reaches from a node that it
+ * does not reach, with a larger id than all that it does: the search in passes always has. The C++
+ * library switches it off while a call of its own runs, and gets the path. */
+extern bool failsOverOddLinks;
+
 /** Total score of the primary paths computed since the last initialisation. */
 extern "C" __attribute__((visibility("default"))) double COST;
 

@@ -58,7 +58,8 @@ TEST(MemoryFaults, ThrowAndChangeNothing)
     Engine example = loaded(plan);
     const Request request = preempting(example, plan);
     LspId protectedOne{0};
-    while (!example.has(protectedOne) || example.backupsOf(protectedOne).empty())
+    while (!example.has(protectedOne) || example.backupsOf(protectedOne).empty() ||
+           !example.protect(protectedOne, Scheme::localOrGlobal))
         protectedOne.value += 1;
     const Path path = example.lsp(protectedOne).path;
     const std::vector capacity{5.0};

@@ -94,4 +94,53 @@ INSTANTIATE_TEST_SUITE_P(Terms, RefusalCertificate,
                                          Terms{2, 8, true, Objective::balance, 0.0, 1e-3},
                                          Terms{8, 8, true, Objective::delay, 1.0, 1.0}));
 
+/** Nodes by whether links, whatever they carry, lead to them from `start`. */
+std::vector<bool> reachedFrom(const NetworkPlan &plan, Long start)
+{
+    std::vector<bool> isReached(plan.nodes.size());
+    isReached[static_cast<std::size_t>(start)] = true;
+    for (std::size_t round = 0; round < plan.nodes.size(); ++round) {
+        for (const property::PlannedLink &link : plan.links) {
+            if (isReached[static_cast<std::size_t>(link.src)])
+                isReached[static_cast<std::size_t>(link.dst)] = true;
+        }
+    }
+    return isReached;
+}
+
+TEST(OneWayLinks, LeadWhereTheyDoWhateverComesFromElsewhere)
+{
+    Rng rng{5};
+    int nbRefused = 0;
+    for (int round = 0; round < 60; ++round) {
+        NetworkPlan plan{.nodes = {0, 1, 2, 3, 4, 5}, .links = {}};
+        for (Long i = 0; i < 36; ++i) {
+            if (i / 6 != i % 6 && randomInt(rng, 5) == 0)
+                plan.links.push_back({i, i / 6, i % 6, 10.0});
+        }
+        for (const Objective objective : {Objective::hops, Objective::fortz, Objective::balance}) {
+            Engine engine{{.weights = Weights::of(objective)}};
+            build(engine, plan);
+            for (Long pair = 0; pair < 36; ++pair) {
+                const Request request{
+                    .ingress = node(pair / 6), .egress = node(pair % 6), .bandwidth = 1.0};
+                if (pair / 6 == pair % 6)
+                    continue;
+                const auto placed = engine.propose(request);
+                const bool isReached =
+                    reachedFrom(plan, pair / 6)[static_cast<std::size_t>(pair % 6)];
+                ASSERT_EQ(static_cast<bool>(placed), isReached);
+                nbRefused += placed ? 0 : 1;
+                const auto reason = placed ? std::nullopt : std::optional{placed.refusal().reason};
+                EXPECT_EQ(reason.value_or(Reason::notConnected), Reason::notConnected);
+                Request large = request;
+                large.bandwidth = 11.0;
+                const auto refused = engine.propose(large);
+                EXPECT_EQ(refused.refusal().largestBandwidth, isReached ? 10.0 : 0.0);
+            }
+        }
+    }
+    EXPECT_GT(nbRefused, 500);
+}
+
 } // namespace tarnex::test

@@ -46,7 +46,7 @@ TEST(Bandwidth, WhatIsNoneIsRefused)
         EXPECT_THROW(parseBandwidth(text, ""), BandwidthError) << text;
 }
 
-TEST(Bandwidth, IsPrintedInSixDigits)
+TEST(Bandwidth, IsPrintedInSixDigitsOrAllBeforeThePoint)
 {
     const std::pair<double, const char *> rows[] = {
         {0.0, "0"},
@@ -55,7 +55,7 @@ TEST(Bandwidth, IsPrintedInSixDigits)
         {1.5, "1.5"},
         {1.0 / 3, "0.333333"},
         {2e6 / 3, "666667"},
-        {1234567, "1234570"},
+        {1234567, "1234567"},
         {999999.5, "1000000"},
         {100.25, "100.25"},
         {0.00012, "0.00012"},

@@ -231,7 +231,9 @@ IndexedResult searchIndexed(DataBase &db, LSPRequest &req, double &cost)
     case Reach::unknown:
         return IndexedResult::noMemory;
     case Reach::odd:
-        return IndexedResult::notTried;
+        if (failsOverOddLinks)
+            return IndexedResult::notTried;
+        break;
     case Reach::usual:
         break;
     }

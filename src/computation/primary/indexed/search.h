@@ -27,7 +27,8 @@ enum class IndexedResult {
  *
  * Served is a primary without a rerouted LSP under finite weights, unless a link leads from a node
  * that the source does not reach, with an id above all that it reaches, to one that it does (the
- * passes stumble over it), or preemption has a price that cannot be told.
+ * passes stumble over it, which `failsOverOddLinks` preserves), or preemption has a price that
+ * cannot be told.
  *
  * @param cost the path's score, written when one is found
  */
