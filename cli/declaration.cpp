@@ -53,8 +53,8 @@ void Declaration::count(std::string name, std::string argument, std::string help
     option({.name = name,
             .argument = std::move(argument),
             .help = std::move(help),
-            .take = [name, least, &target](const std::string &value) {
-                target = wholeNumberFrom(value, name, least);
+            .take = [what = std::move(name), least, &target](const std::string &value) {
+                target = wholeNumberFrom(value, what, least);
             }});
 }
 

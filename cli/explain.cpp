@@ -95,6 +95,7 @@ private:
     wrapped(const std::vector<std::pair<std::string, LevelScheme>> &names)
     {
         std::vector<std::pair<std::string, OptionalScheme>> all;
+        all.reserve(names.size());
         for (const auto &[name, scheme] : names)
             all.emplace_back(name, OptionalScheme{std::in_place, scheme});
         return all;

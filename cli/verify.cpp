@@ -27,7 +27,8 @@ Facts verdictOn(const Plan &plan, std::size_t nbDeviations)
              {"deviations", "deviations", number(nbDeviations)},
              {"lsps", "LSPs checked", number(nbLsps)},
              {"backups", "backups checked", number(nbBackups)},
-             {"links", "links checked", number(plan.network.links.size())}}};
+             {"links", "links checked", number(plan.network.links.size())},
+             {"testsCapacity", "capacities checked", truth(plan.options.engine.testsCapacity)}}};
 }
 
 class VerifyCommand : public Command
@@ -39,7 +40,7 @@ public:
             .name = "verify",
             .summary = "checks a plan against nothing but its own network and LSPs",
             .purpose =
-                R"(Works out anew, by plain addition over all single failures, what every link has to reserve for the LSPs and backups of a plan, and compares that with what the plan says and with the capacities. Checks that every path is there, joins its ends and passes no node twice, that backups avoid what they protect, and that every demand has one outcome. At last the engine has to come to the same reservations. Whatever deviates is named.
+                R"(Works out anew, by plain addition over all single failures, what every link has to reserve for the LSPs and backups of a plan, and compares that with what the plan says and with the capacities. Checks that every path is there, joins its ends and passes no node twice, that backups avoid what they protect, and that every demand has one outcome. At last the engine has to come to the same reservations. Whatever deviates is named, but what depends on it is then not looked at. Scores, and what refusals say, are not worked out anew; nor are capacities checked of a plan that was made with --no-capacity-test.
 
 It trusts no tables: a plan that was edited, or made by another program, may be checked as well.)",
             .examples = {{"A plan to check:",
