@@ -74,17 +74,12 @@ private:
     {
         if (source.nodes.size() > largestId)
             oddities.fail(0, fmt::format("{} nodes are too many", source.nodes.size()));
-        std::vector<std::string> names;
-        names.reserve(source.nodes.size());
         for (const SourceNode &node : source.nodes) {
-            const NodeId id(static_cast<std::int32_t>(names.size()));
+            const NodeId id(static_cast<std::int32_t>(nodeByKey.size()));
             if (!nodeByKey.emplace(node.key, id).second)
                 oddities.fail(node.line, fmt::format("there are two nodes '{}'", node.key));
-            std::string name = cleanName(node.name.empty() ? node.key : node.name);
-            if (name.empty())
-                name = cleanName(node.key);
-            names.push_back(name.empty() ? "node" : std::move(name));
         }
+        std::vector<std::string> names = namesOfNodes(source);
         const std::size_t changed = tellApart(names);
         if (changed > 0)
             oddities.choose(counted(changed, "repeated name"), "continued with #2, #3, ...");
@@ -249,11 +244,24 @@ private:
 
 } // namespace
 
+std::vector<std::string> namesOfNodes(const Source &source)
+{
+    std::vector<std::string> names;
+    names.reserve(source.nodes.size());
+    for (const SourceNode &node : source.nodes) {
+        std::string name = cleanName(node.name.empty() ? node.key : node.name);
+        if (name.empty())
+            name = cleanName(node.key);
+        names.push_back(name.empty() ? "node" : std::move(name));
+    }
+    return names;
+}
+
 Input settle(const Source &source, const ReadOptions &options, Remarks &remarks)
 {
     Input input;
     input.network = NetworkSettler(source, options, remarks).settle();
-    input.demands = settleDemands(source, input.network, options, remarks);
+    input.demands = settleOwnDemands(source, input.network, options, remarks);
     return input;
 }
 
