@@ -225,12 +225,8 @@ private:
             oddities.note("demands with unknown nodes", "left out", labelOf(given), given.line);
             return std::nullopt;
         }
-        if (demand.ingress == demand.egress) {
-            oddities.note("demands from a node to itself", "left out", labelOf(given), given.line);
-            return std::nullopt;
-        }
-        if (demand.bandwidth == 0.0) {
-            oddities.note("demands without bandwidth", "left out", labelOf(given), given.line);
+        if (isVoid(demand)) {
+            noteVoid(oddities, demand, labelOf(given), given.line);
             return std::nullopt;
         }
         demand.classType = classOf(given);

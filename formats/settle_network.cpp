@@ -1,4 +1,5 @@
 /** From a source to a network. */
+#include "formats/bandwidth.h"
 #include "formats/names.h"
 #include "formats/number.h"
 #include "formats/oddities.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -32,6 +34,7 @@ public:
     {
         network.name = cleanName(source.name);
         network.unit = cleanName(source.unit);
+        settleCapacity();
         settleClasses();
         settleLevels();
         addNodes();
@@ -40,6 +43,18 @@ public:
     }
 
 private:
+    /** The capacity that an option gives to links without one, in the unit of the file. */
+    void settleCapacity()
+    {
+        if (options.capacity.empty())
+            return;
+        try {
+            chosenCapacity = parseBandwidth(options.capacity, network.unit);
+        } catch (const BandwidthError &error) {
+            throw InputError("--capacity " + options.capacity, 0, 0, error.what());
+        }
+    }
+
     void settleClasses()
     {
         if (!source.classes.empty() && !options.classes.empty())
@@ -125,9 +140,9 @@ private:
         if (nbUndirected > 0)
             oddities.choose(counted(nbUndirected, "undirected edge"),
                             "each taken as two directed links");
-        if (nbWithout > 0 && options.capacity)
+        if (nbWithout > 0 && chosenCapacity)
             oddities.choose("capacity of " + counted(nbWithout, "link"),
-                            fmt::format("taken as {}", *options.capacity));
+                            fmt::format("taken as {}", *chosenCapacity));
         remarkClasses();
     }
 
@@ -180,10 +195,10 @@ private:
 
     double defaultCapacity(const SourceEdge &edge)
     {
-        if (!options.capacity)
+        if (!chosenCapacity)
             oddities.note("links without capacity", "given capacity 1", labelOf(edge), edge.line);
         ++nbWithout;
-        return options.capacity.value_or(1.0);
+        return chosenCapacity.value_or(1.0);
     }
 
     std::vector<double> dividedByClass(double whole) const
@@ -239,6 +254,7 @@ private:
     Network network;
     std::unordered_map<std::string_view, NodeId> nodeByKey;
     std::unordered_map<std::uint64_t, std::size_t> linkByEnds;
+    std::optional<double> chosenCapacity;
     std::size_t nbWithout = 0; ///< links to which the file gives no capacity
 };
 

@@ -259,6 +259,30 @@ class Forms(Scratch):
         self.assertNotIn(b"\033", self.run_on_terminal(*words, NO_COLOR="1"))
 
 
+class Pipes(Scratch):
+    def test_are_read_as_files_are(self):
+        self.make_plan()
+        self.write("bare.network", "unit Mbit/s\nnode 0 A\nnode 1 B\nlink 0 A B\n")
+        for suffix in "json", "txt", "graphml", "graph", "dot":
+            self.run_words("convert", *ABILENE, f"as.{suffix}")
+        for words in (["as.json"], ["as.txt"], ["as.graphml"], ["as.graph"], ["as.dot"],
+                      ["plan.json"], [ABILENE[0]], ["bare.network", "--capacity", "2G"]):
+            expected = self.run_words("show", *words)
+            text = (self.folder / words[0]).read_text()
+            piped = self.run_words("show", "/dev/stdin", *words[1:], input=text)
+            self.assertEqual((piped.stdout, piped.stderr), (expected.stdout, expected.stderr))
+        for name in "as.json", ABILENE[2]:
+            expected = self.run_words("place", ABILENE[0], "--demands", name, status=(0, 1))
+            piped = self.run_words("place", ABILENE[0], "--demands", "/dev/stdin", status=(0, 1),
+                                   input=(self.folder / name).read_text())
+            self.assertEqual(piped.stdout, expected.stdout)
+
+    def test_that_are_empty_are_refused(self):
+        for name in "text", "json", "sndlib", "gml", "dot", "repetita":
+            self.assertIn("/dev/stdin:", self.run_words("show", "/dev/stdin", "--format", name,
+                                                        status=2, input="").stderr)
+
+
 class Work(Scratch):
     def test_what_is_placed_is_right_and_the_same_each_time(self):
         for options in [], ["--protect", "local-or-global", "--order", "largest"], \
