@@ -78,7 +78,7 @@ public:
         if (isInterrupted())
             throw Interrupted(whatWasFinished(plan));
         if (!save.empty())
-            replaceFile(save, [&plan](std::ostream &out) { formats::writePlan(out, plan); });
+            replaceFiles({{save, [&plan](std::ostream &out) { formats::writePlan(out, plan); }}});
         const std::size_t nbLinks = plan.network.links.size() * plan.network.classes.size();
         const planning::Summary summary = planning::summaryOf(plan, nbLinks);
         print(documentOf(plan, summary), form);

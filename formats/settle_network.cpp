@@ -1,6 +1,7 @@
 /** From a source to a network. */
 #include "formats/bandwidth.h"
 #include "formats/names.h"
+#include "formats/node_pair.h"
 #include "formats/number.h"
 #include "formats/oddities.h"
 #include "formats/shares.h"
@@ -212,9 +213,7 @@ private:
     /** Adds a link; false when one is there already: the new one is added to it or left out. */
     bool addLink(NodeId from, NodeId to, const std::vector<double> &capacity, std::size_t line)
     {
-        const std::uint64_t ends = (std::uint64_t{static_cast<std::uint32_t>(from.value)} << 32U) |
-                                   static_cast<std::uint32_t>(to.value);
-        const auto [found, isNew] = linkByEnds.emplace(ends, network.links.size());
+        const auto [found, isNew] = linkByEnds.emplace(numberOf(from, to), network.links.size());
         if (isNew) {
             if (network.links.size() >= largestId)
                 oddities.fail(line, "too many links");
