@@ -75,7 +75,7 @@ What a format cannot hold, as the classes of capacities, is said on standard err
         const Format target = format ? *format : formatOf(out);
         const NetworkInput read = readInput(in, input);
         if (read.plan && target == Format::json && input.demands.empty()) {
-            replaceFile(out, [&](std::ostream &to) { formats::writePlan(to, *read.plan); });
+            replaceFiles({{out, [&](std::ostream &to) { formats::writePlan(to, *read.plan); }}});
             return ExitStatus::done;
         }
         Remarks remarks;
@@ -83,8 +83,7 @@ What a format cannot hold, as the classes of capacities, is said on standard err
             remarks.choose("what became of the demands", "left out");
         const std::vector<Demand> &demands =
             read.plan && input.demands.empty() ? read.plan->demands : read.demands;
-        nowDoing("writing");
-        formats::write(out, target, read.theNetwork(), demands, remarks);
+        replaceFiles(formats::filesFor(out, target, read.theNetwork(), demands, remarks));
         tell(remarks);
         return ExitStatus::done;
     }

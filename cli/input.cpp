@@ -44,16 +44,17 @@ Parameter shares(std::string name, std::string argument, std::string help,
             .take = [name, &target](const std::string &text) { target = sharesFrom(text, name); }};
 }
 
-/** The options with the capacity in the file's unit, which takes a look into the file. */
-formats::ReadOptions readOptionsFor(const std::string &file, const InputOptions &options)
+/** The options for the network: those about demands are for the file of demands, if there is one.
+ */
+formats::ReadOptions forNetwork(const InputOptions &options)
 {
     formats::ReadOptions reading = options.reading;
-    if (options.capacity.empty())
+    if (options.demands.empty())
         return reading;
-    reading.isStrict = false;
-    const std::string unit = formats::read(file, reading).network.unit;
-    reading.isStrict = options.reading.isStrict;
-    reading.capacity = bandwidthFrom(options.capacity, unit, "--capacity");
+    reading.scale = 1.0;
+    reading.className.clear();
+    reading.level.clear();
+    reading.mix.clear();
     return reading;
 }
 
@@ -90,7 +91,7 @@ void InputOptions::declareReading(Declaration &declaration)
                         .help = "Capacity of links that have none in the file (default: 1)",
                         .take = [this](const std::string &text) {
                             bandwidthFrom(text, {}, "--capacity");
-                            capacity = text;
+                            reading.capacity = text;
                         }});
     declaration.option(
         {.name = "--scale",
@@ -128,7 +129,7 @@ void tell(const Remarks &remarks)
 NetworkInput readInput(const std::string &file, const InputOptions &options)
 {
     nowDoing("reading");
-    formats::Input read = formats::read(file, readOptionsFor(file, options));
+    formats::Input read = formats::read(file, forNetwork(options));
     tell(read.remarks);
     NetworkInput input{read.format, std::move(read.network), std::move(read.demands),
                        std::move(read.plan)};

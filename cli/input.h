@@ -13,8 +13,7 @@ namespace tarnex::cli
 /** How input is read. */
 struct InputOptions {
     formats::ReadOptions reading;
-    std::string capacity; ///< as typed; empty: none given
-    std::string demands;  ///< a file with demands; empty: those of the network's file
+    std::string demands; ///< a file with demands; empty: those of the network's file
 
     /** Declares `--demands`. */
     void declareDemands(Declaration &declaration);

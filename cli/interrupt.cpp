@@ -2,12 +2,14 @@
 
 #include "cli/errors.h"
 #include "cli/exit_status.h"
-#include "formats/write.h"
 
 #include <atomic>
 #include <csignal>
 #include <cstring>
+#include <deque>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <ostream>
 #include <streambuf>
 #include <unistd.h>
 
@@ -18,6 +20,7 @@ namespace
 {
 
 std::atomic<const char *> doing{"starting"};
+std::atomic<const char *> wasDone{"; no file was touched\n"};
 std::atomic<bool> isStoppable{false};
 std::atomic<bool> wasPressed{false};
 
@@ -33,7 +36,7 @@ extern "C" void onInterrupt(int)
         return;
     say("\ntarnex: stopped while ");
     say(doing);
-    say("; no file was touched\n");
+    say(wasDone);
     _exit(static_cast<int>(ExitStatus::interrupted));
 }
 
@@ -87,20 +90,32 @@ Stoppable::Stoppable() { isStoppable = true; }
 
 Stoppable::~Stoppable() { isStoppable = false; }
 
-void replaceFile(const std::string &file, const std::function<void(std::ostream &)> &write)
+void replaceFiles(std::vector<formats::FileToWrite> files)
 {
     nowDoing("writing");
     const Stoppable stoppable;
-    try {
-        formats::replaceFile(file, [&write](std::ostream &out) {
+    std::vector<std::string> names;
+    for (formats::FileToWrite &file : files) {
+        names.push_back(file.file.string());
+        file.write = [write = std::move(file.write)](std::ostream &out) {
             StoppableBuffer buffer{*out.rdbuf()};
             std::ostream guarded{&buffer};
             guarded.exceptions(std::ios::badbit);
             write(guarded);
-        });
-    } catch (const Interrupted &stopped) {
-        throw Interrupted(fmt::format("{}; {} is as it was", stopped.what(), file));
+        };
     }
+    const std::string all = fmt::format("{}", fmt::join(names, " and "));
+    try {
+        formats::replaceFiles(files);
+    } catch (const Interrupted &stopped) {
+        throw Interrupted(fmt::format("{}; {} {} left as before", stopped.what(), all,
+                                      names.size() == 1 ? "was" : "were"));
+    }
+    static std::deque<std::string> sentences; // they last: the handler may look at any time
+    wasDone = sentences.emplace_back(fmt::format("; {} had been written\n", all)).c_str();
+    nowDoing("printing");
+    if (isInterrupted())
+        throw Interrupted(fmt::format("stopped after {} had been written", all));
 }
 
 } // namespace tarnex::cli

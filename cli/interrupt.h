@@ -5,8 +5,9 @@
 #ifndef TARNEX_CLI_INTERRUPT_H
 #define TARNEX_CLI_INTERRUPT_H
 
-#include <functional>
-#include <ostream>
+#include "formats/write.h"
+
+#include <vector>
 
 namespace tarnex::cli
 {
@@ -30,9 +31,9 @@ public:
     Stoppable &operator=(const Stoppable &) = delete;
 };
 
-/** Has a file written through its neighbour, as formats::replaceFile; Ctrl-C on the way leaves the
- * old file alone and throws Interrupted. */
-void replaceFile(const std::string &file, const std::function<void(std::ostream &)> &write);
+/** Has files written through their neighbours, as formats::replaceFiles; Ctrl-C on the way leaves
+ * the old files alone and throws Interrupted. From then on the sentence names them as written. */
+void replaceFiles(std::vector<formats::FileToWrite> files);
 
 } // namespace tarnex::cli
 

@@ -78,7 +78,7 @@ public:
         if (isInterrupted())
             throw Interrupted(whatWasFinished(plan));
         if (!save.empty())
-            replaceFile(save, [&plan](std::ostream &out) { formats::writePlan(out, plan); });
+            replaceFiles({{save, [&plan](std::ostream &out) { formats::writePlan(out, plan); }}});
         const std::size_t nbLinks = plan.network.links.size() * plan.network.classes.size();
         const planning::Summary summary = planning::summaryOf(plan, nbLinks);
         print(documentOf(plan, summary), form);
@@ -160,7 +160,7 @@ const Page &PlaceCommand::page() const
         .name = "place",
         .summary = "places demands on a network, and protects them",
         .purpose =
-            R"(Finds a path with enough room for every demand, one after the other. Where there is none, less important LSPs give way, unless --no-preempt. Then those are placed again if --retry says so, and at last the LSPs of the levels named by --protect get backups, which share their bandwidth where no single failure needs two of them at once.
+            R"(Finds a path with enough room for every demand, one after the other. Where there is none, less important LSPs give way, unless --no-preempt; those are placed again if --retry says so. The LSPs of the levels named by --protect get backups, which share their bandwidth where no single failure needs two of them at once. Placed by level, as is the default, the LSPs of a level are protected before the next level is placed; in any other order at the end, most important level first.
 
 The summary tells what became of the demands of each level, why some were refused, how well LSPs are protected and what that costs, and which links are used most. --list adds every LSP, backup, link or refusal. --save keeps all of it in a plan, for `tarnex explain`, `verify` and `diff`, and for `tarnex place PLAN --demands MORE`, which goes on from it: on the plan's terms, but for the options given.
 

@@ -33,8 +33,8 @@ set(CPACK_PACKAGE_DESCRIPTION
 "tarnex places label switched paths in MPLS networks with a capacity per
 DiffServ class: where does a new path go, which less important ones give way
 to it, and which backups protect it? Backups that protect against different
-failures share bandwidth. The package holds the C++ library with its headers
-and the engine for Java.")
+failures share bandwidth. The package holds the command tarnex with its man
+page, the C++ library with its headers and the engine for Java.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -2,6 +2,7 @@
 #ifndef TARNEX_FORMATS_ODDITIES_H
 #define TARNEX_FORMATS_ODDITIES_H
 
+#include "formats/network.h"
 #include "formats/remarks.h"
 
 #include <cstddef>
@@ -40,6 +41,21 @@ private:
     bool isStrict;
     Remarks &remarks;
 };
+
+/** Whether a demand asks for nothing. */
+inline bool isVoid(const Demand &demand)
+{
+    return demand.ingress == demand.egress || demand.bandwidth == 0.0;
+}
+
+/** Notes such a demand, which is left out. */
+inline void noteVoid(Oddities &oddities, const Demand &demand, const std::string &name,
+                     std::size_t line)
+{
+    oddities.note(demand.ingress == demand.egress ? "demands from a node to itself"
+                                                  : "demands without bandwidth",
+                  "left out", name, line);
+}
 
 } // namespace tarnex::formats
 

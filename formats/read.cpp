@@ -1,11 +1,13 @@
 #include "formats/read.h"
 
+#include "formats/cursor.h"
 #include "formats/json/json.h"
 #include "formats/names.h"
 #include "formats/parsers.h"
 #include "formats/source.h"
 #include "formats/text_of_file.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tarnex::formats
@@ -26,17 +28,31 @@ constexpr std::array<std::pair<std::string_view, Format>, 10> formatNames{
      {"json", Format::json},
      {"text", Format::text}}};
 
-Format formatOf(const std::filesystem::path &file, const ReadOptions &options)
+/** A file that is about to be read, once: a pipe has its text for the first who asks. */
+struct Opened {
+    Format format = Format::json;
+    std::optional<std::string> text; ///< without: to be read front to back, as it is large
+};
+
+Opened open(const std::filesystem::path &file, const ReadOptions &options)
 {
     constexpr std::size_t headSize = 1 << 16;
-    return options.format ? *options.format
-                          : detectFormat(textOfFile(file, headSize), file.string());
+    const auto formatOf = [&](const std::string &head) {
+        return options.format ? *options.format : detectFormat(head, file.string());
+    };
+    std::error_code unknown;
+    if (std::filesystem::is_regular_file(file, unknown)) {
+        const Format format = formatOf(textOfFile(file, headSize));
+        return {format, format == Format::json ? std::nullopt : std::optional(textOfFile(file))};
+    }
+    std::string text = textOfFile(file);
+    const Format format = formatOf(text.substr(0, headSize));
+    return {format, std::move(text)};
 }
 
-/** The text of a file in UTF-8; XML documents say themselves what they are in. */
-std::string textIn(const std::filesystem::path &file, Format format, Remarks &remarks)
+/** A text in UTF-8; XML documents say themselves what they are in. */
+std::string inUtf8(std::string text, Format format, Remarks &remarks)
 {
-    std::string text = textOfFile(file);
     if (format == Format::graphml || format == Format::sndlibXml || isUtf8(text))
         return text;
     remarks.choose("text that is not UTF-8", "taken as ISO 8859-1");
@@ -62,15 +78,16 @@ std::vector<std::string> matrixNames(const std::filesystem::path &file, const Ne
 }
 
 /** What a file says; a matrix is between the nodes of a network. */
-Source sourceIn(const std::filesystem::path &file, Format format, const Network &network,
+Source sourceIn(const std::filesystem::path &file, Opened opened, const Network &network,
                 const ReadOptions &options)
 {
+    const Format format = opened.format;
     Remarks remarks;
     Source source;
     if (format == Format::json) {
-        source = readJsonDemands(file);
+        source = opened.text ? readJsonDemands(*opened.text, file.string()) : readJsonDemands(file);
     } else {
-        const std::string text = textIn(file, format, remarks);
+        const std::string text = inUtf8(std::move(*opened.text), format, remarks);
         if (format == Format::matrix)
             source = parseMatrix(text, file.string(), options.matrixLine,
                                  matrixNames(file, network, options, remarks));
@@ -104,6 +121,8 @@ std::optional<Format> formatNamed(std::string_view name)
 
 Source parseSource(Format format, std::string_view text, const std::string &file)
 {
+    if (std::all_of(text.begin(), text.end(), isBlank))
+        throw InputError(file, 0, 0, "the file is empty");
     switch (format) {
     case Format::sndlibNative:
         return parseSndlibNative(text, file);
@@ -130,12 +149,14 @@ Source parseSource(Format format, std::string_view text, const std::string &file
 
 Input read(const std::filesystem::path &file, const ReadOptions &options)
 {
-    const Format format = formatOf(file, options);
+    Opened opened = open(file, options);
+    const Format format = opened.format;
     if (format == Format::json)
-        return readJson(file, options);
+        return opened.text ? readJson(*opened.text, file.string(), options)
+                           : readJson(file, options);
     if (format == Format::matrix)
         throw InputError(file.string(), 0, 0, "expected a network, not a matrix of demands");
-    const Source source = sourceIn(file, format, {}, options);
+    const Source source = sourceIn(file, std::move(opened), {}, options);
     if (source.nodes.empty() && !source.demands.empty())
         throw InputError(file.string(), 0, 0, "expected a network, not demands alone");
     Remarks remarks = source.remarks;
@@ -147,10 +168,10 @@ Input read(const std::filesystem::path &file, const ReadOptions &options)
 
 Input readDemands(const std::filesystem::path &file, Network &network, const ReadOptions &options)
 {
-    const Format format = formatOf(file, options);
-    const Source source = sourceIn(file, format, network, options);
+    Opened opened = open(file, options);
     Input input;
-    input.format = format;
+    input.format = opened.format;
+    const Source source = sourceIn(file, std::move(opened), network, options);
     input.remarks = source.remarks;
     input.demands = settleDemands(source, network, options, input.remarks);
     return input;

@@ -49,11 +49,12 @@ struct Share {
 struct ReadOptions {
     std::optional<Format> format; ///< else found out from content and suffix
     ParallelLinks parallel = ParallelLinks::sum;
-    std::optional<double> capacity; ///< of a link that has none in the file; else 1, and remarked
-    double scale = 1.0;             ///< times which every demand is taken
-    std::vector<Share> classes;     ///< divides the single capacity of a file without classes
-    std::string className;          ///< class of the demands of a file without classes
-    std::string level;              ///< level of the demands of a file without levels
+    std::string capacity; ///< of a link that has none in the file, in its unit or "2G"; else 1,
+                          ///< and remarked
+    double scale = 1.0;   ///< times which every demand is taken
+    std::vector<Share> classes; ///< divides the single capacity of a file without classes
+    std::string className;      ///< class of the demands of a file without classes
+    std::string level;          ///< level of the demands of a file without levels
     std::vector<Share>
         mix; ///< or levels given to such demands in turn, so that each gets its share
     std::optional<std::filesystem::path> hosts; ///< names of a matrix's rows and columns

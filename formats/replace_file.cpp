@@ -1,6 +1,7 @@
 #include "formats/write.h"
 
 #include <cerrno>
+#include <deque>
 #include <fstream>
 #include <string>
 #include <system_error>
@@ -88,31 +89,48 @@ std::filesystem::path followed(const std::filesystem::path &file)
     return none ? file : target;
 }
 
-void writeTo(const std::filesystem::path &file, const std::function<void(std::ostream &)> &write)
+/** Writes to `name`, which stands for `file` in errors. */
+void writeTo(const std::filesystem::path &name, const FileToWrite &file)
 {
     errno = 0;
-    std::ofstream out(file, std::ios::binary);
-    if (out)
-        write(out);
-    out.close();
-    if (!out)
-        fail(file, errno != 0 ? errno : EIO);
+    std::ofstream out(name, std::ios::binary);
+    bool isWritten = false;
+    try {
+        if (out)
+            file.write(out);
+        out.close();
+        isWritten = out.good();
+    } catch (const std::ios_base::failure &) {
+        // It does not know the reason, errno does.
+    }
+    if (!isWritten)
+        fail(file.file, errno != 0 ? errno : EIO);
+}
+
+bool isDevice(const std::filesystem::path &file)
+{
+    std::error_code none;
+    return std::filesystem::exists(file, none) && !std::filesystem::is_regular_file(file, none);
 }
 
 } // namespace
 
-void replaceFile(const std::filesystem::path &file,
-                 const std::function<void(std::ostream &)> &write)
+void replaceFiles(std::span<const FileToWrite> files)
 {
-    const std::filesystem::path target = followed(file);
-    std::error_code none;
-    if (std::filesystem::exists(target, none) && !std::filesystem::is_regular_file(target, none))
-        return writeTo(target, write); // a device or a pipe stays what it is
-    Neighbour neighbour(target);
-    writeTo(neighbour.path(), write);
-    neighbour.takePermissions();
-    neighbour.sync();
-    neighbour.rename();
+    std::deque<Neighbour> neighbours;
+    for (const FileToWrite &file : files) {
+        const std::filesystem::path target = followed(file.file);
+        if (isDevice(target)) {
+            writeTo(target, file); // a device or a pipe stays what it is
+            continue;
+        }
+        const Neighbour &neighbour = neighbours.emplace_back(target);
+        writeTo(neighbour.path(), file);
+        neighbour.takePermissions();
+        neighbour.sync();
+    }
+    for (Neighbour &neighbour : neighbours)
+        neighbour.rename();
 }
 
 } // namespace tarnex::formats

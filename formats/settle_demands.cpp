@@ -20,43 +20,67 @@ namespace tarnex::formats
 namespace
 {
 
+/** Whose nodes the demands of a source are on. */
+enum class NodesOf { source, otherFile };
+
 /** The nodes of a network by what a source may call them. */
 class NodeNames
 {
 public:
-    NodeNames(const Source &source, const Network &network)
-        : byPosition(source.demandsByPosition), nbNodes(network.nodes.size())
+    NodeNames(const Source &source, const Network &network, NodesOf whose)
+        : byPosition(source.demandsByPosition && source.nodes.empty()),
+          nbNodes(network.nodes.size())
     {
-        if (byPosition)
-            return;
-        if (source.nodes.empty())
-            for (std::size_t i = 0; i < nbNodes; ++i)
-                add(network.nodes[i].name, i);
-        else
+        if (whose == NodesOf::source) {
             for (std::size_t i = 0; i < source.nodes.size(); ++i)
-                add(source.nodes[i].key, i);
+                byKey.emplace(source.nodes[i].key, idAt(i));
+        } else {
+            for (std::size_t i = 0; i < nbNodes; ++i)
+                byName.emplace(network.nodes[i].name, idAt(i));
+        }
         for (std::size_t i = 0; i < nbNodes; ++i) // names come before what hangs on the nodes
             for (const std::string &host : network.nodes[i].hosts)
-                add(host, i);
+                byName.emplace(host, idAt(i));
+        if (whose == NodesOf::otherFile)
+            addKeys(source);
     }
 
     NodeId find(const std::string &name) const
     {
-        if (!byPosition) {
-            const auto found = byName.find(name);
-            return found == byName.end() ? NodeId() : found->second;
+        if (byPosition) {
+            const auto position = positionIn(name);
+            return position && *position < nbNodes ? idAt(*position) : NodeId();
         }
-        const auto position = positionIn(name);
-        return position && *position < nbNodes ? idAt(*position) : NodeId();
+        const auto found = byKey.find(name);
+        return found == byKey.end() ? named(name) : found->second;
     }
 
 private:
+    using Ids = std::unordered_map<std::string_view, NodeId>;
+
     static NodeId idAt(std::size_t i) { return NodeId(static_cast<std::int32_t>(i)); }
-    void add(std::string_view name, std::size_t i) { byName.emplace(name, idAt(i)); }
+
+    /** Another file may list the nodes in any order: its keys stand for the names it gives them. */
+    void addKeys(const Source &source)
+    {
+        std::vector<std::string> names = namesOfNodes(source);
+        tellApart(names);
+        for (std::size_t i = 0; i < names.size(); ++i)
+            byKey.emplace(source.nodes[i].key, named(names[i]));
+    }
+
+    NodeId named(const std::string &name) const
+    {
+        auto found = byName.find(name);
+        if (found == byName.end())
+            found = byName.find(cleanName(name)); // as the names of the network are
+        return found == byName.end() ? NodeId() : found->second;
+    }
 
     bool byPosition;
     std::size_t nbNodes;
-    std::unordered_map<std::string_view, NodeId> byName;
+    Ids byKey;
+    Ids byName;
 };
 
 /** Names of classes or levels that demands use, and what those that use none get. */
@@ -118,9 +142,9 @@ private:
 class DemandSettler
 {
 public:
-    DemandSettler(const Source &described, Network &target, const ReadOptions &chosen,
-                  Remarks &remarks)
-        : source(described), network(target), options(chosen), nodes(described, target),
+    DemandSettler(const Source &described, Network &target, NodesOf whose,
+                  const ReadOptions &chosen, Remarks &remarks)
+        : source(described), network(target), options(chosen), nodes(described, target, whose),
           oddities(described.file, chosen.isStrict, remarks),
           classes(target.classes, defaultClass, "class", maxClassTypes),
           levels(target.levels, defaultLevel, "level", maxLevels), turns(chosen.mix)
@@ -193,15 +217,16 @@ private:
                           fmt::format("the bandwidth of {} is {}, not 0 to {}", labelOf(given),
                                       given.bandwidth, largestBandwidth));
         if (!demand.ingress.isValid() || !demand.egress.isValid()) {
+            if (source.demandsByPosition)
+                oddities.fail(given.line, fmt::format("the nodes of {} are {} and {}, but there "
+                                                      "are {}, counted from 0",
+                                                      labelOf(given), given.from, given.to,
+                                                      network.nodes.size()));
             oddities.note("demands with unknown nodes", "left out", labelOf(given), given.line);
             return std::nullopt;
         }
-        if (demand.ingress == demand.egress) {
-            oddities.note("demands from a node to itself", "left out", labelOf(given), given.line);
-            return std::nullopt;
-        }
-        if (demand.bandwidth == 0.0) {
-            oddities.note("demands without bandwidth", "left out", labelOf(given), given.line);
+        if (isVoid(demand)) {
+            noteVoid(oddities, demand, labelOf(given), given.line);
             return std::nullopt;
         }
         demand.classType = classOf(given);
@@ -292,7 +317,13 @@ private:
 std::vector<Demand> settleDemands(const Source &source, Network &network,
                                   const ReadOptions &options, Remarks &remarks)
 {
-    return DemandSettler(source, network, options, remarks).settle();
+    return DemandSettler(source, network, NodesOf::otherFile, options, remarks).settle();
+}
+
+std::vector<Demand> settleOwnDemands(const Source &source, Network &network,
+                                     const ReadOptions &options, Remarks &remarks)
+{
+    return DemandSettler(source, network, NodesOf::source, options, remarks).settle();
 }
 
 } // namespace tarnex::formats

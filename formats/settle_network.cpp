@@ -1,5 +1,7 @@
 /** From a source to a network. */
+#include "formats/bandwidth.h"
 #include "formats/names.h"
+#include "formats/node_pair.h"
 #include "formats/number.h"
 #include "formats/oddities.h"
 #include "formats/shares.h"
@@ -11,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -32,6 +35,7 @@ public:
     {
         network.name = cleanName(source.name);
         network.unit = cleanName(source.unit);
+        settleCapacity();
         settleClasses();
         settleLevels();
         addNodes();
@@ -40,6 +44,18 @@ public:
     }
 
 private:
+    /** The capacity that an option gives to links without one, in the unit of the file. */
+    void settleCapacity()
+    {
+        if (options.capacity.empty())
+            return;
+        try {
+            chosenCapacity = parseBandwidth(options.capacity, network.unit);
+        } catch (const BandwidthError &error) {
+            throw InputError("--capacity " + options.capacity, 0, 0, error.what());
+        }
+    }
+
     void settleClasses()
     {
         if (!source.classes.empty() && !options.classes.empty())
@@ -74,17 +90,12 @@ private:
     {
         if (source.nodes.size() > largestId)
             oddities.fail(0, fmt::format("{} nodes are too many", source.nodes.size()));
-        std::vector<std::string> names;
-        names.reserve(source.nodes.size());
         for (const SourceNode &node : source.nodes) {
-            const NodeId id(static_cast<std::int32_t>(names.size()));
+            const NodeId id(static_cast<std::int32_t>(nodeByKey.size()));
             if (!nodeByKey.emplace(node.key, id).second)
                 oddities.fail(node.line, fmt::format("there are two nodes '{}'", node.key));
-            std::string name = cleanName(node.name.empty() ? node.key : node.name);
-            if (name.empty())
-                name = cleanName(node.key);
-            names.push_back(name.empty() ? "node" : std::move(name));
         }
+        std::vector<std::string> names = namesOfNodes(source);
         const std::size_t changed = tellApart(names);
         if (changed > 0)
             oddities.choose(counted(changed, "repeated name"), "continued with #2, #3, ...");
@@ -130,9 +141,9 @@ private:
         if (nbUndirected > 0)
             oddities.choose(counted(nbUndirected, "undirected edge"),
                             "each taken as two directed links");
-        if (nbWithout > 0 && options.capacity)
+        if (nbWithout > 0 && chosenCapacity)
             oddities.choose("capacity of " + counted(nbWithout, "link"),
-                            fmt::format("taken as {}", *options.capacity));
+                            fmt::format("taken as {}", *chosenCapacity));
         remarkClasses();
     }
 
@@ -185,10 +196,10 @@ private:
 
     double defaultCapacity(const SourceEdge &edge)
     {
-        if (!options.capacity)
+        if (!chosenCapacity)
             oddities.note("links without capacity", "given capacity 1", labelOf(edge), edge.line);
         ++nbWithout;
-        return options.capacity.value_or(1.0);
+        return chosenCapacity.value_or(1.0);
     }
 
     std::vector<double> dividedByClass(double whole) const
@@ -202,9 +213,7 @@ private:
     /** Adds a link; false when one is there already: the new one is added to it or left out. */
     bool addLink(NodeId from, NodeId to, const std::vector<double> &capacity, std::size_t line)
     {
-        const std::uint64_t ends = (std::uint64_t{static_cast<std::uint32_t>(from.value)} << 32U) |
-                                   static_cast<std::uint32_t>(to.value);
-        const auto [found, isNew] = linkByEnds.emplace(ends, network.links.size());
+        const auto [found, isNew] = linkByEnds.emplace(numberOf(from, to), network.links.size());
         if (isNew) {
             if (network.links.size() >= largestId)
                 oddities.fail(line, "too many links");
@@ -244,16 +253,30 @@ private:
     Network network;
     std::unordered_map<std::string_view, NodeId> nodeByKey;
     std::unordered_map<std::uint64_t, std::size_t> linkByEnds;
+    std::optional<double> chosenCapacity;
     std::size_t nbWithout = 0; ///< links to which the file gives no capacity
 };
 
 } // namespace
 
+std::vector<std::string> namesOfNodes(const Source &source)
+{
+    std::vector<std::string> names;
+    names.reserve(source.nodes.size());
+    for (const SourceNode &node : source.nodes) {
+        std::string name = cleanName(node.name.empty() ? node.key : node.name);
+        if (name.empty())
+            name = cleanName(node.key);
+        names.push_back(name.empty() ? "node" : std::move(name));
+    }
+    return names;
+}
+
 Input settle(const Source &source, const ReadOptions &options, Remarks &remarks)
 {
     Input input;
     input.network = NetworkSettler(source, options, remarks).settle();
-    input.demands = settleDemands(source, input.network, options, remarks);
+    input.demands = settleOwnDemands(source, input.network, options, remarks);
     return input;
 }
 

@@ -66,8 +66,16 @@ struct Source {
  * shares that do not add up and, in strict reading, for the first oddity. */
 Input settle(const Source &source, const ReadOptions &options, Remarks &remarks);
 
-/** Makes demands on a network that is there; its default class, level and unit give way to those
- * that the demands bring. Errors as in settle(). */
+/** The names that a source gives its nodes, fit to be printed, which may repeat. */
+std::vector<std::string> namesOfNodes(const Source &source);
+
+/** Makes demands on the network that the same source describes: part of settle(). */
+std::vector<Demand> settleOwnDemands(const Source &source, Network &network,
+                                     const ReadOptions &options, Remarks &remarks);
+
+/** Makes demands on a network of another file: nodes go by their names, whatever order the source
+ * lists them in, unless it has nothing but positions. The network's default class, level and unit
+ * give way to those that the demands bring. Errors as in settle(). */
 std::vector<Demand> settleDemands(const Source &source, Network &network,
                                   const ReadOptions &options, Remarks &remarks);
 

@@ -2,6 +2,7 @@
 
 #include "formats/json/events.h"
 #include "formats/json/schemas.h"
+#include "formats/node_pair.h"
 #include "formats/number.h"
 
 #include <algorithm>
@@ -76,8 +77,7 @@ void Draft::addLink()
     if (from == to)
         throw Problem("expected a link to another node, not from \"" + network.nameOf(from) +
                       "\" to itself");
-    const auto pair = static_cast<std::uint64_t>(from.index()) << 32U | to.index();
-    if (!nodePairs.insert(pair).second)
+    if (!nodePairs.insert(numberOf(from, to)).second)
         throw Problem("a second link from \"" + network.nameOf(from) + "\" to \"" +
                       network.nameOf(to) + "\"");
     if (row.size() != network.classes.size())

@@ -24,7 +24,8 @@ Source parseNodeLink(std::string_view text, const std::string &file);
  * classes or levels if the file names none. InputError when the document is damaged; whether the
  * paths of a plan follow links and fit is not looked at.
  *
- * Of the options, the scale counts: plans are not scaled, which is remarked.
+ * Of the options, the scale and strict reading count for networks and demands, which leave nothing
+ * else open, and none for plans. Options that decide nothing are remarked.
  */
 Input readJson(const std::filesystem::path &file, const ReadOptions &options);
 /** The same for a text; `file` is its name in errors. */
@@ -33,6 +34,7 @@ Input readJson(std::string_view text, const std::string &file, const ReadOptions
 /** The demands of a document of ours of any kind, to settle on another network. Errors as in
  * readJson(). */
 Source readJsonDemands(const std::filesystem::path &file);
+Source readJsonDemands(std::string_view text, const std::string &file);
 
 /** Writes a network with demands. Throws std::invalid_argument at a number that is not finite;
  * std::out_of_range at ids that the network does not have. */

@@ -3,6 +3,7 @@
 #include "formats/json/schemas.h"
 #include "formats/json/shapes.h"
 #include "formats/number.h"
+#include "formats/oddities.h"
 
 #include <cerrno>
 #include <fstream>
@@ -80,10 +81,48 @@ void readInto(Draft &draft, TextStream &text, const std::string &file)
     parse(text, file, reader);
 }
 
+/** Options that decide nothing in a document which leaves nothing open. */
+void remarkIgnored(const ReadOptions &options, Remarks &remarks)
+{
+    const std::pair<const char *, bool> given[]{
+        {"--classes", !options.classes.empty()},
+        {"--capacity", !options.capacity.empty()},
+        {"--parallel", options.parallel != ParallelLinks::sum},
+        {"--class", !options.className.empty()},
+        {"--level", !options.level.empty()},
+        {"--mix", !options.mix.empty()},
+    };
+    for (const auto &[name, isGiven] : given)
+        if (isGiven)
+            remarks.choose(name, "ignored: tarnex JSON says it itself");
+}
+
+/** Scales demands and leaves out those that ask for nothing, as in the other formats. */
+void settleDemandsOf(Input &input, const std::string &file, const ReadOptions &options)
+{
+    Oddities oddities(file, options.isStrict, input.remarks);
+    const auto isLeftOut = [&](Demand &demand) {
+        demand.bandwidth *= options.scale;
+        if (!(demand.bandwidth <= largestBandwidth))
+            oddities.fail(0, "a demand is too large to be scaled");
+        if (!isVoid(demand))
+            return false;
+        const Network &network = input.network;
+        noteVoid(oddities, demand,
+                 demand.name.empty()
+                     ? network.nameOf(demand.ingress) + " > " + network.nameOf(demand.egress)
+                     : demand.name,
+                 0);
+        return true;
+    };
+    std::erase_if(input.demands, isLeftOut);
+}
+
 Input inputOf(Draft &&draft, const std::string &file, const ReadOptions &options)
 {
     Input input;
     input.format = Format::json;
+    remarkIgnored(options, input.remarks);
     if (draft.kind == Kind::plan) {
         input.plan = std::move(draft.plan);
         if (options.scale != 1.0)
@@ -92,11 +131,7 @@ Input inputOf(Draft &&draft, const std::string &file, const ReadOptions &options
     }
     input.network = std::move(draft.plan.network);
     input.demands = std::move(draft.plan.demands);
-    for (Demand &demand : input.demands) {
-        demand.bandwidth *= options.scale;
-        if (!(demand.bandwidth <= largestBandwidth))
-            throw InputError(file, 0, 0, "a demand is too large to be scaled");
-    }
+    settleDemandsOf(input, file, options);
     return input;
 }
 
@@ -114,6 +149,20 @@ SourceDemand sourceOf(const Demand &demand, const Network &network)
     return source;
 }
 
+Source sourceOf(const Draft &draft, const std::string &file)
+{
+    const Network &network = draft.plan.network;
+    Source source;
+    source.file = file;
+    source.unit = network.unit;
+    source.classes = network.classes;
+    source.levels = network.levels;
+    source.demands.reserve(draft.plan.demands.size());
+    for (const Demand &demand : draft.plan.demands)
+        source.demands.push_back(sourceOf(demand, network));
+    return source;
+}
+
 Draft readFile(const std::filesystem::path &file)
 {
     std::ifstream stream(file, std::ios::binary);
@@ -124,6 +173,14 @@ Draft readFile(const std::filesystem::path &file)
     TextStream text(stream, unknown ? 0 : static_cast<std::size_t>(size));
     Draft draft(text);
     readInto(draft, text, file.string());
+    return draft;
+}
+
+Draft readText(std::string_view text, const std::string &file)
+{
+    TextStream stream(text);
+    Draft draft(stream);
+    readInto(draft, stream, file);
     return draft;
 }
 
@@ -138,25 +195,17 @@ Input readJson(const std::filesystem::path &file, const ReadOptions &options)
 
 Input readJson(std::string_view text, const std::string &file, const ReadOptions &options)
 {
-    json::TextStream stream(text);
-    json::Draft draft(stream);
-    json::readInto(draft, stream, file);
-    return json::inputOf(std::move(draft), file, options);
+    return json::inputOf(json::readText(text, file), file, options);
 }
 
 Source readJsonDemands(const std::filesystem::path &file)
 {
-    const json::Draft draft = json::readFile(file);
-    const Network &network = draft.plan.network;
-    Source source;
-    source.file = file.string();
-    source.unit = network.unit;
-    source.classes = network.classes;
-    source.levels = network.levels;
-    source.demands.reserve(draft.plan.demands.size());
-    for (const Demand &demand : draft.plan.demands)
-        source.demands.push_back(json::sourceOf(demand, network));
-    return source;
+    return json::sourceOf(json::readFile(file), file.string());
+}
+
+Source readJsonDemands(std::string_view text, const std::string &file)
+{
+    return json::sourceOf(json::readText(text, file), file);
 }
 
 } // namespace tarnex::formats

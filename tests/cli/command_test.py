@@ -126,6 +126,11 @@ class WrongUse(Scratch):
             self.assertEqual(done.stdout, "", line)
             self.assertEqual((self.folder / "kept").read_text(), "as it was", line)
 
+    def test_says_when_a_disk_is_full(self):
+        for line in "place {abilene} --save /dev/full", "convert {abilene} /dev/full --to json":
+            self.assertRegex(self.run_line(line, 2).stderr,
+                             "cannot write /dev/full: No space left on device")
+
     def test_says_when_standard_output_takes_no_more(self):
         with open("/dev/full", "w") as full:
             done = subprocess.run([TARNEX, "help"], stdout=full, stderr=subprocess.PIPE, text=True)
@@ -259,6 +264,30 @@ class Forms(Scratch):
         self.assertNotIn(b"\033", self.run_on_terminal(*words, NO_COLOR="1"))
 
 
+class Pipes(Scratch):
+    def test_are_read_as_files_are(self):
+        self.make_plan()
+        self.write("bare.network", "unit Mbit/s\nnode 0 A\nnode 1 B\nlink 0 A B\n")
+        for suffix in "json", "txt", "graphml", "graph", "dot":
+            self.run_words("convert", *ABILENE, f"as.{suffix}")
+        for words in (["as.json"], ["as.txt"], ["as.graphml"], ["as.graph"], ["as.dot"],
+                      ["plan.json"], [ABILENE[0]], ["bare.network", "--capacity", "2G"]):
+            expected = self.run_words("show", *words)
+            text = (self.folder / words[0]).read_text()
+            piped = self.run_words("show", "/dev/stdin", *words[1:], input=text)
+            self.assertEqual((piped.stdout, piped.stderr), (expected.stdout, expected.stderr))
+        for name in "as.json", ABILENE[2]:
+            expected = self.run_words("place", ABILENE[0], "--demands", name, status=(0, 1))
+            piped = self.run_words("place", ABILENE[0], "--demands", "/dev/stdin", status=(0, 1),
+                                   input=(self.folder / name).read_text())
+            self.assertEqual(piped.stdout, expected.stdout)
+
+    def test_that_are_empty_are_refused(self):
+        for name in "text", "json", "sndlib", "gml", "dot", "repetita":
+            self.assertIn("/dev/stdin:", self.run_words("show", "/dev/stdin", "--format", name,
+                                                        status=2, input="").stderr)
+
+
 class Work(Scratch):
     def test_what_is_placed_is_right_and_the_same_each_time(self):
         for options in [], ["--protect", "local-or-global", "--order", "largest"], \
@@ -327,6 +356,37 @@ class Interrupt(Scratch):
         self.assertEqual((self.folder / "kept").read_text(), "as it was")
         self.assertEqual([file.name for file in self.folder.iterdir() if "kept" in file.name],
                          ["kept"])
+
+
+    def start(self, *words):
+        process = subprocess.Popen([TARNEX, *words], cwd=self.folder, stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, text=True)
+        self.addCleanup(process.communicate)
+        return process
+
+    def test_leaves_no_neighbour_behind(self):
+        process = self.start("convert", "torus.network", "--demands", "torus.demands", "kept",
+                             "--to", "json")
+        while process.poll() is None and not list(self.folder.glob("kept.*.tmp")):
+            pass
+        process.send_signal(signal.SIGINT)
+        _, err = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 130, err)
+        self.assertEqual([file.name for file in self.folder.glob("kept*")], ["kept"])
+        self.assertEqual("left as before" in err, (self.folder / "kept").read_text() == "as it was")
+
+    def test_says_what_was_written_before(self):
+        lines = (self.folder / "torus.demands").read_text().splitlines(keepends=True)
+        self.write("some.demands", "".join(lines[:2000]))
+        process = self.start("place", "torus.network", "--demands", "some.demands", "--save",
+                             "new.json", "--list", "lsps", "--json")  # more than the pipe takes
+        while process.poll() is None and not (self.folder / "new.json").exists():
+            time.sleep(0.01)
+        time.sleep(1)
+        process.send_signal(signal.SIGINT)
+        _, err = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 130, err)
+        self.assertIn("stopped while printing; new.json had been written", err)
 
 
 class Install(Scratch):

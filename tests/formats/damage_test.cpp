@@ -46,7 +46,7 @@ const std::vector<Damage> damages{
      sndlibXml + "</networkStructure><demands>\n<demand><source>a</source><target>b</target>"
                  "<demandValue>1e999</demandValue></demand></demands></network>",
      "input:3:46: expected demandValue, a number, not '1e999'"},
-    {Format::graphml, "", "input:1:1: expected well-formed XML: No document element found"},
+    {Format::graphml, "", "input: the file is empty"},
     {Format::graphml, "<graphml>\n </graphml>", "input:1:2: expected a <graph> in <graphml>"},
     {Format::graphml, "<graphml>\n <graph/></graphml>",
      "input:2:3: expected an attribute 'edgedefault' of <graph>"},
@@ -86,6 +86,7 @@ const std::vector<Damage> damages{
     {Format::text, text + "node 1 C\n", "input:4:6: there is a node 1 already"},
     {Format::text, text + "levels 0 1 2 3 4 5 6 7 8\n", "input: 9 levels, at most 8 are possible"},
     {Format::text, text + "demand 1 A B c 0 5\n", "input:4: no class is called 'c' (a, b)"},
+    {Format::text, " \n", "input: the file is empty"},
     {Format::text, text + "nodes 1",
      "input:4:1: unknown statement 'nodes' (unit, classes, levels, node, link or demand)"},
 };

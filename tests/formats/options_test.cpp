@@ -41,7 +41,9 @@ TEST(Choices, AreMadeAsTheOptionsSay)
          "[1] A > B class0/level0 2\n[2] B > A class0/level0 4\n"},
         {"first", with([](auto &o) { o.parallel = ParallelLinks::first; }), "A > B: 10\nB > A: 1\n",
          "[1] A > B class0/level0 2\n[2] B > A class0/level0 4\n"},
-        {"capacity", with([](auto &o) { o.capacity = 7.5; }), "A > B: 15\nB > A: 7.5\n",
+        {"capacity", with([](auto &o) { o.capacity = "7.5"; }), "A > B: 15\nB > A: 7.5\n",
+         "[1] A > B class0/level0 2\n[2] B > A class0/level0 4\n"},
+        {"capacity in bit/s", with([](auto &o) { o.capacity = "2G"; }), "A > B: 15\nB > A: 2000\n",
          "[1] A > B class0/level0 2\n[2] B > A class0/level0 4\n"},
         {"classes", with([](auto &o) { o.classes = divided; }),
          "A > B: 3.75 11.25\nB > A: 0.25 0.75\n",
@@ -149,6 +151,40 @@ TEST(Demands, BringClassesLevelsAndUnitsWhereTheNetworkHasNone)
             source.file = "input";
             input.demands = settleDemands(source, input.network, {}, input.remarks);
             found = describe(input.network, input.demands);
+        });
+        EXPECT_EQ(error + found, expected) << brought;
+    }
+}
+
+TEST(Demands, OfAFileThatListsNodesItselfGoByTheirNames)
+{
+    struct Case {
+        Format format;
+        const char *brought;
+        const char *expected;
+    };
+    const char *const ofB = "[d] B > C class0/level0 5\n";
+    for (const auto &[format, brought, expected] : std::vector<Case>{
+             {Format::text, "node 0 C\nnode 1 B\ndemand d B C 5", ofB},
+             {Format::sndlibNative, "NODES ( C B )\nDEMANDS ( d ( B C ) 1 5 UNLIMITED )", ofB},
+             {Format::sndlibXml,
+              "<network><networkStructure><nodes><node id='C'/><node id='B'/></nodes>"
+              "</networkStructure><demands><demand id='d'><source>B</source><target>C</target>"
+              "<demandValue>5</demandValue></demand></demands></network>",
+              ofB},
+             {Format::repetita,
+              "NODES 2\nlabel x y\nC 0 0\nB 0 0\nDEMANDS 1\nlabel src dest bw\nd 1 0 5", ofB},
+             {Format::repetita, "DEMANDS 1\nlabel src dest bw\nd 1 2 5", ofB},
+             {Format::repetita, "DEMANDS 1\nlabel src dest bw\nd 1 3 5",
+              "input:3: the nodes of d are 1 and 3, but there are 3, counted from 0"},
+             {Format::text, "node 0 C\nnode 1 X\ndemand d X C 5", ""}}) {
+        std::string found;
+        const std::string error = errorOf([&, how = format, &demands = brought] {
+            Input input = settled(Format::text, "node 0 A\nnode 1 B\nnode 2 C\n");
+            Source source = parseSource(how, demands, "input");
+            source.file = "input";
+            found =
+                describe(input.network, settleDemands(source, input.network, {}, input.remarks));
         });
         EXPECT_EQ(error + found, expected) << brought;
     }

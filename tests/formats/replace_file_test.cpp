@@ -45,6 +45,10 @@ protected:
     {
         replaceFile(file, [&](std::ostream &out) { out << text; });
     }
+    static void replaceFile(const fs::path &file, const std::function<void(std::ostream &)> &write)
+    {
+        replaceFiles(std::vector<FileToWrite>{{file, write}});
+    }
 
     fs::path folder;
     fs::path file;
@@ -77,6 +81,35 @@ TEST_F(ReplaceFile, LeavesWhatWasThereWhenWritingFails)
     EXPECT_EQ(nbFiles(), 1U);
     EXPECT_THROW(replaceFile(folder / "none" / "x", stop), std::system_error);
     EXPECT_THROW(replaceFile(folder, stop), std::system_error);
+}
+
+TEST_F(ReplaceFile, ReplacesAllFilesOrNone)
+{
+    write("old");
+    const auto one = [](std::ostream &out) { out << "new"; };
+    const auto stop = [](std::ostream & /*out*/) { throw std::runtime_error("stop"); };
+    EXPECT_THROW(replaceFiles(std::vector<FileToWrite>{{file, one}, {folder / "b", stop}}),
+                 std::runtime_error);
+    EXPECT_EQ(contentOf(file), "old");
+    EXPECT_EQ(nbFiles(), 1U);
+    replaceFiles(std::vector<FileToWrite>{{file, one}, {folder / "b", one}});
+    EXPECT_EQ(contentOf(file) + contentOf(folder / "b"), "newnew");
+    EXPECT_EQ(nbFiles(), 2U);
+}
+
+TEST_F(ReplaceFile, NamesTheFileAndTheReasonWhenTheDiskIsFull)
+{
+    for (const bool throws : {false, true})
+        try {
+            replaceFile("/dev/full", [throws](std::ostream &out) {
+                if (throws)
+                    out.exceptions(std::ios::badbit);
+                out << std::string(100'000, 'x');
+            });
+            FAIL() << "written";
+        } catch (const std::system_error &error) {
+            EXPECT_STREQ(error.what(), "cannot write /dev/full: No space left on device");
+        }
 }
 
 TEST_F(ReplaceFile, FollowsLinksAndLeavesDevicesAlone)

@@ -12,6 +12,12 @@ namespace tarnex::formats
 namespace
 {
 
+void write(const std::filesystem::path &file, Format format, const Network &network,
+           const std::vector<Demand> &demands, Remarks &remarks)
+{
+    replaceFiles(filesFor(file, format, network, demands, remarks));
+}
+
 class RandomNetwork
 {
 public:
