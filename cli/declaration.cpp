@@ -40,11 +40,16 @@ void Declaration::flag(std::string name, std::string help, bool &target, bool va
 void Declaration::text(std::string name, std::string argument, std::string help,
                        std::string &target, Completes completes)
 {
-    option({.name = std::move(name),
-            .argument = std::move(argument),
+    option({.name = name,
+            .argument = argument,
             .help = std::move(help),
             .completes = completes,
-            .take = [&target](const std::string &value) { target = value; }});
+            .take = [what = std::move(name), kind = std::move(argument),
+                     &target](const std::string &value) {
+                if (value.empty())
+                    throw UsageError(fmt::format("{} is empty: expected {}", what, kind));
+                target = value;
+            }});
 }
 
 void Declaration::count(std::string name, std::string argument, std::string help,

@@ -41,7 +41,9 @@ Parameter shares(std::string name, std::string argument, std::string help,
     return {.name = name,
             .argument = std::move(argument),
             .help = std::move(help),
-            .take = [name, &target](const std::string &text) { target = sharesFrom(text, name); }};
+            .take = [what = std::move(name), &target](const std::string &text) {
+                target = sharesFrom(text, what);
+            }};
 }
 
 /** The options for the network: those about demands are for the file of demands, if there is one.

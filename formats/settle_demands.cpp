@@ -13,6 +13,7 @@
 #include <limits>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace tarnex::formats
 {
@@ -157,9 +158,16 @@ public:
         factor = options.scale * unitFactor();
         std::vector<Demand> demands;
         demands.reserve(source.demands.size());
-        for (const SourceDemand &given : source.demands)
-            if (auto demand = settled(given))
-                demands.push_back(std::move(*demand));
+        std::unordered_set<std::string> names;
+        for (const SourceDemand &given : source.demands) {
+            auto demand = settled(given);
+            if (!demand)
+                continue;
+            if (!demand->name.empty() && !names.insert(demand->name).second)
+                oddities.note("demands named as one before", "taken as they are", demand->name,
+                              given.line);
+            demands.push_back(std::move(*demand));
+        }
         if (demands.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
             oddities.fail(0, "too many demands");
         remarkChoices();

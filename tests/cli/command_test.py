@@ -10,6 +10,7 @@ import os
 import pathlib
 import pty
 import re
+import shlex
 import shutil
 import signal
 import subprocess
@@ -37,6 +38,7 @@ WRONG_USES = [  # arguments, first line on standard error
     ("show a --listt nodes", "tarnex show: unknown option --listt: did you mean --list?"),
     ("show a --list edges", "tarnex show: --list edges: expected nodes, links or demands"),
     ("show a --list", "tarnex show: --list needs a value: --list WHAT"),
+    ("place a --save ''", "tarnex place: --save is empty: expected FILE"),
     ("show a --list nodes --list links", "tarnex show: --list is given 2 times"),
     ("show a --json --csv",
      "tarnex show: two forms of output: expected one of --json, --jsonl, --csv"),
@@ -102,7 +104,7 @@ class Scratch(unittest.TestCase):
         return done
 
     def run_line(self, line, status):
-        return self.run_words(*line.format(abilene=" ".join(ABILENE)).split(), status=status)
+        return self.run_words(*shlex.split(line.format(abilene=" ".join(ABILENE))), status=status)
 
     def make_plan(self, *options, name="plan.json"):
         self.run_words("place", *ABILENE, "--save", name, *options, status=(0, 1))
