@@ -66,10 +66,8 @@ TEST(Explaining, WhatWouldFitFitsAndNoMore)
     for (std::uint32_t seed = 1; seed <= 30; ++seed) {
         SCOPED_TRACE(seed);
         Draw draw{seed};
-        const Network network = randomNetwork(draw, {});
-        Progress progress;
-        const Plan plan = place(network, randomDemands(draw, network, 120),
-                                randomOptions(draw, network), progress);
+        const Plan plan = randomPlan(draw);
+        const Network &network = plan.network;
         Demand demand{.name = {},
                       .ingress = NodeId{0},
                       .egress = NodeId{5},

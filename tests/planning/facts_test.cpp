@@ -117,10 +117,7 @@ TEST(Summary, AddsUpToWhatPlainCountingGives)
     for (std::uint32_t seed = 1; seed <= 30; ++seed) {
         SCOPED_TRACE(seed);
         Draw draw{seed};
-        const Network network = randomNetwork(draw, {});
-        Progress progress;
-        const Plan plan = place(network, randomDemands(draw, network, 120),
-                                randomOptions(draw, network), progress);
+        const Plan plan = randomPlan(draw);
         const Summary summary = summaryOf(plan, 5);
         const auto &all = summary.all;
         const auto nbOf = [&](std::size_t kind) {

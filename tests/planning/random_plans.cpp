@@ -1,5 +1,7 @@
 #include "planning/random_plans.h"
 
+#include "planning/place.h"
+
 #include <set>
 #include <sstream>
 #include <utility>
@@ -119,6 +121,15 @@ void write(std::ostream &out, const Outcome &outcome)
 }
 
 } // namespace
+
+Plan randomPlan(Draw &draw)
+{
+    const Network network = randomNetwork(draw, {});
+    const auto demands = randomDemands(draw, network, 120);
+    const PlanOptions options = randomOptions(draw, network);
+    tarnex::planning::Progress progress;
+    return tarnex::planning::place(network, demands, options, progress);
+}
 
 std::string textOf(const Plan &plan)
 {

@@ -44,6 +44,9 @@ std::vector<tarnex::Demand> randomDemands(Draw &draw, const tarnex::Network &net
 /** Any order, rounds, weights and schemes. */
 tarnex::PlanOptions randomOptions(Draw &draw, const tarnex::Network &network);
 
+/** 120 demands placed on a network, on any terms. */
+tarnex::Plan randomPlan(Draw &draw);
+
 /** Everything that a plan says, to the bit. */
 std::string textOf(const tarnex::Plan &plan);
 
