@@ -92,18 +92,26 @@ int main()
                 "with LSPs, MB", "KiB per link");
     std::printf("%7s %9s %9s %12s %12s %12s %12s %14s\n", "links", "node id", "link id", "counted",
                 "resident", "counted", "resident", "without LSPs");
-    for (const int nodes : {20, 200, 2000}) {
-        for (const int largest : {0, 100'000}) {
-            std::fflush(stdout);
-            const int idStep = std::max(1, largest / (5 * nodes));
-            if (fork() == 0) {
-                printRow(nodes, idStep);
-                return 0;
-            }
-            int status = 0;
-            wait(&status);
-            if (status != 0)
-                return 1;
+    struct Size {
+        int nodes, idStep;
+    };
+    for (const auto &[nodes, idStep] : {Size{20, 1},
+                                        {20, 1000},
+                                        {200, 1},
+                                        {200, 100},
+                                        {500, 1},
+                                        {1000, 1},
+                                        {2000, 1},
+                                        {2000, 10},
+                                        {4000, 1}}) {
+        std::fflush(stdout);
+        if (fork() == 0) {
+            printRow(nodes, idStep);
+            return 0;
         }
+        int status = 0;
+        wait(&status);
+        if (status != 0)
+            return 1;
     }
 }

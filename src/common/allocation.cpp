@@ -1,4 +1,5 @@
 #include "common/common.h"
+#include "common/page_arena.h"
 #include "common/system_memory.h"
 
 #include <algorithm>
@@ -32,12 +33,8 @@ constexpr std::size_t maxUserBytes = std::numeric_limits<Long>::max() - prefixBy
 constexpr std::uint32_t freedMark = 0xFFFFFFFF;
 
 // Zeroed blocks from this size on get pages of their own: memory that nobody writes to stays
-// without pages, and growing moves pages instead of copying. A process may have some 65 000
-// mappings (neighbours count as one, so a network needs few); beyond a share of them the C library
-// serves.
-constexpr std::size_t minMappedBytes = std::size_t{64} * 1024;
-constexpr int maxMappings = 48 * 1024;
-int mappings = 0;
+// without pages, and what is released does not come back as memory that a smaller table wastes.
+constexpr std::size_t minMappedBytes = std::size_t{16} * 1024;
 
 Prefix *prefixOf(void *user)
 {
@@ -90,14 +87,10 @@ void *withGuardedTail(void *user)
     return user;
 }
 
-/** A zeroed counted block in a mapping of its own; null when that cannot or should not be. */
+/** A zeroed counted block on pages of its own; null when there are none. */
 void *mapBlock(std::size_t sz)
 {
-    if (sz < minMappedBytes || mappings >= maxMappings)
-        return nullptr;
-    void *user = counted(systemMemory.map(mappingFor(sz)), sz, mappingFor(sz));
-    mappings += user ? 1 : 0;
-    return withGuardedTail(user);
+    return withGuardedTail(counted(systemMemory.map(mappingFor(sz)), sz, mappingFor(sz)));
 }
 
 /** Resizes a mapped block, its pages staying as they are; null, nothing changed, on failure. */
@@ -121,7 +114,6 @@ void releaseToSystem(Prefix *block, [[maybe_unused]] std::size_t userBytes)
     if (block->mappedBytes == 0)
         return systemMemory.release(block);
     ASAN_UNPOISON_MEMORY_REGION(block, block->mappedBytes);
-    --mappings;
     systemMemory.unmap(block, block->mappedBytes);
 }
 
@@ -168,18 +160,6 @@ private:
 
 Quarantine quarantine;
 
-/** Copies into zeroed memory; where the source is zero, the destination is not touched. */
-void copyNonZero(char *to, const char *from, std::size_t bytes)
-{
-    constexpr std::size_t stretch = 1024;
-    static constexpr char zeros[stretch] = {};
-    for (std::size_t at = 0; at < bytes; at += stretch) {
-        const std::size_t length = std::min(stretch, bytes - at);
-        if (std::memcmp(from + at, zeros, length) != 0)
-            std::memcpy(to + at, from + at, length);
-    }
-}
-
 } // namespace
 
 void *mymalloc(std::size_t sz)
@@ -192,8 +172,9 @@ void *mycalloc(std::size_t nmemb, std::size_t sz)
     std::size_t bytes = 0;
     if (__builtin_mul_overflow(nmemb, sz, &bytes) || bytes > maxUserBytes)
         return nullptr;
-    void *mapped = mapBlock(bytes);
-    return mapped ? mapped : counted(systemMemory.acquireZeroed(1, bytes + prefixBytes), bytes);
+    return bytes >= minMappedBytes
+               ? mapBlock(bytes)
+               : counted(systemMemory.acquireZeroed(1, bytes + prefixBytes), bytes);
 }
 
 void *myrealloc(void *ptr, std::size_t sz)
@@ -215,13 +196,14 @@ void *mygrow(void *ptr, std::size_t sz)
     const Prefix old = *prefixOf(ptr);
     if (sz <= old.sizeWord)
         return ptr;
-    if (old.mappedBytes > 0 && sz <= maxUserBytes) {
+    if (sz > maxUserBytes)
+        return nullptr;
+    if (old.mappedBytes > 0) {
         // What a shrunk block left behind on its last pages is cleared; further pages are zero.
         const Tail tail = tailOf(prefixOf(ptr));
         ASAN_UNPOISON_MEMORY_REGION(tail.start, tail.bytes);
         std::memset(tail.start, 0, tail.bytes);
-        if (void *moved = remapBlock(ptr, sz))
-            return moved;
+        return remapBlock(ptr, sz);
     }
     void *grown = mycalloc(1, sz);
     if (!grown)

@@ -2,6 +2,8 @@
 #include "support/random_network.h"
 
 #include <csignal>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <random>
 
@@ -158,22 +160,31 @@ TEST_F(Allocation, MapsLargeBlocksThatGrowZeroedAndGoBackToTheSystem)
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "Warning already freed\n");
         EXPECT_LE(probe.mappings, 5) << "what is held back is bounded";
     }
-    // Beyond its share of the mappings the process gets large blocks from the C library.
-    std::vector<void *> blocks;
-    while (probe.mappings < 48 * 1024 + 5 && blocks.size() < 60'000)
-        blocks.push_back(mycalloc(1, 65'536));
-    EXPECT_EQ(blocks.size(), 60'000u);
-    std::ranges::for_each(blocks, myfree);
-    // Gone, they are no longer counted: blocks are mapped, and small ones held back, as before.
-    EXPECT_LE(probe.mappings, 256);
-    const int mapped = probe.mappings;
-    blocks = {mycalloc(1, 65'536), mymalloc(10), mymalloc(10)};
-    EXPECT_EQ(probe.mappings, mapped + 1);
-    std::ranges::for_each(blocks, myfree);
-    testing::internal::CaptureStderr();
-    std::ranges::for_each(blocks, myfree);
-    EXPECT_EQ(testing::internal::GetCapturedStderr().size(),
-              3 * std::strlen("Warning already freed\n"));
+}
+
+TEST_F(Allocation, TakesFewMappingsAndGivesPagesBackEmpty)
+{
+    const auto lines = [](const char *file) {
+        std::ifstream text{file};
+        return std::count(std::istreambuf_iterator{text}, {}, '\n');
+    };
+    const auto before = lines("/proc/self/maps");
+    std::vector<char *> blocks;
+    for (std::size_t i = 0; i < 70'000; ++i) {
+        const std::size_t bytes = 16'384 + i % 7 * 16'000;
+        blocks.push_back(static_cast<char *>(mycalloc(1, bytes)));
+        ASSERT_EQ(blocks.back()[0] | blocks.back()[bytes - 1], 0);
+        blocks.back()[bytes - 1] = 'm';
+        if (i % 3 == 0)
+            blocks.back() = static_cast<char *>(mygrow(blocks.back(), 2 * bytes));
+        if (i % 2 == 0) {
+            myfree(blocks.back());
+            blocks.pop_back();
+        }
+    }
+    EXPECT_LE(lines("/proc/self/maps"), before + 150);
+    for (char *block : blocks)
+        myfree(block);
 }
 
 /** Runs an operation, first without memory: where it needs some it must fail with `trail`. */
