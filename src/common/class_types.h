@@ -1,4 +1,4 @@
-/** Sets of class types. */
+/** Sets of class types and of preemption levels. */
 #ifndef TARNEX_COMMON_CLASS_TYPES_H
 #define TARNEX_COMMON_CLASS_TYPES_H
 
@@ -49,5 +49,10 @@ struct ClassTypes {
 private:
     static constexpr ClassTypes of(unsigned bits) { return {static_cast<unsigned char>(bits)}; }
 };
+
+/** A set of preemption levels: a bit for each. */
+using Levels = unsigned char;
+inline constexpr Levels allLevels = 0xff;
+static_assert(MAXPL <= 8);
 
 #endif

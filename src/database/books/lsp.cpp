@@ -40,6 +40,8 @@ Bracket bracketOf(const DBLSPList &list, const DBLabelSwitchedPath *lsp)
     Long b = list.top - 1;
     while (b - a > 1) {
         const Long mid = (a + b) / 2;
+        __builtin_prefetch(list.cont[(a + mid) / 2]); // the records that the next step may compare
+        __builtin_prefetch(list.cont[(mid + b) / 2]);
         const int order = DBlspCompare(lsp, list.cont[mid]);
         if (order >= 0)
             b = mid;

@@ -46,7 +46,7 @@ ClassTypes keepNeeds(const DataBase &db, DBLink &link, const Effect &effect)
     for (const int oa : changedBy(effect)) {
         if (!summary.isTrusted || !summary.known.has(oa))
             continue;
-        const bool isKept = keepsLargest(db, tablesOf(link.state), effect, oa, summary);
+        const bool isKept = keepsLargest(db, tablesOf(link.state, &summary), effect, oa, summary);
         raised.set(oa, !isKept && shiftOf(effect, oa) == Shift::up);
         summary.known.set(oa, isKept || raised.has(oa));
     }
@@ -106,7 +106,7 @@ void applyToStored(DataBase &db, DBLink &link, const Effect &effect)
     summary.settled = summary.settled.without(changed);
     summary.neverOverfull = summary.neverOverfull.without(changed);
     for (const int oa : raised)
-        raiseByChanges(db, tablesOf(link.state), effect, oa, summary.needy[oa],
+        raiseByChanges(db, tablesOf(link.state, &summary), effect, oa, summary.needy[oa],
                        summary.largest[oa]);
     markLink(db, link, changed);
 }

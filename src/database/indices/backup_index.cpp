@@ -4,6 +4,7 @@
 #include "common/records.h"
 #include "database/books/network.h"
 #include "database/reservations/failure_tables.h"
+#include "database/reservations/needs.h"
 #include "database/reservations/question.h"
 
 #include <algorithm>
@@ -101,16 +102,21 @@ bool addClass(BackupIndex &index, int oa)
 bool refresh(const DataBase &db, BackupIndex &index, Long position)
 {
     DBLink &link = *index.links[position];
-    double rbw[MAXOA][MAXPL];
-    reservationFromTables(db, link, rbw);
+    const DBLinkState &state = link.state;
+    LinkSummary *summary = trustedSummary(&link);
     index.overfull[position] = {};
     for (int oa = 0; oa < MAXOA; ++oa) {
-        const double derived = sumOf(rbw[oa]);
+        const bool isUnreserved = areZero(state.pbw[oa]) && areZero(state.rbw[oa]);
+        if (isUnreserved && !index.figures[oa] && summary && summary->levels[oa] == 0) {
+            index.overfull[position].set(oa, 0.0 > state.cap[oa]);
+            continue;
+        }
+        double rbw[MAXPL];
+        reservePresent(db, state, summary, oa, rbw);
+        const double derived = sumOf(rbw);
         const auto &largest = link.summary.largest[oa];
-        const DBLinkState &state = link.state;
         index.overfull[position].set(oa, derived > state.cap[oa]);
-        const bool isEmpty = areZero(largest) && areZero(state.pbw[oa]) && areZero(state.rbw[oa]);
-        if (isEmpty && !index.figures[oa])
+        if (isUnreserved && areZero(largest) && !index.figures[oa])
             continue;
         if (!index.figures[oa] && !addClass(index, oa))
             return false;

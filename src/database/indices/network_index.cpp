@@ -21,8 +21,8 @@ std::size_t layOut(NetworkIndex &index, void *block)
     layout.place(index.firstIn, index.nbNodes + 1);
     layout.place(index.firstOut, index.nbNodes + 1);
     for (Long *NetworkIndex::*table :
-         {&NetworkIndex::source, &NetworkIndex::destination, &NetworkIndex::stale,
-          &NetworkIndex::colors, &NetworkIndex::byColor})
+         {&NetworkIndex::ids, &NetworkIndex::source, &NetworkIndex::destination,
+          &NetworkIndex::stale, &NetworkIndex::colors, &NetworkIndex::byColor})
         layout.place(index.*table, index.nbLinks);
     layout.place(index.outLinks, index.nbLinks);
     layout.place(index.links, index.nbLinks);
@@ -61,6 +61,7 @@ void number(DataBase &db, NetworkIndex &index)
             DBLink *stored = linkAt(db.linkTab, from, id);
             stored->number = link;
             index.links[link] = stored;
+            index.ids[link] = stored->id;
             index.source[link] = db.nodeVec.cont[from]->number;
             index.destination[link] = node;
             index.staleClasses[link] = ClassTypes::all();

@@ -62,6 +62,7 @@ struct NetworkIndex {
     Long nbLinks;
     Long *nodeIds;                ///< node ids by node number
     Long *firstIn;                ///< by node: its first link; the next node's is one past its last
+    Long *ids;                    ///< by link: its id
     Long *source;                 ///< by link: node number of its source
     Long *destination;            ///< by link: node number of its destination
     Long *firstOut;               ///< by node: position of its first out-link in `outLinks`

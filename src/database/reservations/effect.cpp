@@ -244,6 +244,9 @@ void SlotChanges::sortBySlot()
     std::sort(items, items + count, [](const SlotChange &a, const SlotChange &b) {
         return std::pair{a.slot, a.order} < std::pair{b.slot, b.order};
     });
+    filter = 0;
+    for (const SlotChange &change : all())
+        filter |= std::uint64_t{1} << (change.slot & 63);
 }
 
 std::span<const SlotChange> SlotChanges::of(Long slot) const

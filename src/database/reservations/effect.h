@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 /** Setting an LSP up adds its amounts, removing it subtracts them. */
@@ -61,6 +62,8 @@ public:
 
     /** Brings the changes of each slot together, in the order in which they apply. */
     void sortBySlot();
+    /** False only if no change is of this slot; after sortBySlot. */
+    bool mayHave(Long slot) const { return (filter >> (slot & 63) & 1U) != 0; }
     /** The changes of one slot, in the order in which they apply; after sortBySlot. */
     std::span<const SlotChange> of(Long slot) const;
 
@@ -69,6 +72,7 @@ private:
     SlotChange *items = inlineItems.data();
     std::size_t capacity = inlineItems.size();
     std::size_t count = 0;
+    std::uint64_t filter = 0; ///< a bit for the last six bits of every slot, once sorted
 };
 
 /** Why an effect ends before all its changes are listed. */

@@ -15,32 +15,35 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <span>
+
+/** The failure tables of a state; its summary, if it can be trusted, says which levels they use. */
+inline StateTables tablesOf(const DBLinkState &state, const LinkSummary *summary)
+{
+    return {state.bbw, state.fbw, summary ? summary->levels : nullptr};
+}
 
 /** The failure tables of one state with an effect, sorted by slot, laid over them. */
 struct OverlaidTables {
     StateTables present;
     const Effect &effect;
 
-    double backup(int oa, int p, Long k) const
+    Levels levels(int oa) const
     {
-        return changed(present.backup(oa, p, k), FailureTable::backup, oa, p, k);
+        return static_cast<Levels>(present.levels(oa) | 1U << effect.level);
     }
-    double freed(int oa, int p, Long k) const
+    void addTo(NeedSum &sum, int oa, int p, Long k) const
     {
-        return changed(present.freed(oa, p, k), FailureTable::freed, oa, p, k);
-    }
-
-private:
-    double changed(double value, FailureTable table, int oa, int p, Long k) const
-    {
-        if (p != effect.level)
-            return value;
-        for (const SlotChange &change : effect.slots.of(k)) {
-            if (change.table == table)
-                value += effect.amount(change, oa);
+        NeedSum value{present.backup(oa, p, k), present.freed(oa, p, k)};
+        if (p == effect.level && effect.slots.mayHave(k)) {
+            for (const SlotChange &change : effect.slots.of(k)) {
+                const bool isBackup = change.table == FailureTable::backup;
+                (isBackup ? value.backup : value.freed) += effect.amount(change, oa);
+            }
         }
-        return value;
+        sum.backup += value.backup;
+        sum.freed += value.freed;
     }
 };
 
@@ -49,23 +52,25 @@ using Needs = double[MAXPL];
 
 /**
  * Raises `largest` by the row of one failure, which takes the links `linkOf(item)` down together.
- * The additions run level by level and inside a level in the order of `items`.
+ * The additions run level by level and inside a level in the order of `items`. Levels that hold
+ * nothing are left out: the sums stay as they are there.
  */
 template <class Tables, class LinkOf>
 void raiseByRow(const Tables &tables, int oa, std::span<const Long> items, LinkOf linkOf,
                 Needs &largest)
 {
-    double totBbw = 0.0;
-    double totFbw = 0.0;
-    for (int p = 0; p < MAXPL; ++p) {
+    NeedSum sum{};
+    for (unsigned levels = tables.levels(oa); levels != 0;) {
+        const int p = std::countr_zero(levels);
+        levels &= levels - 1;
         for (const Long item : items) {
             const Long link = linkOf(item);
-            if (link < 0)
-                continue;
-            totBbw += tables.backup(oa, p, link);
-            totFbw += tables.freed(oa, p, link);
+            if (link >= 0)
+                tables.addTo(sum, oa, p, link);
         }
-        largest[p] = std::max(largest[p], totBbw - totFbw);
+        const int next = levels != 0 ? std::countr_zero(levels) : MAXPL;
+        for (int from = p; from < next; ++from)
+            largest[from] = std::max(largest[from], sum.backup - sum.freed);
     }
 }
 
@@ -74,6 +79,12 @@ inline const DBNode *nodeEntered(const DataBase &db, Long k)
 {
     const bool exists = k < db.linkSrcVec.top && db.linkSrcVec.cont[k] > 0;
     return exists ? nodeAt(db.nodeVec, slotOf(db.linkDstVec, k) - 1) : nullptr;
+}
+
+/** The ids of the links into a node, in the order of its neighbours. */
+inline std::span<const Long> linksInto(const NetworkIndex &index, const DBNode &node)
+{
+    return {index.ids + index.firstIn[node.number], index.ids + index.firstIn[node.number + 1]};
 }
 
 /** Raises `largest` by the failure of link k and by that of the node it enters. */
@@ -87,11 +98,14 @@ void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k,
     raiseByRow(tables, oa, std::array{k}, itself, largest);
 
     // Their ids are looked up once rather than level by level, for all but the largest nodes.
+    const NetworkIndex &index = db.index;
+    const auto neighbours = inUse(node->inNeighb);
+    if (index.isCurrent)
+        return raiseByRow(tables, oa, linksInto(index, *node), itself, largest);
     const auto linkFrom = [&](Long from) {
         const DBLink *link = linkAt(db.linkTab, from, node->id);
         return link ? link->id : -1;
     };
-    const auto neighbours = inUse(node->inNeighb);
     std::array<Long, 64> links;
     if (neighbours.size() > links.size())
         return raiseByRow(tables, oa, neighbours, linkFrom, largest);
@@ -190,12 +204,14 @@ void raiseByChanges(const DataBase &db, const Tables &tables, const Effect &effe
 inline void raiseByChanges(const DataBase &db, const StateTables &tables, const Effect &effect,
                            int oa, const LongList &needySlots, Needs &largest)
 {
-    const auto entersSameNode = [&](Long slot) {
-        const Long entered = slotOf(db.linkDstVec, slot);
-        return std::ranges::any_of(
-            inUse(needySlots), [&](Long needy) { return slotOf(db.linkDstVec, needy) == entered; });
+    const auto isNeedy = [&](Long slot) {
+        return std::ranges::binary_search(inUse(needySlots), slot);
     };
-    raiseByChanges(db, tables, effect, oa, entersSameNode, largest);
+    const auto entersNeedyNode = [&](Long slot) {
+        const DBNode *node = db.index.isCurrent && !isNeedy(slot) ? nodeEntered(db, slot) : nullptr;
+        return !node || std::ranges::any_of(linksInto(db.index, *node), isNeedy);
+    };
+    raiseByChanges(db, tables, effect, oa, entersNeedyNode, largest);
 }
 
 /** Whether rows can be lowered without lowering the largest: at every level each is below, or holds

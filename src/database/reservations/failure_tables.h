@@ -7,6 +7,7 @@
 #ifndef TARNEX_DATABASE_RESERVATIONS_FAILURE_TABLES_H
 #define TARNEX_DATABASE_RESERVATIONS_FAILURE_TABLES_H
 
+#include "common/class_types.h"
 #include "database/books/link_state.h"
 
 #include <limits>
@@ -39,13 +40,27 @@ auto slotOf(const Vec &table, Long k)
     return k < table.size ? table.cont[k] : 0;
 }
 
+/** What failures activate and free, added up. */
+struct NeedSum {
+    double backup;
+    double freed;
+};
+
 /** The failure tables of one state; borrows them. */
 struct StateTables {
     const DoubleVec (*bbw)[MAXPL];
     const DoubleVec (*fbw)[MAXPL];
+    const Levels *used = nullptr; ///< by class type: all slots of other levels are 0; null: unknown
+
+    Levels levels(int oa) const { return used ? used[oa] : allLevels; }
 
     double backup(int oa, int p, Long k) const { return slotOf(bbw[oa][p], k); }
     double freed(int oa, int p, Long k) const { return slotOf(fbw[oa][p], k); }
+    void addTo(NeedSum &sum, int oa, int p, Long k) const
+    {
+        sum.backup += backup(oa, p, k);
+        sum.freed += freed(oa, p, k);
+    }
 };
 
 /** The failure tables of a state. */

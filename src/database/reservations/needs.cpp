@@ -14,8 +14,12 @@ namespace
 struct SizeTables {
     StateTables present;
 
-    double backup(int oa, int p, Long k) const { return std::abs(present.backup(oa, p, k)); }
-    double freed(int oa, int p, Long k) const { return -std::abs(present.freed(oa, p, k)); }
+    Levels levels(int oa) const { return present.levels(oa); }
+    void addTo(NeedSum &sum, int oa, int p, Long k) const
+    {
+        sum.backup += std::abs(present.backup(oa, p, k));
+        sum.freed -= std::abs(present.freed(oa, p, k));
+    }
 };
 
 /** Raises `largest` by every row that can exceed 0 and has no part in the failure of link `own`. */
@@ -37,7 +41,8 @@ void raiseByFailuresOfOthers(const DataBase &db, const StateTables &tables,
                                  const Needs &largest)
 {
     Needs derived{};
-    raiseByNeedySlots(db, NeedySlots{db, tables, nullptr}, tables, oa, derived);
+    const StateTables all{tables.bbw, tables.fbw};
+    raiseByNeedySlots(db, NeedySlots{db, all, nullptr}, all, oa, derived);
     return std::ranges::equal(derived, largest);
 }
 
@@ -94,7 +99,7 @@ LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa)
     }
     if (summary->needy[oa].top == 0)
         return needs;
-    const StateTables tables = tablesOf(link.state);
+    const StateTables tables = tablesOf(link.state, summary);
     presentLargest(db, tables, summary, oa, needs.ofOthers);
     raiseByFailuresOf(db, tables, oa, link.id, needs.ofOwn);
     Needs sizes{};

@@ -29,7 +29,7 @@ bool isNeverOverfull(const double (&rbw)[MAXPL], double capacity)
 void reserveWithEffect(const DataBase &db, const DBLinkState &ls, LinkSummary *summary,
                        const Effect &effect, int oa, double (&rbw)[MAXPL])
 {
-    const StateTables present = tablesOf(ls);
+    const StateTables present = tablesOf(ls, summary);
     const OverlaidTables overlaid{present, effect};
     Needs largest{};
     if (summary)
@@ -75,6 +75,8 @@ int evaluate(const DataBase &db, const DBLinkState &ls, LinkSummary *summary, co
         const bool isChanged = effect.changes(oa);
         if (isChanged)
             reserveWithEffect(db, ls, summary, effect, oa, rbw[oa]);
+        else if (!neverOverfull && summary && summary->settled.has(oa))
+            std::ranges::copy(ls.rbw[oa], rbw[oa]);
         else if (!neverOverfull || !summary || !summary->neverOverfull.has(oa))
             reservePresent(db, ls, summary, oa, rbw[oa]);
         if (neverOverfull)
@@ -90,7 +92,7 @@ void reservePresent(const DataBase &db, const DBLinkState &ls, LinkSummary *summ
                     double (&rbw)[MAXPL])
 {
     Needs largest;
-    presentLargest(db, tablesOf(ls), summary, oa, largest);
+    presentLargest(db, tablesOf(ls, summary), summary, oa, largest);
     spreadOverLevels(ls.pbw[oa], largest, rbw);
     if (summary)
         summary->neverOverfull.set(oa, isNeverOverfull(rbw, ls.cap[oa]));
@@ -107,12 +109,6 @@ int computeRBW(DataBase *dataBase, double rbw[MAXOA][MAXPL], double pbw[MAXOA][M
         spreadOverLevels(pbw[oa], largest, rbw[oa]);
     }
     return 0;
-}
-
-void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL])
-{
-    for (int oa = 0; oa < MAXOA; ++oa)
-        reservePresent(db, link.state, trustedSummary(&link), oa, rbw[oa]);
 }
 
 int findPrimary(const DataBase &db, DBLSPType type, Long primID, DBLabelSwitchedPath *&primary)

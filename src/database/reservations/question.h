@@ -34,9 +34,6 @@
 void reservePresent(const DataBase &db, const DBLinkState &ls, LinkSummary *summary, int oa,
                     double (&rbw)[MAXPL]);
 
-/** Writes what the tables of a stored link make it reserve; its `rbw` may have been handed in. */
-void reservationFromTables(const DataBase &db, DBLink &link, double (&rbw)[MAXOA][MAXPL]);
-
 /** What an evaluation reads of a request or of an LSP record that asks for admission. */
 struct Candidate {
     LSPView lsp; ///< `primPath` is filled in from the stored primary

@@ -69,6 +69,17 @@ bool followChangesOf(LongList &needy, const StateTables &tables, const Effect &e
     return true;
 }
 
+/** The levels at which a table holds anything. */
+Levels levelsUsed(const StateTables &tables, int oa)
+{
+    unsigned used = 0;
+    for (int p = 0; p < MAXPL; ++p) {
+        for (const DoubleVec *table : {&tables.bbw[oa][p], &tables.fbw[oa][p]})
+            used |= nextUsedSlot(*table, 0, table->size) < table->size ? 1U << p : 0U;
+    }
+    return static_cast<Levels>(used);
+}
+
 /** Stops using what the summary says. */
 void distrust(LinkSummary &summary)
 {
@@ -85,6 +96,7 @@ void summarize(LinkSummary &summary, const DBLinkState &state)
     summary.known = summary.settled = summary.neverOverfull = {};
     for (int oa = 0; oa < MAXOA && summary.isTrusted; ++oa) {
         summary.needy[oa].top = 0;
+        summary.levels[oa] = levelsUsed(tables, oa);
         const Long end = longestTable(tables, oa);
         for (Long k = nextNeedySlot(tables, oa, 0, end); k < end && summary.isTrusted;
              k = nextNeedySlot(tables, oa, k + 1, end))
@@ -110,6 +122,8 @@ bool makeRoomFor(LinkSummary &summary, const Effect &effect)
 void followEffect(LinkSummary &summary, const DBLinkState &state, const Effect &effect)
 {
     for (int oa = 0; oa < MAXOA && summary.isTrusted; ++oa) {
+        if (effect.changes(oa))
+            summary.levels[oa] |= static_cast<Levels>(1U << effect.level);
         if (effect.changes(oa) && !followChangesOf(summary.needy[oa], tablesOf(state), effect, oa))
             distrust(summary);
     }

@@ -13,9 +13,12 @@
  *   type is settled once its `rbw` has been worked out and its `pbw` holds no -0.0.
  * - `neverOverfull`: the reservations do not exceed the capacity, whatever levels are counted.
  *
+ * - `levels`: all slots of the others are 0, and rows are added up without them.
+ *
  * The lists hold, ascending, exactly the needy slots (reservations/failure_tables.h), for as long
- * as the summary is trusted. The other three also depend on which links enter which node, so they
- * hold for one topology and are forgotten on the first use after it has changed.
+ * as the summary is trusted. `largest`, `settled` and `neverOverfull` also depend on which links
+ * enter which node, so they hold for one topology and are forgotten on the first use after it has
+ * changed.
  *
  * Nobody can follow a state that is written from outside: once one has been handed out, or a list
  * has found no memory, the summary is not trusted and the tables are read instead.
@@ -40,6 +43,7 @@ struct LinkSummary {
     ClassTypes known;   ///< where `largest` holds
     ClassTypes settled; ///< where an effect of 0 changes nothing
     ClassTypes neverOverfull;     ///< where the link is not overfull up to any level
+    Levels levels[MAXOA];         ///< those that have, or had, a slot that is not 0
     LongList needy[MAXOA];        ///< needy slots by class type; without contents until the first
     double largest[MAXOA][MAXPL]; ///< largest need over all failures, at each level
 };
