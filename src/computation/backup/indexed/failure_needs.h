@@ -15,14 +15,15 @@
 
 #include <span>
 
-/** What a backup reserves: bandwidth in one class type at one level. */
+/** What a backup reserves in one class type, at its level. */
 struct BackupDemand {
     int oa;
     int level;
     double bw;
 };
 
-/** The needs on all links, for one stretch after the other; works in tables that it is given. */
+/** The needs on all links in one class type, for one stretch after the other; works in tables that
+ * it is given. */
 class FailureNeeds
 {
 public:
@@ -75,7 +76,7 @@ private:
     void enterRow(Carried &on, int p);
 
     const DataBase &db;
-    const BackupDemand &demand;
+    BackupDemand demand;
     double ownAlone[MAXPL];    ///< needs on a link with nothing in the tables
     Long *carriedAt = nullptr; ///< by position: index in `carried`, -1 when the tables hold nothing
     Carried *carried = nullptr;

@@ -30,31 +30,59 @@ void append(const DataBase &db, Long src, Long dst, const LSPView &lsp, Effect &
 } // namespace
 
 LinkPricing::LinkPricing(DataBase &database, const DBLabelSwitchedPath &protectedLSP,
-                         const BackupDemand &backupDemand, BackupType backupType)
-    : db(database), index(database.backups), primary(protectedLSP), demand(backupDemand),
+                         const BackupDemands &backupDemands, BackupType backupType)
+    : db(database), index(database.backups), primary(protectedLSP), demands(backupDemands),
       type(backupType), bandwidth(totalBandwidth(protectedLSP)),
-      least(costOf(0.0, 0.0, 1, bandwidth)), ownClass(ClassTypes::only(demand.oa)),
-      needs(database, backupDemand)
+      least(costOf(0.0, 0.0, 1, bandwidth))
 {
+    for (std::size_t i = 0; i < demands.all().size(); ++i) {
+        const BackupDemand &demand = demands.items[i];
+        parts[i].emplace(Part{demand, FailureNeeds{db, demand}});
+        ownClasses.set(demand.oa, true);
+    }
+}
+
+void LinkPricing::layOut(Layout &layout)
+{
+    for (auto &part : demanded())
+        part->needs.layOut(layout);
 }
 
 void LinkPricing::begin()
 {
-    needs.begin();
-    figures = index.figures[demand.oa];
-    isOwnClassAlone = primary.primPath.top == 0 &&
+    for (auto &part : demanded()) {
+        part->needs.begin();
+        part->figures = index.figures[part->demand.oa];
+        part->levels = index.levels[part->demand.oa];
+    }
+    isOneClassAlone = demands.size == 1 && primary.primPath.top == 0 &&
                       std::ranges::count(index.figures, nullptr) == std::ssize(index.figures) - 1;
 }
 
-/** Cost when the backup's class type would reserve so much. */
-double LinkPricing::costInClasses(Long position, double reserved) const
+void LinkPricing::protect(std::span<const Long> stretch)
 {
+    for (auto &part : demanded())
+        part->needs.addUp(stretch);
+}
+
+/** Cost with every class type looked at. */
+double LinkPricing::costInClasses(Long position) const
+{
+    if (!index.overfull[position].without(ownClasses).isEmpty())
+        return infeasible;
     double after = 0.0;
     double before = 0.0;
-    for (const BackupFigures *ofClass : index.figures) {
+    const std::optional<Part> *part = parts.data();
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        const BackupFigures *ofClass = index.figures[oa];
         if (!ofClass)
             continue;
-        after += ofClass == figures ? reserved : ofClass[position].derived;
+        double reserved = ofClass[position].derived;
+        if (ownClasses.has(oa))
+            reserved = (*part++)->reservedOn(position);
+        if (ownClasses.has(oa) && reserved > ofClass[position].capacity)
+            return infeasible;
+        after += reserved;
         before += ofClass[position].stored;
     }
     const Long dst = db.index.nodeIds[index.destination[position]];
@@ -66,28 +94,32 @@ void LinkPricing::setUpOn(Long position)
     if (index.isAsked[position])
         return;
     markStale(index, position);
-    BackupFigures &own = figures[position];
-    LevelFigures &levels = index.levels[demand.oa][position];
-    own.derived = reservedOn(position);
-    for (int p = 0; p < MAXPL; ++p)
-        levels.largest[p] = std::max(levels.largest[p], needs.on(position)[p]);
-    flatten(levels, own);
+    for (auto &part : demanded())
+        part->setUpOn(position);
     for (BackupFigures *ofClass : index.figures) {
         if (ofClass)
             ofClass[position].stored = ofClass[position].derived;
     }
 }
 
-/** What the backup's class type would reserve on a link, added up level by level. */
-double LinkPricing::reservedByLevel(Long position) const
+/** Has the link at a position carry what was priced there. */
+void LinkPricing::Part::setUpOn(Long position)
 {
-    const LevelFigures &levels = index.levels[demand.oa][position];
+    figures[position].derived = reservedOn(position);
+    for (int p = 0; p < MAXPL; ++p)
+        levels[position].largest[p] = std::max(levels[position].largest[p], needs.on(position)[p]);
+    flatten(levels[position], figures[position]);
+}
+
+/** What the class type would reserve on a link, added up level by level. */
+double LinkPricing::Part::reservedByLevel(Long position) const
+{
     const double *atFailure = needs.on(position);
     double reserved = 0.0;
     double below = 0.0;
     for (int p = 0; p < MAXPL; ++p) {
-        const double largest = std::max(levels.largest[p], atFailure[p]);
-        reserved += levels.pbw[p] + largest - below;
+        const double largest = std::max(levels[position].largest[p], atFailure[p]);
+        reserved += levels[position].pbw[p] + largest - below;
         below = largest;
     }
     return reserved;
@@ -103,7 +135,7 @@ double LinkPricing::priceExactly(Long position, Long start,
     LSPView lsp{.path = {},
                 .primPath = inUse(primary.path),
                 .bw = primary.bw,
-                .precedence = demand.level,
+                .precedence = demands.items[0].level,
                 .type = type,
                 .noContentionId = -1};
     Effect effect;

@@ -17,18 +17,16 @@ constexpr double unreached = -1.0;
 /** Children of an entry of the frontier. */
 constexpr Long arity = 4;
 
-/** What the backups of an LSP reserve; without bandwidth unless it has some in one class type. */
-BackupDemand demandOf(const DBLabelSwitchedPath &primary)
+/** What the backups of an LSP reserve. */
+BackupDemands demandsOf(const DBLabelSwitchedPath &primary)
 {
-    BackupDemand demand{0, backupPrecedence(primary), 0.0};
+    BackupDemands demands;
     for (int oa = 0; oa < MAXOA; ++oa) {
-        if (primary.bw[oa] == 0.0)
-            continue;
-        const bool isOnly = demand.bw == 0.0 && std::isfinite(primary.bw[oa]);
-        demand.oa = oa;
-        demand.bw = isOnly ? primary.bw[oa] : -1.0;
+        if (primary.bw[oa] != 0.0)
+            demands.items[static_cast<std::size_t>(demands.size++)] = {
+                oa, backupPrecedence(primary), primary.bw[oa]};
     }
-    return demand;
+    return demands;
 }
 
 /** Whether no node comes twice; quadratic, for paths as short as they are. */
@@ -65,7 +63,7 @@ IndexedBackupSearch::IndexedBackupSearch(DataBase &database,
                                          const DBLabelSwitchedPath &protectedLSP,
                                          const LSPRequestList &requests, BackupType backupType)
     : db(database), path(inUse(protectedLSP.path)), reqList(requests), type(backupType),
-      demand(demandOf(protectedLSP)), pricing(database, protectedLSP, demand, backupType)
+      demands(demandsOf(protectedLSP)), pricing(database, protectedLSP, demands, backupType)
 {
 }
 
@@ -79,8 +77,10 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
 {
     if (!isServed())
         return Service::impossible;
-    if (!bringBackupsUpToDate(db, demand.oa))
-        return Service::noMemory;
+    for (const BackupDemand &demand : demands.all()) {
+        if (!bringBackupsUpToDate(db, demand.oa))
+            return Service::noMemory;
+    }
     void *workspace = workspaceOf(db.index, layOut(nullptr));
     if (!workspace)
         return Service::noMemory;
@@ -94,17 +94,20 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
 }
 
 /**
- * Whether the tables can tell everything: link ids that can be listed, bandwidth in one class type
- * that every link has a cost for, a path of links that passes no node twice, and no reservation of
- * the requests to take out first.
+ * Whether the tables can tell everything: link ids that can be listed, bandwidths that every link
+ * has a cost for, a path of links that passes no node twice, and no reservation of the requests to
+ * take out first.
  */
 bool IndexedBackupSearch::isServed() const
 {
     const bool isKnownType = type == LOCAL_BACKUP || type == GLOBAL_BACKUP;
-    const bool costsSomething =
-        demand.bw > 0.0 && demand.bw <= largestBandwidth && pricing.leastCost() > 0.0;
-    if (!isKnownType || !costsSomething || demand.level < 0 || demand.level >= MAXPL ||
-        path.size() < 2 || !isSimple(path) || db.linkSrcVec.top > maxListedIds)
+    const bool costsSomething = demands.size > 0 && pricing.leastCost() > 0.0;
+    const bool isUsual = std::ranges::all_of(demands.all(), [](const BackupDemand &demand) {
+        return demand.bw > 0.0 && demand.bw <= largestBandwidth && demand.level >= 0 &&
+               demand.level < MAXPL;
+    });
+    if (!isKnownType || !costsSomething || !isUsual || path.size() < 2 || !isSimple(path) ||
+        db.linkSrcVec.top > maxListedIds)
         return false;
     for (std::size_t i = 1; i < path.size(); ++i) {
         if (!linkAt(db.linkTab, path[i - 1], path[i]))
@@ -120,7 +123,7 @@ std::size_t IndexedBackupSearch::layOut(void *block)
     layout.place(labels, db.index.nbNodes);
     layout.place(isForbidden, db.backups.nbLinks);
     layout.place(frontier, db.backups.nbLinks + 1);
-    pricing.failureNeeds().layOut(layout);
+    pricing.layOut(layout);
     return layout.bytes();
 }
 
@@ -145,10 +148,7 @@ int IndexedBackupSearch::prepare()
     return 0;
 }
 
-void IndexedBackupSearch::protect(std::span<const Long> stretch)
-{
-    pricing.failureNeeds().addUp(stretch);
-}
+void IndexedBackupSearch::protect(std::span<const Long> stretch) { pricing.protect(stretch); }
 
 void IndexedBackupSearch::allowAll() { std::fill_n(isForbidden, db.backups.nbLinks, false); }
 
