@@ -63,14 +63,18 @@ IndexedBackupSearch::IndexedBackupSearch(DataBase &database,
                                          const DBLabelSwitchedPath &protectedLSP,
                                          const LSPRequestList &requests, BackupType backupType)
     : db(database), path(inUse(protectedLSP.path)), reqList(requests), type(backupType),
-      demands(demandsOf(protectedLSP)), pricing(database, protectedLSP, demands, backupType)
+      isLooped(!isSimple(path)), demands(demandsOf(protectedLSP)),
+      pricing(database, protectedLSP, demands, backupType)
 {
 }
 
 IndexedBackupSearch::~IndexedBackupSearch()
 {
-    if (isServing)
-        askOnOwnHops(false);
+    if (!isServing)
+        return;
+    askOnOwnHops(false);
+    for (Long position = 0; isLooped && position < db.backups.nbLinks; ++position)
+        db.backups.isAsked[position] = !hasReliableFigures(db.backups, position);
 }
 
 IndexedBackupSearch::Service IndexedBackupSearch::offer()
@@ -95,8 +99,8 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
 
 /**
  * Whether the tables can tell everything: link ids that can be listed, bandwidths that every link
- * has a cost for, a path of links that passes no node twice, and no reservation of the requests to
- * take out first.
+ * has a cost for, a path of links, for a global backup one that passes no node twice, and no
+ * reservation of the requests to take out first.
  */
 bool IndexedBackupSearch::isServed() const
 {
@@ -106,8 +110,8 @@ bool IndexedBackupSearch::isServed() const
         return demand.bw > 0.0 && demand.bw <= largestBandwidth && demand.level >= 0 &&
                demand.level < MAXPL;
     });
-    if (!isKnownType || !costsSomething || !isUsual || path.size() < 2 || !isSimple(path) ||
-        db.linkSrcVec.top > maxListedIds)
+    if (!isKnownType || !costsSomething || !isUsual || path.size() < 2 ||
+        (isLooped && type == GLOBAL_BACKUP) || db.linkSrcVec.top > maxListedIds)
         return false;
     for (std::size_t i = 1; i < path.size(); ++i) {
         if (!linkAt(db.linkTab, path[i - 1], path[i]))
@@ -148,7 +152,14 @@ int IndexedBackupSearch::prepare()
     return 0;
 }
 
-void IndexedBackupSearch::protect(std::span<const Long> stretch) { pricing.protect(stretch); }
+/** Which link a local backup protects is told by where it starts, the first time that the primary
+ * comes there. */
+void IndexedBackupSearch::protect(std::span<const Long> stretch)
+{
+    if (isLooped)
+        stretch = {std::ranges::find(path, stretch.front()), 2};
+    pricing.protect(stretch);
+}
 
 void IndexedBackupSearch::allowAll() { std::fill_n(isForbidden, db.backups.nbLinks, false); }
 
@@ -282,8 +293,11 @@ int IndexedBackupSearch::writePath(LongVec &found) const
 
 void IndexedBackupSearch::putIn(const LSPRequest &req)
 {
-    for (Long node = end; node != start; node = nodeBefore(node))
+    for (Long node = end; node != start; node = nodeBefore(node)) {
         pricing.setUpOn(labels[node].entry);
+        if (isLooped) // the failures that another backup is for may be this one's, too
+            db.backups.isAsked[labels[node].entry] = true;
+    }
     const LSPRequest *all = reqList.cont + reqList.size;
     earlier = {&req, static_cast<std::size_t>(all - &req)};
 }

@@ -72,6 +72,7 @@ private:
     std::span<const Long> path; ///< the primary's nodes, ingress first
     const LSPRequestList &reqList;
     BackupType type;
+    bool isLooped; ///< whether the primary passes a node twice
     BackupDemands demands;
     LinkPricing pricing;
     std::span<const LSPRequest> earlier; ///< requests that have been put in, the last one first
