@@ -275,6 +275,67 @@ void printKinds(const Sampler &sample, int nodes)
     }
 }
 
+/** A kind of primary whose backups are not the usual ones: there, with a path of its own. */
+struct PrimaryKind {
+    const char *name;
+    std::optional<PlannedLsp> (*make)(Sides &sides, const Demand &demand);
+};
+
+constexpr std::array primaryKinds{
+    PrimaryKind{"as usual",
+                [](Sides &sides, const Demand &demand) { return sides.routedLsp(demand); }},
+    PrimaryKind{"in two class types",
+                [](Sides &sides, const Demand &demand) {
+                    std::optional<PlannedLsp> lsp = sides.routedLsp(demand);
+                    if (lsp)
+                        lsp->bw[1] = demand.bw;
+                    return lsp;
+                }},
+    PrimaryKind{"back to the ingress",
+                [](Sides &sides, const Demand &demand) {
+                    std::optional<PlannedLsp> lsp = sides.routedLsp(demand);
+                    const std::optional<PlannedLsp> back = sides.routedLsp(
+                        {demand.dst, demand.src, demand.oa, demand.level, demand.bw});
+                    if (!lsp || !back)
+                        return std::optional<PlannedLsp>{};
+                    lsp->path.insert(lsp->path.end(), back->path.begin() + 1, back->path.end());
+                    return lsp;
+                }},
+};
+
+void printBackupKinds(const Sampler &sample, int nodes)
+{
+    std::printf("\nLocal backups at the engine, %d nodes, a fifth of the primaries protected\n"
+                "%-22s %10s %7s %s\n",
+                nodes, "primary", "us each", "ratio", "  done/ref");
+    Sides sides{{.nodes = nodes, .isProtected = true}};
+    std::optional<double> usual;
+    for (const PrimaryKind &kind : primaryKinds) {
+        Demands next{givenPaths, sides.setting};
+        const Figure engine = sample([&]() -> std::optional<double> {
+            Demand demand = next();
+            demand.bw /= 10.0; // a long way has to find room all along
+            const std::optional<PlannedLsp> lsp = kind.make(sides, demand);
+            if (!lsp || !sides.engine.admit(*lsp))
+                return std::nullopt;
+            std::vector<NodePath> backups;
+            const auto seconds = sides.engine.protect(lsp->id, LOCAL_BACKUP, backups);
+            sides.engine.remove(lsp->id);
+            return seconds ? std::optional{*seconds / static_cast<double>(backups.size())}
+                           : std::nullopt;
+        });
+        usual = usual.value_or(engine.us);
+        std::printf("%-22s %10.1f %7.2f %5zu/%zu\n", kind.name, engine.us, engine.us / *usual,
+                    engine.done, engine.refused);
+    }
+}
+
+void printAllKinds(const Sampler &sample, int nodes)
+{
+    printKinds(sample, nodes);
+    printBackupKinds(sample, nodes);
+}
+
 /** A memory figure of this process, in bytes. */
 double memoryOf(std::string_view name)
 {
@@ -382,7 +443,7 @@ void printTable(bool isQuick)
     printRequestBlock(sample, sizes);
     printProtectedBlocks(sample, sizes);
     printClassBlock(sample, isQuick ? 200 : 1000);
-    printKinds(sample, isQuick ? 200 : 1000);
+    printAllKinds(sample, isQuick ? 200 : 1000);
     std::printf("\nPeak resident memory of both sides together: %.0f MB\n",
                 memoryOf("VmHWM:") / 1e6);
 }
@@ -399,7 +460,7 @@ int main(int argc, char **argv)
     }
     try {
         if (option == "--kinds")
-            printKinds(Sampler{2.0}, 1000);
+            printAllKinds(Sampler{2.0}, 1000);
         else
             printTable(option == "--quick");
     } catch (const std::exception &failure) {
