@@ -1,5 +1,6 @@
 #include "planning/reservations.h"
 
+#include "planning/largest_needs.h"
 #include "planning/link_finder.h"
 
 #include <algorithm>
@@ -124,22 +125,6 @@ void enter(FailureTable &table, LinkId link, const std::vector<Concern> &concern
     }
 }
 
-/** The largest need over all failures, by level, levels 0 to p together. */
-Levels largestNeeds(const FailureTable &table, const std::vector<Links> &failures,
-                    std::size_t nbLevels)
-{
-    Levels largest(nbLevels);
-    for (const Links &failure : failures) {
-        double need = 0.0;
-        for (std::size_t p = 0; p < nbLevels; ++p) {
-            for (const LinkId failing : failure)
-                need += table.needed[failing.index()][p] - table.freed[failing.index()][p];
-            largest[p] = std::max(largest[p], need);
-        }
-    }
-    return largest;
-}
-
 /** What fails together: each link, and all links into each node. */
 std::vector<Links> failuresOf(const Network &network)
 {
@@ -188,7 +173,13 @@ std::vector<Reservation> reservationsOf(const Plan &plan)
             table.needed = zeros;
             table.freed = zeros;
             enter(table, LinkId{static_cast<std::int32_t>(i)}, concerns[i], static_cast<int>(c));
-            const Levels largest = largestNeeds(table, failures, nbLevels);
+            const auto in = [](const std::vector<Levels> &levels) {
+                return [&levels](LinkId failing, std::size_t level) {
+                    return levels[failing.index()][level];
+                };
+            };
+            const Levels largest =
+                largestNeeds(failures, nbLevels, in(table.needed), in(table.freed));
             for (std::size_t p = 0; p < nbLevels; ++p)
                 use.total[c][p] += largest[p] - (p > 0 ? largest[p - 1] : 0.0);
         }

@@ -6,11 +6,13 @@
 #ifndef TARNEX_TESTS_SUPPORT_PLAIN_EVALUATION_H
 #define TARNEX_TESTS_SUPPORT_PLAIN_EVALUATION_H
 
+#include "planning/largest_needs.h"
 #include "support/random_network.h"
 
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <ranges>
 #include <set>
 #include <tuple>
 
@@ -207,20 +209,15 @@ struct PlainNetwork {
             return k < static_cast<Long>(table.size()) ? table[static_cast<std::size_t>(k)] : 0.0;
         };
         for (int oa = 0; oa < MAXOA; ++oa) {
-            double largest[MAXPL]{};
             const bool isEmpty = std::ranges::all_of(state.bbw[oa], &PlainTable::empty) &&
                                  std::ranges::all_of(state.fbw[oa], &PlainTable::empty);
-            for (const auto &failing : isEmpty ? none : failures) {
-                double needed = 0.0, freed = 0.0;
-                for (int p = 0; p < MAXPL; ++p) {
-                    for (const Long k : failing.second) {
-                        needed += at(state.bbw[oa][p], k);
-                        freed += at(state.fbw[oa][p], k);
-                    }
-                    largest[p] = std::max(largest[p], needed - freed);
-                }
-            }
-            for (int p = 0; p < MAXPL; ++p)
+            const auto in = [at](const PlainTable(&tables)[MAXPL]) {
+                return [&tables, at](Long k, std::size_t p) { return at(tables[p], k); };
+            };
+            const std::vector<double> largest =
+                tarnex::planning::largestNeeds(std::views::values(isEmpty ? none : failures), MAXPL,
+                                               in(state.bbw[oa]), in(state.fbw[oa]));
+            for (std::size_t p = 0; p < MAXPL; ++p)
                 state.rbw[oa][p] = state.pbw[oa][p] + largest[p] - (p > 0 ? largest[p - 1] : 0.0);
         }
     }
