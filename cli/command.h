@@ -43,6 +43,7 @@ std::unique_ptr<Command> makePlace();
 std::unique_ptr<Command> makeExplain();
 std::unique_ptr<Command> makeVerify();
 std::unique_ptr<Command> makeDiff();
+std::unique_ptr<Command> makeFail();
 std::unique_ptr<Command> makeBench();
 std::unique_ptr<Command> makeConvert();
 std::unique_ptr<Command> makeHelp();

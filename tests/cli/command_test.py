@@ -27,7 +27,7 @@ except ImportError:
 
 TARNEX, SOURCES, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
 ABILENE = ["abilene/abilene.network", "--demands", "abilene/abilene.demands"]
-COMMANDS = ["show", "place", "explain", "verify", "diff", "bench", "convert", "help", "completion"]
+COMMANDS = ["show", "place", "explain", "verify", "diff", "fail", "bench", "convert", "help", "completion"]
 
 WRONG_USES = [  # arguments, first line on standard error
     ("", "tarnex: no command: expected one, as in `tarnex show FILE`"),
@@ -63,6 +63,8 @@ WRONG_USES = [  # arguments, first line on standard error
      "tarnex explain: --level iron: expected gold, silver or bronze"),
     ("diff plan.json plan.json --threshold 101%",
      "tarnex diff: --threshold 101%: expected at most 100%"),
+    ("fail plan.json --set ducts",
+     "tarnex fail: --set ducts: expected links, duplex, nodes or pairs, several with commas"),
     ("convert plan.json out.xyz", "tarnex convert: out.xyz: no format goes with this suffix; "
      "expected .json, .txt, .snd, .graphml, .graph, .dot or .gv, or --to NAME"),
     ("completion fish", "tarnex completion: SHELL fish: expected bash"),
@@ -209,6 +211,8 @@ class Forms(Scratch):
                 [*explain, "2G", "--level", "gold", "--class", "data", "--protect", "global"],
                 ["verify", "plan.json"],
                 ["diff", "plan.json", "other.json"],
+                ["fail", "plan.json", "--set", "links,nodes,pairs"],
+                ["fail", "other.json"],
                 ["bench", *ABILENE, "--seconds", "0.1"]]
 
     def test_documents_are_as_their_schemas_say(self):
