@@ -133,6 +133,15 @@ void Peer::walkBack(unsigned src, unsigned dst, LinkPath &path) const
     std::ranges::reverse(path);
 }
 
+void Peer::costs(double bw, std::vector<unsigned> &slopes) const
+{
+    slopes.clear();
+    for (const Link &link : links) {
+        const double slope = cost == LinkCost::fortz ? slopeAt(link.load / link.capacity) : 1.0;
+        slopes.push_back(hasRoom(link, bw) ? static_cast<unsigned>(slope) : 0);
+    }
+}
+
 void Peer::reserve(const LinkPath &path, double bw)
 {
     for (const LinkId link : path)

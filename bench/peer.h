@@ -48,6 +48,9 @@ public:
     /** Reserves for a backup that is used when one of the links `failing` fails. */
     void store(const LinkPath &backup, std::span<const LinkId> failing, double bw);
 
+    /** By link, as a network names them that is ordered by source: the slope of the cost, 0 where
+     * there is no room for `bw`. */
+    void costs(double bw, std::vector<unsigned> &slopes) const;
     /** Whether every link of a path has room for `bw`. */
     bool fits(const LinkPath &path, double bw) const;
     /** Share of the links that lack room for `bw`. */

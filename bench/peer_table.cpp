@@ -2,13 +2,14 @@
  * Prints what the engine takes beside what a user would write without it on Boost.Graph: primary
  * requests with admission, backups, admission and removal of given paths, the price of class types
  * and levels, requests of other kinds, and memory. With --quick it only shows that it works, with
- * --kinds it prints the requests of other kinds alone.
+ * --requests or --kinds it prints the primary requests or those of other kinds alone.
  *
  * Both sides get the same network, the same LSPs in place and the same sequence of demands, in
  * which the faster side gets further. The load is steady: each LSP placed replaces the oldest. A
  * figure is the median over operations that were done; those refused are counted beside them.
  */
 #include "common/setup.h"
+#include "floor.h"
 #include "measure.h"
 #include "sides.h"
 
@@ -26,8 +27,10 @@ namespace
 
 using namespace property;
 
+const std::vector<int> allSizes{100, 200, 500, 1000, 2000};
+
 /** Seeds of the demands of each kind of measurement. */
-enum Seed : unsigned { comparison = 3, requests, givenPaths, primaries };
+enum Seed : unsigned { comparison = 3, requests, givenPaths, primaries, searches };
 
 struct RequestFigures {
     Figure request;
@@ -75,20 +78,54 @@ Figure compareCosts(const Sampler &sample, Sides &sides)
     });
 }
 
+/** What searches without books take. */
+struct SearchFigures {
+    Figure engine, floor;
+};
+
+/** Times the same searches at the engine and by hand; the costs of their paths agree. */
+SearchFigures timeSearches(const Sampler &sample, Sides &sides)
+{
+    Floor floor{sides.plan, sides.setting.cost};
+    Demands next{searches, sides.setting};
+    std::vector<double> byHand;
+    const Figure engine = sample([&]() -> std::optional<double> {
+        const Demand demand = next();
+        floor.prepare(sides.peer(), demand.bw);
+        const std::optional<double> atEngine = sides.engine.search(demand);
+        std::optional<unsigned> cost;
+        const double seconds = secondsOf([&] {
+            cost =
+                floor.search(static_cast<unsigned>(demand.src), static_cast<unsigned>(demand.dst));
+        });
+        require(atEngine.has_value() == cost.has_value(), "only one search finds a path");
+        if (atEngine) {
+            require(std::abs(COST - *cost * demand.bw) <= 1e-9 * COST,
+                    "the searches differ in a path's cost");
+            byHand.push_back(seconds);
+        }
+        return atEngine;
+    });
+    return {engine, {medianMicroseconds(byHand), byHand.size()}};
+}
+
 void printRequests(const Sampler &sample, const Setting &setting)
 {
     Sides sides{setting};
     const double fullBefore = sides.fullShare();
     const Figure compared = compareCosts(sample, sides);
+    const SearchFigures searching = timeSearches(sample, sides);
     const auto [engine, removal] = timeEngine(sample, sides);
     const Figure tree = timePeer(sample, sides, Extent::wholeTree);
     const Figure stopped = timePeer(sample, sides, Extent::untilEgress);
-    std::printf("%6d %-6s %6zu %4.0f %4.0f %10.1f %8.1f %8.1f %7.1f %7.1f %9.1f %9zu %5zu/%-4zu "
+    std::printf("%6d %-6s %6zu %4.0f %4.0f %10.1f %8.1f %8.1f %7.1f %7.1f %8.1f %7.1f %8.1f %9.1f "
+                "%9zu %5zu/%-4zu "
                 "%5zu/%-4zu\n",
                 setting.nodes, setting.cost == LinkCost::hops ? "hops" : "Fortz", sides.nbPrimaries,
                 100.0 * fullBefore, 100.0 * sides.fullShare(), engine.us, tree.us, stopped.us,
-                engine.us / tree.us, engine.us / stopped.us, removal, compared.done, engine.done,
-                engine.refused, tree.done, tree.refused);
+                engine.us / tree.us, engine.us / stopped.us, searching.engine.us,
+                searching.floor.us, engine.us / searching.floor.us, removal, compared.done,
+                engine.done, engine.refused, tree.done, tree.refused);
 }
 
 /** Throws unless the backups lead from the primary's links to nodes behind them, around them. */
@@ -389,11 +426,13 @@ void printMemoryBlock(const std::vector<int> &sizes)
 
 void printRequestBlock(const Sampler &sample, const std::vector<int> &sizes)
 {
-    std::printf("\nPrimary request with admission, us; no backups in place; full: %% of the links "
-                "without room for a typical request, before and after\n"
-                "%6s %-6s %6s %9s %10s %8s %8s %7s %7s %9s %9s %10s %10s\n",
-                "nodes", "score", "LSPs", "full", "engine", "tree", "to egr.", "e/tree", "e/egr.",
-                "e removal", "same cost", "e done/ref", "p done/ref");
+    std::printf(
+        "\nPrimary request with admission, us; no backups in place; full: %% of the links "
+        "without room for a typical request, before and after; search: the engine's without "
+        "admission, floor: one written by hand over arrays of the links with room\n"
+        "%6s %-6s %6s %9s %10s %8s %8s %7s %7s %8s %7s %8s %9s %9s %10s %10s\n",
+        "nodes", "score", "LSPs", "full", "engine", "tree", "to egr.", "e/tree", "e/egr.", "search",
+        "floor", "e/floor", "e removal", "same cost", "e done/ref", "p done/ref");
     for (const int nodes : sizes) {
         for (const LinkCost cost : {LinkCost::hops, LinkCost::fortz})
             printRequests(sample, {.nodes = nodes, .cost = cost});
@@ -434,8 +473,7 @@ void printClassBlock(const Sampler &sample, int nodes)
 
 void printTable(bool isQuick)
 {
-    const std::vector<int> sizes =
-        isQuick ? std::vector{100, 200} : std::vector{100, 200, 500, 1000, 2000};
+    const std::vector<int> sizes = isQuick ? std::vector{100, 200} : allSizes;
     const Sampler sample{isQuick ? 0.02 : 2.0};
     std::printf("%s, compiler %s%s\n\n", processorModel().c_str(), __VERSION__,
                 isQuick ? ", quick run" : "");
@@ -453,14 +491,17 @@ void printTable(bool isQuick)
 int main(int argc, char **argv)
 {
     const std::string_view option = argc == 2 ? argv[1] : "";
-    const bool isKnown = argc == 1 || option == "--quick" || option == "--kinds";
+    const bool isKnown =
+        argc == 1 || option == "--quick" || option == "--requests" || option == "--kinds";
     if (!isKnown) {
-        std::fprintf(stderr, "usage: %s [--quick | --kinds]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s [--quick | --requests | --kinds]\n", argv[0]);
         return 2;
     }
     try {
         if (option == "--kinds")
             printAllKinds(Sampler{2.0}, 1000);
+        else if (option == "--requests")
+            printRequestBlock(Sampler{2.0}, allSizes);
         else
             printTable(option == "--quick");
     } catch (const std::exception &failure) {

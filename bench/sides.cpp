@@ -3,6 +3,7 @@
 #include "admission/admission.h"
 #include "admission/placement.h"
 #include "common/setup.h"
+#include "computation/primary/driver.h"
 #include "database/books/change.h"
 #include "database/books/lookup.h"
 #include "error/error.h"
@@ -223,6 +224,17 @@ std::optional<double> Engine::request(const Demand &demand)
     removable.push_back(lsp.id);
     lastPath = lsp.path;
     return seconds;
+}
+
+std::optional<double> Engine::search(const Demand &demand)
+{
+    PlannedLsp lsp = lspFor(demand);
+    lsp.path = {demand.src, -1, demand.dst};
+    const RequestRecord asked = requestOf(lsp);
+    COST = 0.0;
+    bool found = false;
+    const double seconds = secondsOf([&] { found = computePrimaryPath(db, asked.get()) == 0; });
+    return isDone(found) ? std::optional{seconds} : std::nullopt;
 }
 
 std::optional<double> Engine::admit(const PlannedLsp &lsp)

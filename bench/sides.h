@@ -56,6 +56,8 @@ public:
     ///@{
     /** Path, record and admission; the path stays in `lastPath`, its score in COST. */
     std::optional<double> request(const Demand &demand);
+    /** The path alone; its score stays in COST. */
+    std::optional<double> search(const Demand &demand);
     /** Admission of an LSP whose path is known; it preempts nothing. */
     std::optional<double> admit(const property::PlannedLsp &lsp);
     std::optional<double> protect(Long primary, BackupType type,

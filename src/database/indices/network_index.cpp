@@ -4,6 +4,7 @@
 #include "common/link_cost.h"
 #include "common/records.h"
 #include "database/books/network.h"
+#include "database/reservations/failure_tables.h"
 #include "database/reservations/needs.h"
 
 #include <algorithm>
@@ -39,6 +40,7 @@ std::size_t layOut(NetworkIndex &index, void *block)
     }
     layout.place(index.staleClasses, index.nbLinks);
     layout.place(index.reach, index.nbNodes);
+    layout.place(index.visits, index.nbNodes);
     return layout.bytes();
 }
 
@@ -60,6 +62,7 @@ void number(DataBase &db, NetworkIndex &index)
         for (const Long from : inUse(db.nodeVec.cont[id]->inNeighb)) {
             DBLink *stored = linkAt(db.linkTab, from, id);
             stored->number = link;
+            index.hasUntabledLinks |= stored->id >= maxSlots;
             index.links[link] = stored;
             index.ids[link] = stored->id;
             index.source[link] = db.nodeVec.cont[from]->number;
@@ -289,6 +292,16 @@ void *workspaceOf(NetworkIndex &index, std::size_t bytes)
         index.workspaceBytes = bytes;
     }
     return index.workspace;
+}
+
+std::uint32_t takeStamps(NetworkIndex &index, std::uint32_t count)
+{
+    if (count > std::numeric_limits<std::uint32_t>::max() - index.lastStamp) {
+        std::fill_n(index.visits, index.nbNodes, Visit{});
+        index.lastStamp = 0;
+    }
+    index.lastStamp += count;
+    return index.lastStamp - count + 1;
 }
 
 void endIndex(NetworkIndex &index)

@@ -29,6 +29,7 @@
 #include "common/class_types.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 struct DataBase_;
@@ -46,6 +47,12 @@ struct OutLink {
     Long link;
 };
 
+/** How a search has come to a node; of the search if it has its stamp. */
+struct Visit {
+    std::uint32_t stamp;
+    Long place; ///< whatever the search keeps
+};
+
 /** What is known of the nodes that a node reaches, if not all reach each other. */
 enum class Reach : unsigned char {
     unknown,
@@ -58,6 +65,8 @@ struct NetworkIndex {
     bool isCurrent;
     bool isConnected; ///< whether every node that has links reaches every other one
     bool isOrderedByColor;
+    bool hasUntabledLinks; ///< whether an id is too large for any table: asking about such a link
+                           ///< reports something
     Long nbNodes;
     Long nbLinks;
     Long *nodeIds;                ///< node ids by node number
@@ -68,6 +77,8 @@ struct NetworkIndex {
     Long *firstOut;               ///< by node: position of its first out-link in `outLinks`
     OutLink *outLinks;            ///< links by source, then destination
     Reach *reach;                 ///< by node
+    Visit *visits;                ///< by node
+    std::uint32_t lastStamp;      ///< none of the visits has a larger one
     Long *colors;                 ///< by link
     Long *byColor;                ///< links by colour, if `isOrderedByColor`
     DBLink_ **links;              ///< by link number
@@ -106,6 +117,9 @@ void markStale(NetworkIndex &index, const DBLink_ &link, ClassTypes classes);
 
 /** Room of at least so many bytes, with any content, until the next call; null without memory. */
 [[nodiscard]] void *workspaceOf(NetworkIndex &index, std::size_t bytes);
+
+/** The first of `count` successive stamps that no visit has. */
+[[nodiscard]] std::uint32_t takeStamps(NetworkIndex &index, std::uint32_t count);
 
 /** Releases what the index owns. */
 void endIndex(NetworkIndex &index);

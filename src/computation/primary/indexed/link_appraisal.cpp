@@ -79,6 +79,46 @@ void LinkAppraisal::judge(unsigned char *verdicts)
     assert(areRight(verdicts));
 }
 
+/** Whether a few figures judge a link; else a pass over all is quicker than asking for each. */
+bool LinkAppraisal::judgesOneByOne() const
+{
+    const PredicateConfig &tests = tarnexConfig.predicateConfig;
+    return tests.capacityClause && requested.count() == 1 && !index.hasUntabledLinks &&
+           !(tests.colorClause && req.forbidLinks.top > 0);
+}
+
+void LinkAppraisal::prepare(unsigned char *verdicts)
+{
+    if (!judgesOneByOne()) {
+        judge(verdicts);
+        given = verdicts;
+        return;
+    }
+    const int oa = *requested.begin();
+    requestedBw = req.bw[oa];
+    surelyFits = index.fits[oa][level];
+    assert(areRightOneByOne());
+}
+
+/** The verdict on a link, by the figures of one class type if they leave no doubt. */
+Verdict LinkAppraisal::judgeOne(Long link)
+{
+    const int oa = *requested.begin();
+    const bool mayFit = requestedBw <= surelyFits[link];
+    return !mayFit && requestedBw >= index.exceeds[oa][level][link] ? refused : settle(link);
+}
+
+/** Whether the predicate gives the same verdicts; for debug builds. */
+[[maybe_unused]] bool LinkAppraisal::areRightOneByOne()
+{
+    double gain[MAXOA];
+    for (Long link = 0; link < index.nbLinks; ++link) {
+        if (ask(link, gain) != admits(link))
+            return false;
+    }
+    return true;
+}
+
 /** Whether the predicate gives the same verdicts; for debug builds. */
 [[maybe_unused]] bool LinkAppraisal::areRight(const unsigned char *verdicts)
 {

@@ -35,6 +35,19 @@ public:
     /** Writes for each link whether it is admitted or refused. */
     void judge(unsigned char *verdicts);
 
+    /** To be called before `admits`, with room for the verdicts on all links: they are written now
+     * where a link cannot be judged when it is met, or asking about it would report something. */
+    void prepare(unsigned char *verdicts);
+    /** Whether a link is admitted. */
+    bool admits(Long link)
+    {
+        if (given)
+            return given[link] == admitted;
+        const bool fits = requestedBw <= surelyFits[link] &&
+                          index.maybeOverfull[level][link].without(requested).isEmpty();
+        return fits || judgeOne(link) == admitted;
+    }
+
     /** @name Fill in the increments of every link that is not refused.
      * False when one is below 0 or so large that they might not add up to a finite number. */
     ///@{
@@ -66,6 +79,9 @@ private:
     void refuseColors(unsigned char *verdicts) const;
     void judgeClass(int oa, unsigned char *verdicts) const;
     bool areRight(const unsigned char *verdicts);
+    bool judgesOneByOne() const;
+    bool areRightOneByOne();
+    Verdict judgeOne(Long link);
     Verdict settle(Long link);
     bool ask(Long link, double (&gain)[MAXOA]);
 
@@ -75,7 +91,10 @@ private:
     const PrimaryComputationConfig &weights = tarnexConfig.primaryComputationConfig;
     int level;
     ClassTypes requested{};
-    ClassTypes scored{}; ///< whose increments depend on a weight
+    ClassTypes scored{};                  ///< whose increments depend on a weight
+    const unsigned char *given = nullptr; ///< verdicts by link, unless they are given one by one
+    double requestedBw = 0.0;             ///< in the one class type of a request judged like that
+    const double *surelyFits = nullptr;   ///< by link: how much it takes
 };
 
 #endif

@@ -7,8 +7,8 @@
 #include "computation/primary/increments.h"
 #include "computation/primary/indexed/clear_search.h"
 #include "computation/primary/indexed/general_search.h"
-#include "computation/primary/indexed/level_search.h"
 #include "computation/primary/indexed/link_appraisal.h"
+#include "computation/primary/indexed/meeting_search.h"
 #include "computation/primary/indexed/pass_search.h"
 
 #include <algorithm>
@@ -129,7 +129,7 @@ private:
     {
         ListedTerms terms{appraisal.termsPerLink()};
         unsigned char *verdicts = nullptr;
-        LevelSearch search{index, src};
+        MeetingSearch search{index, appraisal};
         const auto tables = [&](Layout &layout) {
             layout.place(verdicts, index.nbLinks);
             layout.place(terms.terms, terms.perLink);
@@ -139,8 +139,8 @@ private:
             return IndexedResult::noMemory;
         if (!appraisal.fillFirst(terms))
             return runGeneral(cost);
-        appraisal.judge(verdicts);
-        if (!search.run(verdicts, dst))
+        appraisal.prepare(verdicts);
+        if (!search.run(src, dst))
             return IndexedResult::unreachable;
         cost = 0.0;
         for (Long node = dst; node != src; node = search.predecessors()[node])
