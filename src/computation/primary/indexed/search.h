@@ -6,7 +6,8 @@
  * bit: the same links are admitted, the same labels chosen in the same passes. What differs is what
  * is not done: links whose figures leave no doubt are not put to the predicate (link_appraisal.h),
  * no record is made per link, and nodes are labelled and looked at only as far as it takes
- * (meeting_search.h, clear_search.h, pass_search.h; general_search.h for weights that these cannot).
+ * (meeting_search.h, clear_search.h, pass_search.h; general_search.h for weights that these
+ * cannot).
  */
 #ifndef TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
 #define TARNEX_COMPUTATION_PRIMARY_INDEXED_SEARCH_H
