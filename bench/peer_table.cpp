@@ -373,6 +373,53 @@ void printAllKinds(const Sampler &sample, int nodes)
     printBackupKinds(sample, nodes);
 }
 
+/** Seconds of the first backup computation that succeeds, whatever changes before each attempt. */
+template <class Change>
+std::optional<double> timeBackupAfter(Engine &engine, Rng &rng, Change change)
+{
+    change();
+    std::vector<NodePath> backups;
+    const int primary = randomInt(rng, static_cast<int>(engine.removable.size()));
+    return engine.protect(engine.removable[static_cast<std::size_t>(primary)], LOCAL_BACKUP,
+                          backups);
+}
+
+/** A link goes and comes again, with LSPs on it, and what then has to be found out. */
+void printChanges(const Sampler &sample, const char *name, const Setting &setting)
+{
+    Sides sides{setting};
+    Engine &engine = sides.engine;
+    Rng rng{primaries};
+    const auto change = [&] { return engine.exchange(anyOf(rng, sides.plan.links)); };
+    const auto none = [] {};
+    double ofSession = 0.0;
+    if (const auto seconds = timeBackupAfter(engine, rng, none))
+        ofSession = 1e3 * *seconds;
+    const Figure usual = timeEngine(sample, sides).request;
+    const Figure changed = sample([&, next = Demands{requests, setting}]() mutable {
+        const double seconds = change();
+        const std::optional<double> placed = engine.request(next());
+        if (placed)
+            engine.removeOldest();
+        return placed ? std::optional{seconds + *placed} : std::nullopt;
+    });
+    const Figure backups = sample([&] { return timeBackupAfter(engine, rng, none); });
+    const Figure after = sample([&] { return timeBackupAfter(engine, rng, change); });
+    std::printf("%-22s %8zu %8.1f %8.1f %7.2f %9.1f %9.1f %9.1f\n", name, sides.nbBackups, usual.us,
+                changed.us, changed.us / usual.us, backups.us, after.us, ofSession);
+}
+
+void printChangesBlock(const Sampler &sample, int nodes)
+{
+    std::printf(
+        "\nA link goes and comes again at the engine, %d nodes; us, of a session's first ms\n"
+        "%-22s %8s %8s %8s %7s %9s %9s %9s\n",
+        nodes, "score", "backups", "request", "changed", "ratio", "protected", "changed", "first");
+    printChanges(sample, "hop count", {.nodes = nodes, .cost = LinkCost::hops});
+    printChanges(sample, "Fortz-Thorup", {.nodes = nodes});
+    printChanges(sample, "beside backups", {.nodes = nodes, .isProtected = true});
+}
+
 /** A memory figure of this process, in bytes. */
 double memoryOf(std::string_view name)
 {
@@ -491,10 +538,10 @@ void printTable(bool isQuick)
 int main(int argc, char **argv)
 {
     const std::string_view option = argc == 2 ? argv[1] : "";
-    const bool isKnown =
-        argc == 1 || option == "--quick" || option == "--requests" || option == "--kinds";
+    const std::string_view options[] = {"--quick", "--requests", "--kinds", "--changes"};
+    const bool isKnown = argc == 1 || std::ranges::find(options, option) != std::end(options);
     if (!isKnown) {
-        std::fprintf(stderr, "usage: %s [--quick | --requests | --kinds]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s [--quick | --requests | --kinds | --changes]\n", argv[0]);
         return 2;
     }
     try {
@@ -502,6 +549,8 @@ int main(int argc, char **argv)
             printAllKinds(Sampler{2.0}, 1000);
         else if (option == "--requests")
             printRequestBlock(Sampler{2.0}, allSizes);
+        else if (option == "--changes")
+            printChangesBlock(Sampler{0.5}, 1000);
         else
             printTable(option == "--quick");
     } catch (const std::exception &failure) {

@@ -292,6 +292,21 @@ double Engine::removeOldest()
     return remove(oldest);
 }
 
+double Engine::exchange(const PlannedLink &link)
+{
+    for (const DBLabelSwitchedPath *lsp : inUse(*DBgetLinkLSPs(db, link.src, link.dst)))
+        std::erase(removable, lsp->id);
+    const Owned<DBLinkState, DBlinkStateDestroy> state{DBlinkStateNew()};
+    state->cap[0] = link.capacity;
+    bool isExchanged = false;
+    const double seconds = secondsOf([&] {
+        isExchanged = DBremoveLink(db, link.src, link.dst) == 0 &&
+                      DBaddLink(db, link.id, link.src, link.dst, state.get()) == 0;
+    });
+    require(isDone(isExchanged), "a link did not go and come again");
+    return seconds;
+}
+
 std::optional<double> Engine::protect(Long primary, BackupType type, std::vector<NodePath> &backups)
 {
     const Quiet quiet;

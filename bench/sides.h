@@ -64,6 +64,8 @@ public:
                                   std::vector<property::NodePath> &backups);
     double remove(Long id);
     double removeOldest();
+    /** A link goes, with LSPs on it, and comes again; they are not removed later. */
+    double exchange(const property::PlannedLink &link);
     ///@}
 
     /** Gives every link its id as its colour. */

@@ -148,7 +148,7 @@ int makeRoom(DataBase &db, const DBLabelSwitchedPath &lsp, operation op, LinkEff
             return report(effect);
         if (makeRoomFor(effect, link->state) != 0)
             return -1;
-        return makeRoomFor(link->summary, effect)
+        return makeRoomFor(link->summary, effect) && makeRoomFor(db.carriers, effect)
                    ? 0
                    : here.fail("Critical lack of memory in %s at line %d");
     });

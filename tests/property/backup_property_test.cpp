@@ -1,11 +1,13 @@
 #include "admission/admission.h"
 #include "computation/backup/driver.h"
 #include "computation/backup/plain/compute_cost.h"
+#include "computation/primary/driver.h"
 #include "database/books/change.h"
 #include "database/books/lookup.h"
 #include "support/consistency.h"
 #include "support/plain_backups.h"
 #include "support/session.h"
+#include "support/topology_route.h"
 
 #include <optional>
 
@@ -34,14 +36,17 @@ struct Requests {
 class Backups : public Session
 {
 protected:
-    /** Now and then removes an LSP, replaces a link or a state, or writes into one from outside. */
-    void disturb(const NetworkPlan &plan)
+    /** Now and then removes an LSP, replaces a link or a state, exchanges ids, takes a link away
+     * for a while, or writes into a state from outside. */
+    void disturb(NetworkPlan &plan)
     {
-        const PlannedLink &link = anyOf(rng, plan.links);
-        const PlannedLink &other = anyOf(rng, plan.links);
+        PlannedLink &link = plan.links[std::size_t(randomInt(rng, int(plan.links.size())))];
+        PlannedLink &other = plan.links[std::size_t(randomInt(rng, int(plan.links.size())))];
         const Long id = randomInt(rng, 160);
         const State copy{DBlinkStateNew()};
-        switch (randomInt(rng, 8)) {
+        const bool areThere =
+            linkAt(db->linkTab, link.src, link.dst) && linkAt(db->linkTab, other.src, other.dst);
+        switch (areThere ? randomInt(rng, 10) : 2) {
         case 0:
             if (DBLinkState *exposed = DBgetLinkState(db, link.src, link.dst); id % 2 == 0) {
                 for (const DoubleVec &table : exposed->bbw[0])
@@ -57,10 +62,22 @@ protected:
             ASSERT_EQ(DBsetLinkState(db, link.src, link.dst, copy.get()), 0);
             break;
         case 2:
-            if (id % 2 == 0) { // comes back with what another link holds
+            if (id % 2 == 0 && areThere) { // comes back with what another link holds
                 ASSERT_EQ(DBlinkStateCopy(copy.get(), &storedState(db, {other.src, other.dst})), 0);
             }
             replace(link, *copy);
+            break;
+        case 3:
+            exchangeLink(link);
+            break;
+        case 4:
+            if (link.id == other.id)
+                break;
+            exchangeLink(link);
+            exchangeLink(other);
+            std::swap(link.id, other.id);
+            exchangeLink(other);
+            exchangeLink(link);
             break;
         default:
             if (DBgetLSP(db, id))
@@ -104,6 +121,20 @@ protected:
         EXPECT_EQ(printed.empty(), areFound);
         for (std::size_t i = expected.size(); i-- > 0 && !expected[i].empty(); ++found)
             EXPECT_EQ(idsIn(requests.list.cont[i].path), expected[i]) << "backup " << i;
+    }
+
+    /** Compares the path of a request with the one over the topology. */
+    void route(Long from, Long to, double bw)
+    {
+        const PlannedLsp lsp{
+            .precedence = randomInt(rng, MAXPL), .bw = {bw}, .path = {from, -1, to}};
+        const RequestRecord requests[] = {requestOf(lsp), requestOf(lsp)};
+        double cost = 0.0;
+        const int expected = routeByTopology(db, *requests[0], cost);
+        const Trail trail = takeTrail();
+        EXPECT_EQ(computePrimaryPath(db, requests[1].get()), expected);
+        EXPECT_EQ(idsIn(requests[1]->path), idsIn(requests[0]->path));
+        expectTrail(trail);
     }
 
     /** Compares the cost of some way through the network, from a node of the primary on. */
@@ -157,14 +188,25 @@ TEST_F(Backups, EqualThoseOfThePlainSearch)
             for (int classes = 1 + randomInt(rng, 5) / 4; classes > 0; --classes)
                 lsp.bw[std::size_t(randomInt(rng, 2))] = 1.0 / 3.0 + randomInt(rng, 4);
             lsp.primPath = id % 8 == 0 ? lsp.path : NodePath{}; // weighs the hops of its backups
-            if (lsp.path.size() < 2 || DBaddLSP(db, recordOf(lsp).get(), &preempted) != 0)
-                continue;
+            const bool isAdded =
+                lsp.path.size() > 1 && DBaddLSP(db, recordOf(lsp).get(), &preempted) == 0;
             takeTrail();
+            if (!isAdded)
+                continue;
             std::optional<PlannedLink> lost;
             if (randomInt(rng, 6) == 0) {
                 const auto at = lsp.path.begin() + randomInt(rng, int(lsp.path.size()) - 1);
                 lost = {DBgetLinkID(db, at[0], at[1]), at[0], at[1], 25.0};
                 ASSERT_EQ(DBremoveLink(db, at[0], at[1]), 0);
+            }
+            for (int i = 0; i < 6; ++i) { // what no LSP changes in between must follow the links
+                const PlannedLink &link = anyOf(rng, plan.links);
+                if (find(lsp.path, {link.src, link.dst}) < 0)
+                    exchangeLink(link);
+                takeTrail();
+                route(anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), 1.0 + randomInt(rng, 8));
+                Requests none;
+                compare(id, LOCAL_BACKUP, none);
             }
             Requests requests[2];
             for (const BackupType type : {LOCAL_BACKUP, GLOBAL_BACKUP}) {

@@ -279,10 +279,12 @@ TEST_F(PrimaryPathProperty, RequestsOfAnyKindEndAsTheyDoByWayOfTheTopology)
                     req->forbidLinks.top = color > 3 ? 0 : 1;
                     req->rerouteInfo = {rerouted, rerouted % 5, rerouted / 5};
                 }
-                if (!plan.links.empty() && (src + dst) % 3 == 0) {
-                    const PlannedLink &link = anyOf(rng, plan.links);
-                    DBgetLinkState(db, link.src, link.dst)->color = 1 + randomInt(rng, 3);
-                }
+                const Long other = randomInt(rng, 25);
+                if (other % 5 != other / 5 && (src + dst) % 4 == 1)
+                    exchangeLink({other, other % 5, other / 5, 1.0});
+                DBLink *link = linkAt(db->linkTab, other % 5, other / 5);
+                if (link && (src + dst) % 3 == 0)
+                    DBgetLinkState(db, other % 5, other / 5)->color = 1 + randomInt(rng, 3);
                 COST = 0.0;
                 double cost = 0.0;
                 const int expected = routeByTopology(db, *requests[0], cost);
@@ -396,6 +398,8 @@ protected:
     /** The engine's labels are the plain ones, and no allowed in-link improves a final label. */
     void searchAndCompare(int step)
     {
+        for (int i = 0; i < 3; ++i) // links come and go beside those of the plan
+            exchangeLink(anyOf(rng, others));
         const Long source = request->path.cont[0];
         request->precedence = randomInt(rng, MAXPL);
         LSPRequest *req = request.get();
@@ -420,6 +424,7 @@ protected:
 
     Rng rng{GetParam()};
     NetworkPlan plan = randomNetwork(rng, 40, 3, GetParam() % 2 == 0 ? 1 : 5);
+    std::vector<PlannedLink> others;
     int compared = 0;
 };
 
@@ -430,6 +435,11 @@ TEST_P(SearchProperty, EqualsThePlainPassesUnderEveryWeight)
     for (const Long node : {plan.nodes[1], plan.nodes[2]})
         plan.links.push_back({1000 + node, node, node}); // to itself
     build(plan);
+    for (Long id = 2000; id < 2040; ++id) {
+        const PlannedLink link{id, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), 9.0};
+        if (!linkAt(db->linkTab, link.src, link.dst))
+            others.push_back(link);
+    }
     PlannedLsp lsp;
     for (; lsp.id < 120; ++lsp.id) {
         lsp.precedence = randomInt(rng, MAXPL);

@@ -118,11 +118,11 @@ std::string carriersOf(const DataBase &db, const PlainNetwork &contents)
     for (int oa = 0; oa < MAXOA; ++oa) {
         std::multiset<Use> listed;
         std::multiset<Use> used;
-        if (!db.carriers.lists[oa])
-            continue;
         for (const auto table : {FailureTable::backup, FailureTable::freed}) {
             for (Long id = 0; id < db.carriers.nbIds[oa]; ++id) {
                 const CarrierList &list = db.carriers.of(oa, id, table);
+                if (list.top > 0 && !db.carriers.isListed(oa, id))
+                    return "a list of carriers is left over";
                 for (Long i = 0; i < list.top; ++i) {
                     const Carrier carrier = list.carriers[i];
                     if (!exposed.contains(carrier.linkId()))
@@ -134,7 +134,13 @@ std::string carriersOf(const DataBase &db, const PlainNetwork &contents)
                 for (int p = 0; p < MAXPL && !exposed.contains(link.id); ++p) {
                     const auto values = slots(tableOf(storedState(&db, hop), table, oa, p));
                     for (std::size_t id = 0; id < values.size(); ++id) {
-                        if (values[id] != 0.0)
+                        if (values[id] == 0.0)
+                            continue;
+                        Long from = link.id;
+                        if (!db.carriers.areMarksLost &&
+                            (!nextMarked(db, Long(id), from) || from != link.id + 1))
+                            return "a carrier is not marked";
+                        if (db.carriers.isListed(oa, Long(id)))
                             used.emplace(Long(id), link.id, p, table, values[id]);
                     }
                 }
@@ -169,7 +175,9 @@ std::size_t bytesOf(const DBLink &link)
 
 std::size_t bytesOf(const FailureCarriers &carriers)
 {
-    std::size_t bytes = 0;
+    std::size_t bytes = carriers.marks ? countedBytes(carriers.marks) : 0;
+    for (const CarrierMarks *marks : std::span{carriers.marks, std::size_t(carriers.nbMarked)})
+        bytes += marks ? countedBytes(marks) : 0;
     for (int oa = 0; oa < MAXOA; ++oa) {
         if (!carriers.lists[oa])
             continue;

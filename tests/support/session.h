@@ -46,6 +46,18 @@ protected:
         build(plan);
     }
 
+    /** Takes the link between two nodes away or, where there is none, adds one with this id. */
+    void exchangeLink(const PlannedLink &link)
+    {
+        if (linkAt(db->linkTab, link.src, link.dst)) {
+            ASSERT_EQ(DBremoveLink(db, link.src, link.dst), 0);
+            return;
+        }
+        const State state{DBlinkStateNew()};
+        std::ranges::fill(state->cap, link.capacity);
+        ASSERT_EQ(DBaddLink(db, link.id, link.src, link.dst, state.get()), 0);
+    }
+
     /** Adds to the engine and, what it admits, to the plain network. */
     int add(const PlannedLsp &lsp)
     {

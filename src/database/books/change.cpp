@@ -167,7 +167,7 @@ int DBaddLink(DataBase *dataBase, Long id, Long src, Long dst, DBLinkState *init
     result |= longVecSet(&dataBase->linkDstVec, id, dst + 1);
     raiseTops(*dataBase, id);
     dataBase->nbLinks += 1;
-    followNewLink(*dataBase, stored, result == 0);
+    followNewLink(*dataBase, stored, src, dst, result == 0);
     return result == 0 ? 0 : here.fail("Link addition uncomplete in %s at line %d");
 }
 

@@ -1,9 +1,12 @@
 #include "database/followers/followers.h"
 
+#include "database/indices/link_numbers.h"
 #include "database/reservations/apply_effect.h"
 #include "database/reservations/needs.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <span>
 #include <utility>
 
 namespace
@@ -53,23 +56,62 @@ ClassTypes keepNeeds(const DataBase &db, DBLink &link, const Effect &effect)
     return raised;
 }
 
+/** Whether needs are known in a class type that depend on which links there are. */
+bool areNeedsKnown(const DataBase &db, int oa)
+{
+    const NetworkIndex &index = db.index;
+    const std::span stale{index.stale, static_cast<std::size_t>(index.nbStale)};
+    return index.needy.has(oa) || std::ranges::any_of(stale, [&](Long number) {
+               return index.links[number] && mayNeed(index.links[number]->summary, oa);
+           });
+}
+
+/** Has the other links follow a link that is in the books; false, with some of it done, when those
+ * are not known that it matters to. */
+bool followOnOthers(DataBase &db, Long id, LinkEvent event)
+{
+    if (!db.index.isCurrent || id >= maxListedIds)
+        return false;
+    ClassTypes concerned{};
+    for (int oa = 0; oa < MAXOA; ++oa)
+        concerned.set(oa, areNeedsKnown(db, oa));
+    if (concerned.isEmpty() || db.carriers.areMarksLost)
+        return concerned.isEmpty();
+    for (Long from = 0; DBLink *link = nextMarked(db, id, from);) {
+        ClassTypes changed{};
+        for (const int oa : concerned)
+            changed.set(oa, followFailing(db, *link, oa, id, event));
+        if (!changed.isEmpty())
+            markLink(db, *link, changed);
+    }
+    return true;
+}
+
 } // namespace
 
 void followNode(DataBase &db) { dropIndices(db); }
 
-void followNewLink(DataBase &db, DBLink &link, bool isWhole)
+void followNewLink(DataBase &db, DBLink &link, Long src, Long dst, bool isWhole)
 {
-    dropIndices(db);
     summarize(link.summary, link.state);
+    if (!isWhole || !db.index.isCurrent) {
+        dropIndices(db);
+    } else if (!numberLink(db, link, src, dst)) {
+        dropIndices(db);
+        db.index.spare = 1; // there is a next one, perhaps
+    } else if (!followOnOthers(db, link.id, LinkEvent::comes)) {
+        dropIndices(db);
+    }
     if (isWhole)
         listCarriersOf(db.carriers, link);
     else
-        endCarriers(db.carriers); // its id may come again
+        loseCarriers(db.carriers); // its id may come again
 }
 
 void followLeavingLink(DataBase &db, const DBLink &link)
 {
-    dropIndices(db);
+    if (!followOnOthers(db, link.id, LinkEvent::goes) || !unnumberLink(db, link))
+        dropIndices(db);
     if (db.nbLinks > 1)
         unlistCarriersOf(db.carriers, link);
     else

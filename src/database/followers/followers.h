@@ -16,24 +16,30 @@
  *   event                 summary of the link   network index  backup index  carriers
  *   --------------------  --------------------  -------------  ------------  --------------------
  *   a node comes or goes  needs, on next use    dropped        dropped       stay
- *   a link comes          made; the others:     dropped        dropped       follow: its slots in;
- *                         as with a node                                     dropped if its id does
- *                                                                            not lead to it
- *   a link goes           goes with it; the     dropped        dropped       follow: its slots out;
- *                         others: as with a                                  dropped if its state
- *                         node                                               was handed out, or
- *                                                                            with the last link
+ *   a link comes          made; the others:     follows        follows       follow: its slots in;
+ *                         needs of carriers of                               lost if its id does
+ *                         its failure                                        not lead to it
+ *   a link goes           goes with it; the     follows        follows       follow: its slots out;
+ *                         others: needs of                                   lists dropped if its
+ *                         carriers of its                                    state was handed out;
+ *                         failure                                            all with the last link
  *   a state is replaced   made anew unless it   marked         marked        follow: slots out, in;
- *                         was handed out                                     dropped if it was
- *                                                                            handed out
+ *                         was handed out                                     lists dropped if it
+ *                                                                            was handed out
  *   a state is handed     distrusted for good   marked, before marked,       stay, though this link
  *   out for writing                             every search   likewise      may leave them
  *   an effect is applied  follows               marked, in its marked        follow, slot by slot
  *                                               class types
  *
+ * A link that comes or goes changes the rows of its own failure and of that of the node it enters,
+ * and so only what is needed on links that have a slot for its failure, its carriers. The indices
+ * follow one link without being made anew (indices/link_numbers.h) and have those marked. Where
+ * that cannot be, because the marks of the carriers are lost, no number is vacant, or the id does
+ * not lead to the link, it is as with a node.
+ *
  * A summary forgets the needs it knows when it is next used and finds that the topology has
- * changed (bringToTopology). Whatever finds no memory to follow is dropped or distrusted, which
- * costs time but changes no result.
+ * changed as a whole (bringToTopology). Whatever finds no memory to follow is dropped or
+ * distrusted, which costs time but changes no result.
  *
  * Reading goes the other way: a search asks an index to bring itself up to date, and what a
  * question works out a summary remembers. Neither changes the books, so neither comes by here.
@@ -48,11 +54,11 @@
 void followNode(DataBase &db);
 
 /**
- * A link has been stored, with its state.
+ * A link from `src` to `dst` has been stored, with its state.
  *
  * @param isWhole false when its id does not lead to it: the addition has remained incomplete
  */
-void followNewLink(DataBase &db, DBLink &link, bool isWhole);
+void followNewLink(DataBase &db, DBLink &link, Long src, Long dst, bool isWhole);
 
 /** A stored link is about to go. */
 void followLeavingLink(DataBase &db, const DBLink &link);

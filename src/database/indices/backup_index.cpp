@@ -27,6 +27,7 @@ std::size_t layOut(BackupIndex &index, void *block)
         layout.place(index.*table, index.nbLinks);
     layout.place(index.links, index.nbLinks);
     layout.place(index.overfull, index.nbLinks);
+    layout.place(index.isVacant, index.nbLinks);
     layout.place(index.isAsked, index.nbLinks);
     layout.place(index.isStale, index.nbLinks);
     return layout.bytes();
@@ -46,7 +47,37 @@ bool areTranslatorsWhole(const DataBase &db)
             return false;
         ++translated;
     }
-    return translated == db.index.nbLinks;
+    return translated == db.nbLinks;
+}
+
+/** Takes a position over from the network's index. */
+void takePosition(const NetworkIndex &network, BackupIndex &index, Long position)
+{
+    const auto [node, number] = network.outLinks[position];
+    DBLink *link = network.links[number];
+    index.links[position] = link;
+    index.isVacant[position] = !link;
+    index.destination[position] = node;
+    markStale(index, position);
+    if (link && link->id < index.nbIds)
+        index.positionOfId[link->id] = position;
+}
+
+/** The position of the link of a number, which is not vacant. */
+Long positionAt(const NetworkIndex &network, Long number)
+{
+    Long position = network.firstOut[network.source[number]];
+    while (network.outLinks[position].link != number)
+        ++position;
+    return position;
+}
+
+/** Takes over what is known by link number. */
+void takeNumber(const NetworkIndex &network, BackupIndex &index, Long number)
+{
+    const DBLink *link = network.links[number];
+    index.positionOf[number] = link ? positionAt(network, number) : network.noLink();
+    index.idOf[number] = link ? link->id : maxSlots;
 }
 
 /** Gives the links their positions and lists every one as stale. */
@@ -54,16 +85,10 @@ void order(const DataBase &db, BackupIndex &index)
 {
     const NetworkIndex &network = db.index;
     std::fill_n(index.positionOfId, index.nbIds, -1);
-    for (Long position = 0; position < index.nbLinks; ++position) {
-        const Long link = network.outLinks[position].link;
-        index.links[position] = network.links[link];
-        index.positionOf[link] = position;
-        index.destination[position] = network.destination[link];
-        index.idOf[link] = network.links[link]->id;
-        if (index.idOf[link] < index.nbIds)
-            index.positionOfId[index.idOf[link]] = position;
-        markStale(index, position);
-    }
+    for (Long position = 0; position < index.nbLinks; ++position)
+        takePosition(network, index, position);
+    for (Long number = 0; number < index.nbLinks; ++number)
+        takeNumber(network, index, number);
 }
 
 bool build(const DataBase &db, BackupIndex &index)
@@ -93,9 +118,23 @@ bool addClass(BackupIndex &index, int oa)
     if (!block)
         return false;
     layOutClass(block);
-    for (Long position = 0; position < index.nbLinks; ++position)
-        index.figures[oa][position].capacity = index.links[position]->state.cap[oa];
+    for (Long position = 0; position < index.nbLinks; ++position) {
+        if (!index.isVacant[position])
+            index.figures[oa][position].capacity = index.links[position]->state.cap[oa];
+    }
     return true;
+}
+
+void refreshVacant(BackupIndex &index, Long position)
+{
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        if (!index.figures[oa])
+            continue;
+        index.figures[oa][position] = {};
+        index.levels[oa][position] = {};
+    }
+    index.overfull[position] = {};
+    index.isAsked[position] = false;
 }
 
 /** Works the figures of one link out anew; false without memory for those of a class type. */
@@ -133,6 +172,11 @@ bool refreshStale(const DataBase &db, BackupIndex &index)
 {
     Long kept = 0;
     for (const Long position : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {
+        index.isStale[position] = false;
+        if (index.isVacant[position]) {
+            refreshVacant(index, position);
+            continue;
+        }
         if (!refresh(db, index, position))
             return false;
         // A state that may change without notice is looked at before every search.
@@ -151,10 +195,31 @@ bool bringBackupsUpToDate(DataBase &db, int oa)
     BackupIndex &index = db.backups;
     const bool isDone = numberNetwork(db) && (index.isCurrent || build(db, index)) &&
                         refreshStale(db, index) && (index.figures[oa] || addClass(index, oa)) &&
-                        (!index.idsLeadToLinks || listCarriers(db, oa));
+                        (!index.idsLeadToLinks || findCarriers(db));
     if (!isDone)
         endBackupIndex(index);
     return isDone;
+}
+
+void followLink(DataBase &db, Long source, Long destination, Long id)
+{
+    BackupIndex &index = db.backups;
+    const NetworkIndex &network = db.index;
+    if (!index.isCurrent)
+        return;
+    if (!index.idsLeadToLinks || id >= index.nbIds) {
+        endBackupIndex(index);
+        return;
+    }
+    index.positionOfId[id] = -1;
+    const Long pastOut = network.firstOut[source + 1];
+    for (Long position = network.firstOut[source]; position < pastOut; ++position) {
+        takePosition(network, index, position);
+        takeNumber(network, index, network.outLinks[position].link);
+    }
+    const Long pastIn = network.firstIn[destination + 1];
+    for (Long number = network.firstIn[destination]; number < pastIn; ++number)
+        takeNumber(network, index, number);
 }
 
 bool addUp(const BackupIndex &index, Long position)

@@ -3,9 +3,9 @@
  *
  * Invariant: while an index is current, its numbers are those of the present topology, the figures
  * of a link are those of its stored state unless the link is listed as stale, and a link's number
- * (DBLink) leads to it, as in the network's index: for one topology that is always made with the
- * same numbers, however often it is dropped and made again. Positions order the links by source
- * and then destination, so that those out of a node stand together.
+ * (DBLink) leads to it, as in the network's index, with which it is dropped. Positions are those in
+ * that index's list of links by source and then destination, so that those out of a node stand
+ * together; where they are vacant there, they are here.
  *
  * Building costs a pass over all links and their ids, and what every link needs is worked out once;
  * after that a computation pays for the links listed as stale. Asking is one array access.
@@ -42,13 +42,14 @@ struct LevelFigures {
 struct BackupIndex {
     bool isCurrent;
     bool idsLeadToLinks;           ///< whether each link is the one of its id, as it should be
-    Long nbLinks;                  ///< number of links
-    Long nbIds;                    ///< one more than the largest link id
+    Long nbLinks;                  ///< positions and link numbers, the vacant ones among them
+    Long nbIds;                    ///< ids with a position
     Long *positionOfId;            ///< position by link id, -1 without a link
     Long *positionOf;              ///< position by link number
-    Long *idOf;                    ///< link id by link number
+    Long *idOf;                    ///< link id by link number; of a vacant one that of no table
     Long *destination;             ///< by position: node number
-    DBLink_ **links;               ///< by position
+    DBLink_ **links;               ///< by position; null where it is vacant
+    bool *isVacant;                ///< by position
     ClassTypes *overfull;          ///< by position: where it is overfull
     bool *isAsked;                 ///< by position: its figures cannot be relied on, or, during a
                                    ///< computation, the link is the primary's own
@@ -62,10 +63,16 @@ struct BackupIndex {
 
 /**
  * Makes the index current, with no stale figures, and with the figures of class type `oa`; if its
- * ids lead to the links, with the carriers of the class type (database/indices/failure_carriers.h).
- * False without memory.
+ * ids lead to the links, with the marks of the carriers of failures
+ * (database/indices/failure_carriers.h). False without memory.
  */
 [[nodiscard]] bool bringBackupsUpToDate(DataBase_ &db, int oa);
+
+/**
+ * Takes the positions out of one node and into another over from the network's index, in which a
+ * link between the two has just come or gone; `id` is the link's. Dropped if it has no room for it.
+ */
+void followLink(DataBase_ &db, Long source, Long destination, Long id);
 
 /** Bandwidths up to this one can be added up, many times over, without leaving the numbers. */
 inline constexpr double largestBandwidth = 1e280;

@@ -3,16 +3,18 @@
  * are not 0 on any link. A link's tables are indexed by failing link, and a search of backups asks
  * for few failures on all links.
  *
- * Invariant: once a class type is listed, its lists have exactly the slots below maxListedIds of
- * the stored links that are not 0, with their values; but for links whose state somebody outside
- * may write.
+ * - Marks tell which links may have a slot for a failure. They are set with every slot that
+ *   changes and stay.
+ * - A list has the slots themselves with their values. It is made of the marked links when a
+ *   search first asks for its failure. From then on a change of a slot costs a search through it.
  *
- * Listing a class type reads the tables of all links in it, once. From then on a change of a slot
- * costs a search through the list of its failing link, and asking for a failure that list alone.
+ * Invariant: unless marks are lost, each slot below maxListedIds of a stored link that is not 0 is
+ * marked, and once a failing link is listed in a class type, its lists have exactly these slots;
+ * but for links whose state somebody outside may write.
  *
- * Writers: listCarriers, for the first search of backups in a class type; after that what follows
- * the books (database/followers/followers.h). Without memory to follow a change all lists are
- * dropped, and made anew by the next search; they go with the last link, too.
+ * Writers: what follows the books (database/followers/followers.h); findCarriers and listCarriers,
+ * before a search of backups. Without memory to follow a change all marks and lists are dropped,
+ * and the next search reads the tables of all links for new marks; they go with the last link, too.
  */
 #ifndef TARNEX_DATABASE_INDICES_FAILURE_CARRIERS_H
 #define TARNEX_DATABASE_INDICES_FAILURE_CARRIERS_H
@@ -21,9 +23,11 @@
 #include "database/reservations/failure_tables.h"
 
 #include <cstdint>
+#include <span>
 
 struct DataBase_;
 struct DBLink_;
+struct Effect;
 
 /** Which link has a slot, at which level, in one number. */
 class Carrier
@@ -52,26 +56,50 @@ struct CarrierList {
     Long top;          ///< slots in use
     unsigned levels;   ///< a bit for each level that has, or had, a slot
     bool hasBelow0;    ///< whether one has, or had, a value that is not 0 or more
+    bool isListed;     ///< of the first kind of table: whether both lists are made
     double *values;    ///< counted block with `size` values and carriers, owned; null before the
                        ///< first
     Carrier *carriers; ///< in the same block
 };
 
-/** The lists of one database, owned. */
+/** Links with ids that are the same modulo this one share a mark. */
+inline constexpr Long nbMarks = 4096;
+
+/** Marks of one failing link. */
+struct CarrierMarks {
+    std::uint64_t words[nbMarks / 64];
+};
+
+/** The marks and lists of one database, owned. */
 struct FailureCarriers {
-    CarrierList *lists[MAXOA]; ///< two by id of the failing link; null: not listed
+    CarrierMarks **marks; ///< by id of the failing link; null: none
+    Long nbMarked;        ///< ids that there is a place in `marks` for
+    bool areMarksLost;
+    CarrierList *lists[MAXOA]; ///< two by id of the failing link
     Long nbIds[MAXOA];         ///< ids that there are lists for
 
-    /** The slots of failing link `id` in class type `oa`, which is listed. */
+    /** The slots of failing link `id` in class type `oa`, if it is listed. */
     const CarrierList &of(int oa, Long id, FailureTable table) const
     {
         static constexpr CarrierList none{};
         return id < nbIds[oa] ? lists[oa][2 * id + static_cast<Long>(table)] : none;
     }
+    bool isListed(int oa, Long id) const { return of(oa, id, FailureTable::backup).isListed; }
 };
 
-/** Lists a class type unless it is; false without memory. The ids of all links must differ. */
-[[nodiscard]] bool listCarriers(DataBase_ &db, int oa);
+/** The first stored link with an id of `from` or more that may have a slot for the failure of link
+ * `id`; null when there is none. `from` becomes one more than its id. */
+DBLink_ *nextMarked(const DataBase_ &db, Long id, Long &from);
+
+/** Marks anew what marks were lost of; false without memory. The ids of all links must differ. */
+[[nodiscard]] bool findCarriers(DataBase_ &db);
+
+/** Lists the links into the nodes of a path but the first in a class type; false without memory.
+ * No marks may be lost. */
+[[nodiscard]] bool listCarriers(DataBase_ &db, int oa, std::span<const Long> path);
+
+/** Makes room for the marks of what an effect changes; false without memory. */
+[[nodiscard]] bool makeRoomFor(FailureCarriers &carriers, const Effect &effect);
 
 /** A slot of a stored link's tables has got another value. */
 void updateCarrier(FailureCarriers &carriers, const DBLink_ &link, const TableSlot &slot,
@@ -82,7 +110,9 @@ void listCarriersOf(FailureCarriers &carriers, const DBLink_ &link);
 /** A link goes, or its state. */
 void unlistCarriersOf(FailureCarriers &carriers, const DBLink_ &link);
 
-/** Releases all lists. */
+/** Drops marks and lists: they no longer tell all, and marks are lost. */
+void loseCarriers(FailureCarriers &carriers);
+/** Releases all marks and lists; there are no slots. */
 void endCarriers(FailureCarriers &carriers);
 
 #endif

@@ -8,6 +8,7 @@
 #include "database/reservations/needs.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <limits>
 #include <span>
@@ -44,6 +45,15 @@ std::size_t layOut(NetworkIndex &index, void *block)
     return layout.bytes();
 }
 
+/** Leaves the next `count` numbers vacant. */
+void leaveVacant(NetworkIndex &index, Long node, Long count, Long &link)
+{
+    for (; count > 0; --count, ++link) {
+        index.source[link] = index.destination[link] = node;
+        index.ids[link] = -1;
+    }
+}
+
 /** Numbers nodes and links and lists every link as stale. */
 void number(DataBase &db, NetworkIndex &index)
 {
@@ -55,10 +65,10 @@ void number(DataBase &db, NetworkIndex &index)
         stored->number = node++;
     }
     Long link = 0;
-    Long position = 0;
     for (node = 0; node < index.nbNodes; ++node) {
         const Long id = index.nodeIds[node];
         index.firstIn[node] = link;
+        leaveVacant(index, node, index.spare, link);
         for (const Long from : inUse(db.nodeVec.cont[id]->inNeighb)) {
             DBLink *stored = linkAt(db.linkTab, from, id);
             stored->number = link;
@@ -66,23 +76,27 @@ void number(DataBase &db, NetworkIndex &index)
             index.links[link] = stored;
             index.ids[link] = stored->id;
             index.source[link] = db.nodeVec.cont[from]->number;
-            index.destination[link] = node;
-            index.staleClasses[link] = ClassTypes::all();
-            index.stale[link] = link;
-            index.byColor[link] = link;
-            ++link;
+            index.destination[link++] = node;
         }
     }
     index.firstIn[index.nbNodes] = link;
+    leaveVacant(index, 0, 1, link);
+    Long position = 0;
     for (node = 0; node < index.nbNodes; ++node) {
         const Long id = index.nodeIds[node];
         index.firstOut[node] = position;
+        for (Long vacant = index.spare; vacant > 0; --vacant)
+            index.outLinks[position++] = {node, index.noLink()};
         for (const Long to : inUse(db.nodeVec.cont[id]->outNeighb))
             index.outLinks[position++] = {db.nodeVec.cont[to]->number,
                                           linkAt(db.linkTab, id, to)->number};
     }
     index.firstOut[index.nbNodes] = position;
-    index.nbStale = link;
+    index.outLinks[position] = {0, index.noLink()};
+    for (link = 0; link < index.nbLinks; ++link) {
+        index.byColor[link] = link;
+        markStale(index, link, ClassTypes::all());
+    }
 }
 
 /** How many nodes, `start` included, are reached from it along links or, if not `forward`, against
@@ -111,45 +125,41 @@ Long countReached(const NetworkIndex &index, Long start, bool forward, std::span
     return static_cast<Long>(reached);
 }
 
-/** Finds out whether every node that has links reaches every other one; false without memory. */
-bool findConnections(NetworkIndex &index)
+/** Finds out whether every node that has links reaches every other one. */
+bool areConnected(const NetworkIndex &index, std::span<Long> mark, std::span<Long> queue)
 {
     Long linked = 0;
+    Long start = 0;
     for (Long node = 0; node < index.nbNodes; ++node) {
-        const bool hasLinks = index.firstIn[node] < index.firstIn[node + 1] ||
-                              index.firstOut[node] < index.firstOut[node + 1];
-        linked += hasLinks ? 1 : 0;
+        if (!hasLinks(index, node))
+            continue;
+        ++linked;
+        start = node;
     }
-    if (linked == 0)
-        return true;
-    const Owned<LongVec, longVecDestroy> mark{longVecNew(index.nbNodes)};
-    const Owned<LongVec, longVecDestroy> queue{longVecNew(index.nbNodes)};
-    if (!mark || !queue)
-        return false;
-    const Long start = index.destination[0];
-    index.isConnected =
-        countReached(index, start, true, slots(*mark), 1, slots(*queue)) == linked &&
-        countReached(index, start, false, slots(*mark), 2, slots(*queue)) == linked;
-    return true;
+    std::ranges::fill(mark, 0);
+    return linked > 0 && countReached(index, start, true, mark, 1, queue) == linked &&
+           countReached(index, start, false, mark, 2, queue) == linked;
 }
 
 bool build(DataBase &db, NetworkIndex &index, int lowestLevel)
 {
-    endIndex(index); // an attempt before may have ended half way
+    const Long spare = index.spare;
+    endBackupIndex(db.backups); // its numbers are no longer those of the links
+    endIndex(index);            // an attempt before may have ended half way
+    index.spare = spare;
     index.lowestLevel = lowestLevel;
+    index.nbLinks = 1;
     for (const DBNode *node : slots(db.nodeVec)) {
         index.nbNodes += node ? 1 : 0;
-        index.nbLinks += node ? node->inNeighb.top : 0;
+        index.nbLinks += node ? node->inNeighb.top + spare : 0;
     }
     index.block = mycalloc(1, layOut(index, nullptr));
     if (!index.block)
         return false;
     layOut(index, index.block);
+    index.isCurrent = true;
     number(db, index);
-    index.isCurrent = findConnections(index);
-    if (!index.isCurrent)
-        endIndex(index);
-    return index.isCurrent;
+    return true;
 }
 
 /** What decides whether a primary fits, in one class type with the levels up to some. */
@@ -187,10 +197,26 @@ void refreshColor(NetworkIndex &index, Long number)
     index.isOrderedByColor = false;
 }
 
+/** Makes a vacant number one that fits nothing. */
+void refreshVacant(NetworkIndex &index, Long number)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (int oa = 0; oa < MAXOA; ++oa) {
+        index.figures[oa][number] = {};
+        index.pieces[oa][number] = 0;
+        for (int p = index.lowestLevel; p < MAXPL; ++p) {
+            index.fits[oa][p][number] = index.exceeds[oa][p][number] = -infinity;
+            index.maybeOverfull[p][number] = ClassTypes::all();
+        }
+    }
+    index.staleClasses[number] = {};
+}
+
 /** Works the figures of one class type of a link out anew. */
 void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
 {
     DBLink &link = *index.links[number];
+    index.needy.set(oa, index.needy.has(oa) || mayNeed(link.summary, oa));
     const LinkNeeds needs = failureNeedsOf(db, link, oa);
     Occupancy now{link.state.cap[oa], 0.0, 0.0, 0.0, needs.magnitude};
     for (int p = 0; p < MAXPL; ++p) {
@@ -210,14 +236,28 @@ void refresh(const DataBase &db, NetworkIndex &index, Long number, int oa)
 
 } // namespace
 
-void markStale(NetworkIndex &index, const DBLink &link, ClassTypes classes)
+void markStale(NetworkIndex &index, Long number, ClassTypes classes)
 {
     if (!index.isCurrent || classes.isEmpty())
         return;
-    ClassTypes &stale = index.staleClasses[link.number];
+    ClassTypes &stale = index.staleClasses[number];
     if (stale.isEmpty())
-        index.stale[index.nbStale++] = link.number;
+        index.stale[index.nbStale++] = number;
     stale = stale | classes;
+}
+
+void markStale(NetworkIndex &index, const DBLink &link, ClassTypes classes)
+{
+    markStale(index, link.number, classes);
+}
+
+bool hasLinks(const NetworkIndex &index, Long node)
+{
+    const Long end = index.firstIn[node + 1];
+    const OutLink *first = index.outLinks + index.firstOut[node];
+    const OutLink *last = index.outLinks + index.firstOut[node + 1];
+    return (end > index.firstIn[node] && index.links[end - 1]) ||
+           (last > first && last[-1].link != index.noLink());
 }
 
 bool numberNetwork(DataBase &db) { return db.index.isCurrent || build(db, db.index, MAXPL - 1); }
@@ -228,8 +268,13 @@ bool bringUpToDate(DataBase &db, int level)
     const bool isUsable = index.isCurrent && index.lowestLevel <= level;
     if (!isUsable && !build(db, index, level))
         return false;
+    assert(followsNetwork(db));
     Long kept = 0;
     for (const Long number : std::span{index.stale, static_cast<std::size_t>(index.nbStale)}) {
+        if (!index.links[number]) {
+            refreshVacant(index, number);
+            continue;
+        }
         for (const int oa : index.staleClasses[number])
             refresh(db, index, number, oa);
         refreshColor(index, number);
@@ -243,30 +288,70 @@ bool bringUpToDate(DataBase &db, int level)
     return true;
 }
 
+bool followsNetwork(const DataBase &db)
+{
+    const NetworkIndex &index = db.index;
+    Long nbLinks = 0;
+    for (Long node = 0; node < index.nbNodes; ++node) {
+        const DBNode &stored = *db.nodeVec.cont[index.nodeIds[node]];
+        Long in = index.firstIn[node];
+        while (in < index.firstIn[node + 1] && !index.links[in])
+            ++in;
+        Long out = index.firstOut[node];
+        while (out < index.firstOut[node + 1] && index.outLinks[out].link == index.noLink())
+            ++out;
+        const bool isWhole = stored.number == node &&
+                             index.firstIn[node + 1] - in == stored.inNeighb.top &&
+                             index.firstOut[node + 1] - out == stored.outNeighb.top;
+        if (!isWhole)
+            return false;
+        for (const Long from : inUse(stored.inNeighb)) {
+            const DBLink *link = linkAt(db.linkTab, from, stored.id);
+            if (link != index.links[in] || link->number != in || link->id != index.ids[in] ||
+                index.destination[in] != node || index.nodeIds[index.source[in]] != from)
+                return false;
+            ++in;
+            ++nbLinks;
+        }
+        for (const Long to : inUse(stored.outNeighb)) {
+            const auto [entered, link] = index.outLinks[out++];
+            if (index.nodeIds[entered] != to ||
+                index.links[link] != linkAt(db.linkTab, stored.id, to))
+                return false;
+        }
+    }
+    return nbLinks == db.nbLinks;
+}
+
 Reach reachOf(NetworkIndex &index, Long node)
 {
-    if (index.isConnected)
+    if (index.isExplored && index.isConnected)
         return Reach::usual;
-    Reach &reach = index.reach[node];
-    if (reach != Reach::unknown)
-        return reach;
+    if (index.isExplored && index.reach[node] != Reach::unknown)
+        return index.reach[node];
     const auto nbNodes = static_cast<std::size_t>(index.nbNodes);
     auto *room = static_cast<Long *>(workspaceOf(index, 2 * nbNodes * sizeof(Long)));
     if (!room)
         return Reach::unknown;
     const std::span mark{room, nbNodes};
     const std::span queue{room + nbNodes, nbNodes};
+    if (!index.isExplored) {
+        std::fill_n(index.reach, nbNodes, Reach::unknown);
+        index.isConnected = areConnected(index, mark, queue);
+        index.isExplored = true;
+        if (index.isConnected)
+            return Reach::usual;
+    }
     std::ranges::fill(mark, 0);
     const Long count = countReached(index, node, true, mark, 1, queue);
     const auto reached = queue.first(static_cast<std::size_t>(count));
-    // Node numbers ascend by id, and so do the links into a node.
+    // Node numbers ascend by id, and so do the links into a node, behind the vacant ones.
     const Long largest = *std::ranges::max_element(reached);
     const bool isOdd = std::ranges::any_of(reached, [&](Long to) {
         const Long end = index.firstIn[to + 1];
         return end > index.firstIn[to] && index.source[end - 1] > largest;
     });
-    reach = isOdd ? Reach::odd : Reach::usual;
-    return reach;
+    return index.reach[node] = isOdd ? Reach::odd : Reach::usual;
 }
 
 std::span<const Long> linksOfColor(NetworkIndex &index, Long color)

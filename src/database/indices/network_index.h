@@ -3,7 +3,9 @@
  * link the figures that decide, in nearly every case, whether a primary fits.
  *
  * Numbers: nodes ascend by id; links ascend by destination and then source, so the links into a
- * node stand together.
+ * node stand together. Numbers that links have left are vacant, and so are the places in
+ * `outLinks`; they stand before the others of their node and lead from it to itself, over a link
+ * that fits nothing, so that searches need not know them. The last number is always vacant.
  *
  * - `fits`: a primary of up to this bandwidth surely fits.
  * - `exceeds`: one of this bandwidth or more surely does not. Between the two, which are the link's
@@ -63,12 +65,15 @@ enum class Reach : unsigned char {
 /** The index of one database; owns its block, borrows the links. */
 struct NetworkIndex {
     bool isCurrent;
+    bool isExplored;  ///< whether `isConnected` and `reach` hold
     bool isConnected; ///< whether every node that has links reaches every other one
     bool isOrderedByColor;
     bool hasUntabledLinks; ///< whether an id is too large for any table: asking about such a link
                            ///< reports something
+    ClassTypes needy;      ///< where some link that was not stale has, or had, needy slots
+    Long spare;            ///< vacant numbers that each node gets when the index is made
     Long nbNodes;
-    Long nbLinks;
+    Long nbLinks;                 ///< link numbers, the vacant ones among them
     Long *nodeIds;                ///< node ids by node number
     Long *firstIn;                ///< by node: its first link; the next node's is one past its last
     Long *ids;                    ///< by link: its id
@@ -81,7 +86,7 @@ struct NetworkIndex {
     std::uint32_t lastStamp;      ///< none of the visits has a larger one
     Long *colors;                 ///< by link
     Long *byColor;                ///< links by colour, if `isOrderedByColor`
-    DBLink_ **links;              ///< by link number
+    DBLink_ **links;              ///< by link number; null where it is vacant
     LinkFigures *figures[MAXOA];  ///< by link number
     unsigned char *pieces[MAXOA]; ///< by link: the piece of the link cost that its load lies on
     int lowestLevel;            ///< the next three tables are there for the levels from this one on
@@ -96,6 +101,9 @@ struct NetworkIndex {
     void *block;     ///< counted block that holds all the tables; null before the first search
     void *workspace; ///< counted block that searches use in turn
     std::size_t workspaceBytes;
+
+    /** The number that no link ever has. */
+    Long noLink() const { return nbLinks - 1; }
 };
 
 /** The figures of a stored link no longer hold in some class types. */
@@ -108,8 +116,19 @@ void markStale(NetworkIndex &index, const DBLink_ &link, ClassTypes classes);
  * `level` on; false without memory. */
 [[nodiscard]] bool bringUpToDate(DataBase_ &db, int level = MAXPL - 1);
 
+/** Lists a link number as stale in some class types. */
+void markStale(NetworkIndex &index, Long number, ClassTypes classes);
+
+/** Whether there are links into or out of a node. */
+bool hasLinks(const NetworkIndex &index, Long node);
+
+/** Whether the numbers, and what leads from one to the other, are those of the books; for debug
+ * builds. */
+[[nodiscard]] bool followsNetwork(const DataBase_ &db);
+
 /** Finds out what the nodes are like that a node reaches; unknown without memory. Costs a pass over
- * their links the first time, unless the network is connected; takes the workspace for it. */
+ * all links after a change of topology, and over theirs the first time unless the network is
+ * connected; takes the workspace for it. */
 [[nodiscard]] Reach reachOf(NetworkIndex &index, Long node);
 
 /** The links of a colour. After colours have changed the first question costs a sort. */

@@ -81,10 +81,34 @@ inline const DBNode *nodeEntered(const DataBase &db, Long k)
     return exists ? nodeAt(db.nodeVec, slotOf(db.linkDstVec, k) - 1) : nullptr;
 }
 
-/** The ids of the links into a node, in the order of its neighbours. */
+/** The ids of the links into a node, in the order of its neighbours; -1 among them for vacant
+ * numbers. */
 inline std::span<const Long> linksInto(const NetworkIndex &index, const DBNode &node)
 {
     return {index.ids + index.firstIn[node.number], index.ids + index.firstIn[node.number + 1]};
+}
+
+/** Raises `largest` by the failure of a node, as if link `without` did not enter it. */
+template <class Tables>
+void raiseByNode(const DataBase &db, const Tables &tables, int oa, const DBNode &node, Long without,
+                 Needs &largest)
+{
+    const auto unlessLeftOut = [without](Long id) { return id != without ? id : -1; };
+    const auto neighbours = inUse(node.inNeighb);
+    if (db.index.isCurrent)
+        return raiseByRow(tables, oa, linksInto(db.index, node), unlessLeftOut, largest);
+
+    // Their ids are looked up once rather than level by level, for all but the largest nodes.
+    const auto linkFrom = [&](Long from) {
+        const DBLink *link = linkAt(db.linkTab, from, node.id);
+        return link ? unlessLeftOut(link->id) : -1;
+    };
+    std::array<Long, 64> links;
+    if (neighbours.size() > links.size())
+        return raiseByRow(tables, oa, neighbours, linkFrom, largest);
+    const auto end = std::ranges::transform(neighbours, links.begin(), linkFrom).out;
+    const auto itself = [](Long link) { return link; };
+    raiseByRow(tables, oa, {links.begin(), end}, itself, largest);
 }
 
 /** Raises `largest` by the failure of link k and by that of the node it enters. */
@@ -96,21 +120,7 @@ void raiseByFailuresOf(const DataBase &db, const Tables &tables, int oa, Long k,
         return;
     const auto itself = [](Long link) { return link; };
     raiseByRow(tables, oa, std::array{k}, itself, largest);
-
-    // Their ids are looked up once rather than level by level, for all but the largest nodes.
-    const NetworkIndex &index = db.index;
-    const auto neighbours = inUse(node->inNeighb);
-    if (index.isCurrent)
-        return raiseByRow(tables, oa, linksInto(index, *node), itself, largest);
-    const auto linkFrom = [&](Long from) {
-        const DBLink *link = linkAt(db.linkTab, from, node->id);
-        return link ? link->id : -1;
-    };
-    std::array<Long, 64> links;
-    if (neighbours.size() > links.size())
-        return raiseByRow(tables, oa, neighbours, linkFrom, largest);
-    const auto end = std::ranges::transform(neighbours, links.begin(), linkFrom).out;
-    raiseByRow(tables, oa, {links.begin(), end}, itself, largest);
+    raiseByNode(db, tables, oa, *node, -1, largest);
 }
 
 /** Where the needy slots of one state are found: listed for a stored link, else in the tables. */

@@ -89,6 +89,36 @@ bool keepsLargest(const DataBase &db, const StateTables &present, const Effect &
     return areBelow(lowered, summary.largest[oa]);
 }
 
+bool followFailing(const DataBase &db, DBLink &link, int oa, Long failing, LinkEvent event)
+{
+    LinkSummary &summary = link.summary;
+    const DBNode *node = nodeEntered(db, failing);
+    if (!summary.isTrusted || !node)
+        return true;
+    if (summary.needy[oa].top == 0)
+        return false;
+    const StateTables tables = tablesOf(link.state);
+    Needs with{};
+    Needs without{};
+    raiseByFailuresOf(db, tables, oa, failing, with);
+    raiseByNode(db, tables, oa, *node, failing, without);
+    const Needs &before = event == LinkEvent::comes ? without : with;
+    const Needs &after = event == LinkEvent::comes ? with : without;
+    const bool isItsOwnNode = nodeEntered(db, link.id) == node;
+    if (!isItsOwnNode && std::ranges::equal(before, after))
+        return false;
+    bringToTopology(summary, db.topology);
+    Needs &largest = summary.largest[oa];
+    const bool isKept = summary.known.has(oa) && areBelow(before, largest);
+    if (isKept && areBelow(after, largest))
+        return true;
+    forget(summary, ClassTypes::only(oa));
+    for (int p = 0; p < MAXPL; ++p)
+        largest[p] = std::max(largest[p], after[p]);
+    summary.known.set(oa, isKept);
+    return true;
+}
+
 LinkNeeds failureNeedsOf(const DataBase &db, DBLink &link, int oa)
 {
     LinkNeeds needs{};

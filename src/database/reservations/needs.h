@@ -30,6 +30,18 @@ void presentLargest(const DataBase &db, const StateTables &tables, LinkSummary *
 bool keepsLargest(const DataBase &db, const StateTables &present, const Effect &effect, int oa,
                   const LinkSummary &summary);
 
+/** What becomes of a link. */
+enum class LinkEvent : unsigned char { comes, goes };
+
+/**
+ * Has the largest needs that are known of a stored link follow link `failing`, which comes or goes
+ * and is in the books: they are raised by rows that it changes, or forgotten where one of those may
+ * have been the largest.
+ *
+ * @return false when nothing changes that is needed on the link
+ */
+bool followFailing(const DataBase &db, DBLink &link, int oa, Long failing, LinkEvent event);
+
 /**
  * What single failures need on a stored link in one class type: at each level, counting the levels
  * up to it, and at least 0.

@@ -56,6 +56,21 @@ inline void bringToTopology(LinkSummary &summary, Long present)
     summary.topology = present;
 }
 
+/** Whether what the link is known to need in a class type may change with the topology. Of a state
+ * that may be written from outside nothing is known for longer than a search. */
+inline bool mayNeed(const LinkSummary &summary, int oa)
+{
+    return summary.isTrusted ? summary.needy[oa].top > 0 : !summary.isExposed;
+}
+
+/** Forgets what is known of some class types and not of the tables alone. */
+inline void forget(LinkSummary &summary, ClassTypes classes)
+{
+    summary.known = summary.known.without(classes);
+    summary.settled = summary.settled.without(classes);
+    summary.neverOverfull = summary.neverOverfull.without(classes);
+}
+
 /** Makes the summary of a state that was handed in. */
 void summarize(LinkSummary &summary, const DBLinkState &state);
 

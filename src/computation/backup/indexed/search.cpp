@@ -74,7 +74,8 @@ IndexedBackupSearch::~IndexedBackupSearch()
         return;
     askOnOwnHops(false);
     for (Long position = 0; isLooped && position < db.backups.nbLinks; ++position)
-        db.backups.isAsked[position] = !hasReliableFigures(db.backups, position);
+        db.backups.isAsked[position] =
+            !db.backups.isVacant[position] && !hasReliableFigures(db.backups, position);
 }
 
 IndexedBackupSearch::Service IndexedBackupSearch::offer()
@@ -92,6 +93,10 @@ IndexedBackupSearch::Service IndexedBackupSearch::offer()
     pricing.begin();
     if (!db.backups.idsLeadToLinks || !doAllAddUp(db.backups))
         return Service::impossible;
+    for (const BackupDemand &demand : demands.all()) {
+        if (!listCarriers(db, demand.oa, path))
+            return Service::noMemory;
+    }
     askOnOwnHops(true);
     isServing = true;
     return Service::possible;
@@ -147,7 +152,7 @@ Long IndexedBackupSearch::positionBetween(Long src, Long dst) const
 
 int IndexedBackupSearch::prepare()
 {
-    if (db.backups.nbIds > db.backups.nbLinks)
+    if (db.linkSrcVec.top > db.nbLinks)
         reportFreeIds(db);
     return 0;
 }
@@ -161,7 +166,10 @@ void IndexedBackupSearch::protect(std::span<const Long> stretch)
     pricing.protect(stretch);
 }
 
-void IndexedBackupSearch::allowAll() { std::fill_n(isForbidden, db.backups.nbLinks, false); }
+void IndexedBackupSearch::allowAll()
+{
+    std::copy_n(db.backups.isVacant, db.backups.nbLinks, isForbidden);
+}
 
 int IndexedBackupSearch::forbidLink(Long src, Long dst)
 {

@@ -190,9 +190,10 @@ Verdict LinkAppraisal::settle(Long link)
 
 bool LinkAppraisal::ask(Long link, double (&gain)[MAXOA])
 {
-    DBLink &stored = *index.links[link];
-    return isValidRequestLink(&db, index.nodeIds[index.source[link]],
-                              index.nodeIds[index.destination[link]], &stored.state, &req, gain);
+    DBLink *stored = index.links[link];
+    return stored &&
+           isValidRequestLink(&db, index.nodeIds[index.source[link]],
+                              index.nodeIds[index.destination[link]], &stored->state, &req, gain);
 }
 
 template <class Add>
@@ -269,7 +270,7 @@ GeneralTerms LinkAppraisal::generalTerms() const
         forEachTermOf(oa, 0, [&count](double) { ++count; });
         const double balance = weights.loadBal[oa];
         terms.classes[terms.nbClasses++] = {weights.Fortz != 0.0, balance != 0.0, count,
-                                            balance / static_cast<double>(index.nbLinks)};
+                                            balance / static_cast<double>(db.nbLinks)};
         terms.balanced.set(oa, balance != 0.0);
         terms.perLink += count;
     }
