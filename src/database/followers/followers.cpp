@@ -94,14 +94,12 @@ void followNode(DataBase &db) { dropIndices(db); }
 void followNewLink(DataBase &db, DBLink &link, Long src, Long dst, bool isWhole)
 {
     summarize(link.summary, link.state);
-    if (!isWhole || !db.index.isCurrent) {
+    const bool mayFollow = isWhole && db.index.isCurrent;
+    const bool isNumbered = mayFollow && numberLink(db, link, src, dst);
+    if (!isNumbered || !followOnOthers(db, link.id, LinkEvent::comes))
         dropIndices(db);
-    } else if (!numberLink(db, link, src, dst)) {
-        dropIndices(db);
+    if (mayFollow && !isNumbered)
         db.index.spare = 1; // there is a next one, perhaps
-    } else if (!followOnOthers(db, link.id, LinkEvent::comes)) {
-        dropIndices(db);
-    }
     if (isWhole)
         listCarriersOf(db.carriers, link);
     else
