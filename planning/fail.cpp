@@ -188,8 +188,7 @@ std::vector<std::size_t> FailureStudy::State::brokenBy(const Failure &failure) c
     for (const LinkId link : failure.links)
         broken.insert(broken.end(), over[link.index()].begin(), over[link.index()].end());
     std::ranges::sort(broken);
-    const auto rest = std::ranges::unique(broken);
-    broken.erase(rest.begin(), rest.end());
+    broken.erase(std::unique(broken.begin(), broken.end()), broken.end());
     return broken;
 }
 
