@@ -386,8 +386,9 @@ protected:
             request->path.top = 3;
             COST = 0.0;
             if (i % 4 == 0) // so the stamps come to their end
-                db->index.lastStamp = std::max(db->index.lastStamp,
-                                               std::numeric_limits<std::uint32_t>::max() - i % 3);
+                db->index.lastStamp =
+                    std::max(db->index.lastStamp, std::numeric_limits<std::uint32_t>::max() -
+                                                      static_cast<std::uint32_t>(i % 3));
             EXPECT_EQ(computePrimaryPath(db, request.get()), path.empty() ? -1 : 0);
             EXPECT_EQ(idsIn(request->path), path);
             EXPECT_EQ(COST, path.empty() ? 0.0 : end.info.cost);

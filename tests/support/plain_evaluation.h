@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
-#include <ranges>
 #include <set>
 #include <tuple>
 
@@ -215,8 +214,8 @@ struct PlainNetwork {
                 return [&tables, at](Long k, std::size_t p) { return at(tables[p], k); };
             };
             const std::vector<double> largest =
-                tarnex::planning::largestNeeds(std::views::values(isEmpty ? none : failures), MAXPL,
-                                               in(state.bbw[oa]), in(state.fbw[oa]));
+                tarnex::planning::largestNeeds(isEmpty ? none : failures, MAXPL, in(state.bbw[oa]),
+                                               in(state.fbw[oa]), &Failures::value_type::second);
             for (std::size_t p = 0; p < MAXPL; ++p)
                 state.rbw[oa][p] = state.pbw[oa][p] + largest[p] - (p > 0 ? largest[p - 1] : 0.0);
         }
