@@ -120,8 +120,8 @@ void exchangeState(DataBase &db, DBLink &link, DBLinkState &other)
 {
     unlistCarriersOf(db.carriers, link);
     std::swap(link.state, other);
+    summarize(link.summary, link.state); // says at which levels there are slots
     listCarriersOf(db.carriers, link);
-    summarize(link.summary, link.state);
     markLink(db, link, ClassTypes::all());
 }
 

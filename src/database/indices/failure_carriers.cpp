@@ -108,11 +108,33 @@ bool mark(FailureCarriers &carriers, Long id, Long linkId)
     return true;
 }
 
+/** The levels at which a link may have slots that are not 0, ascending. */
+class LevelsInUse
+{
+public:
+    LevelsInUse(const LinkSummary &summary, int oa)
+        : rest(summary.isTrusted ? summary.levels[oa] : allLevels)
+    {
+    }
+
+    bool isEmpty() const { return rest == 0; }
+    int takeFirst()
+    {
+        const int p = std::countr_zero(rest);
+        rest &= rest - 1;
+        return p;
+    }
+
+private:
+    unsigned rest;
+};
+
 /** Calls `visit(slot, value)` for the slots of a link that are not 0, until it returns false. */
 template <class Visit>
 bool forEachSlot(const DBLink &link, int oa, Visit visit)
 {
-    for (int p = 0; p < MAXPL; ++p) {
+    for (LevelsInUse levels{link.summary, oa}; !levels.isEmpty();) {
+        const int p = levels.takeFirst();
         for (const FailureTable kind : bothTables) {
             const DoubleVec &table = tableOf(link.state, kind, oa, p);
             const Long end = std::min(table.size, maxListedIds);
@@ -129,7 +151,8 @@ bool forEachSlot(const DBLink &link, int oa, Visit visit)
 /** Lists what a link has for a failure in one kind of table; false without memory. */
 bool listSlots(CarrierList &list, const DBLink &link, int oa, Long id, FailureTable kind)
 {
-    for (int p = 0; p < MAXPL; ++p) {
+    for (LevelsInUse levels{link.summary, oa}; !levels.isEmpty();) {
+        const int p = levels.takeFirst();
         const double value = slotOf(tableOf(link.state, kind, oa, p), id);
         if (value != 0.0 && !add(list, {link.id, p}, value))
             return false;
