@@ -2,7 +2,8 @@
  * Prints what the engine takes beside what a user would write without it on Boost.Graph: primary
  * requests with admission, backups, admission and removal of given paths, the price of class types
  * and levels, requests of other kinds, and memory. With --quick it only shows that it works, with
- * --requests or --kinds it prints the primary requests or those of other kinds alone.
+ * --requests, --kinds or --changes it prints the primary requests, those of other kinds or what
+ * changes of links cost alone.
  *
  * Both sides get the same network, the same LSPs in place and the same sequence of demands, in
  * which the faster side gets further. The load is steady: each LSP placed replaces the oldest. A

@@ -7,25 +7,30 @@
 #include <bit>
 #include <cstddef>
 
-/** A set of class types, in one byte; zeroed, it is empty. Iterated, it gives them ascending. */
-struct ClassTypes {
+/** A set of numbers below `size`, in one byte; zeroed, it is empty. Iterated, it gives them
+ * ascending. */
+template <class Tag, int size>
+struct SmallSet {
     unsigned char bits;
 
-    static_assert(MAXOA <= 8);
+    static_assert(size <= 8);
 
-    /** The set of one class type. */
-    static constexpr ClassTypes only(int oa) { return of(1U << oa); }
+    /** The set of one number. */
+    static constexpr SmallSet only(int number) { return of(1U << number); }
     /** The set of all. */
-    static constexpr ClassTypes all() { return of((1U << MAXOA) - 1U); }
+    static constexpr SmallSet all() { return of((1U << size) - 1U); }
 
     bool isEmpty() const { return bits == 0; }
-    bool has(int oa) const { return (bits >> oa & 1U) != 0; }
+    bool has(int number) const { return (bits >> number & 1U) != 0; }
     int count() const { return std::popcount(bits); }
-    void set(int oa, bool isMember) { *this = isMember ? *this | only(oa) : without(only(oa)); }
+    void set(int number, bool isMember)
+    {
+        *this = isMember ? *this | only(number) : without(only(number));
+    }
 
-    bool operator==(const ClassTypes &other) const = default;
-    ClassTypes operator|(ClassTypes others) const { return of(bits | others.bits); }
-    ClassTypes without(ClassTypes others) const { return of(bits & ~unsigned{others.bits}); }
+    bool operator==(const SmallSet &other) const = default;
+    SmallSet operator|(SmallSet others) const { return of(bits | others.bits); }
+    SmallSet without(SmallSet others) const { return of(bits & ~unsigned{others.bits}); }
 
     /** Position in an iteration. */
     struct Iterator {
@@ -47,12 +52,12 @@ struct ClassTypes {
     Iterator end() const { return {0}; }
 
 private:
-    static constexpr ClassTypes of(unsigned bits) { return {static_cast<unsigned char>(bits)}; }
+    static constexpr SmallSet of(unsigned bits) { return {static_cast<unsigned char>(bits)}; }
 };
 
-/** A set of preemption levels: a bit for each. */
-using Levels = unsigned char;
-inline constexpr Levels allLevels = 0xff;
-static_assert(MAXPL <= 8);
+/** A set of class types. */
+using ClassTypes = SmallSet<struct ClassTypeTag, MAXOA>;
+/** A set of preemption levels. */
+using Levels = SmallSet<struct LevelTag, MAXPL>;
 
 #endif

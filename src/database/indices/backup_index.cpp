@@ -22,8 +22,8 @@ std::size_t layOut(BackupIndex &index, void *block)
 {
     Layout layout{block};
     layout.place(index.positionOfId, index.nbIds);
-    for (Long *BackupIndex::*table : {&BackupIndex::positionOf, &BackupIndex::idOf,
-                                      &BackupIndex::destination, &BackupIndex::stale})
+    for (Long *BackupIndex::*table :
+         {&BackupIndex::positionOf, &BackupIndex::destination, &BackupIndex::stale})
         layout.place(index.*table, index.nbLinks);
     layout.place(index.links, index.nbLinks);
     layout.place(index.overfull, index.nbLinks);
@@ -72,12 +72,11 @@ Long positionAt(const NetworkIndex &network, Long number)
     return position;
 }
 
-/** Takes over what is known by link number. */
+/** Takes over where the link of a number stands. */
 void takeNumber(const NetworkIndex &network, BackupIndex &index, Long number)
 {
-    const DBLink *link = network.links[number];
-    index.positionOf[number] = link ? positionAt(network, number) : network.noLink();
-    index.idOf[number] = link ? link->id : maxSlots;
+    index.positionOf[number] =
+        network.links[number] ? positionAt(network, number) : network.noLink();
 }
 
 /** Gives the links their positions and lists every one as stale. */
@@ -146,7 +145,7 @@ bool refresh(const DataBase &db, BackupIndex &index, Long position)
     index.overfull[position] = {};
     for (int oa = 0; oa < MAXOA; ++oa) {
         const bool isUnreserved = areZero(state.pbw[oa]) && areZero(state.rbw[oa]);
-        if (isUnreserved && !index.figures[oa] && summary && summary->levels[oa] == 0) {
+        if (isUnreserved && !index.figures[oa] && summary && summary->levels[oa].isEmpty()) {
             index.overfull[position].set(oa, 0.0 > state.cap[oa]);
             continue;
         }

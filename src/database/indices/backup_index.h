@@ -46,7 +46,6 @@ struct BackupIndex {
     Long nbIds;                    ///< ids with a position
     Long *positionOfId;            ///< position by link id, -1 without a link
     Long *positionOf;              ///< position by link number
-    Long *idOf;                    ///< link id by link number; of a vacant one that of no table
     Long *destination;             ///< by position: node number
     DBLink_ **links;               ///< by position; null where it is vacant
     bool *isVacant;                ///< by position

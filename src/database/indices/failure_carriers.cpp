@@ -108,33 +108,17 @@ bool mark(FailureCarriers &carriers, Long id, Long linkId)
     return true;
 }
 
-/** The levels at which a link may have slots that are not 0, ascending. */
-class LevelsInUse
+/** The levels at which a link may have slots that are not 0. */
+Levels levelsInUse(const LinkSummary &summary, int oa)
 {
-public:
-    LevelsInUse(const LinkSummary &summary, int oa)
-        : rest(summary.isTrusted ? summary.levels[oa] : allLevels)
-    {
-    }
-
-    bool isEmpty() const { return rest == 0; }
-    int takeFirst()
-    {
-        const int p = std::countr_zero(rest);
-        rest &= rest - 1;
-        return p;
-    }
-
-private:
-    unsigned rest;
-};
+    return summary.isTrusted ? summary.levels[oa] : Levels::all();
+}
 
 /** Calls `visit(slot, value)` for the slots of a link that are not 0, until it returns false. */
 template <class Visit>
 bool forEachSlot(const DBLink &link, int oa, Visit visit)
 {
-    for (LevelsInUse levels{link.summary, oa}; !levels.isEmpty();) {
-        const int p = levels.takeFirst();
+    for (const int p : levelsInUse(link.summary, oa)) {
         for (const FailureTable kind : bothTables) {
             const DoubleVec &table = tableOf(link.state, kind, oa, p);
             const Long end = std::min(table.size, maxListedIds);
@@ -151,8 +135,7 @@ bool forEachSlot(const DBLink &link, int oa, Visit visit)
 /** Lists what a link has for a failure in one kind of table; false without memory. */
 bool listSlots(CarrierList &list, const DBLink &link, int oa, Long id, FailureTable kind)
 {
-    for (LevelsInUse levels{link.summary, oa}; !levels.isEmpty();) {
-        const int p = levels.takeFirst();
+    for (const int p : levelsInUse(link.summary, oa)) {
         const double value = slotOf(tableOf(link.state, kind, oa, p), id);
         if (value != 0.0 && !add(list, {link.id, p}, value))
             return false;

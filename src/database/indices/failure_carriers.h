@@ -78,11 +78,12 @@ struct FailureCarriers {
     CarrierList *lists[MAXOA]; ///< two by id of the failing link
     Long nbIds[MAXOA];         ///< ids that there are lists for
 
-    /** The slots of failing link `id` in class type `oa`, if it is listed. */
+    /** The slots of failing link `id`, -1 for none, in class type `oa`, if it is listed. */
     const CarrierList &of(int oa, Long id, FailureTable table) const
     {
         static constexpr CarrierList none{};
-        return id < nbIds[oa] ? lists[oa][2 * id + static_cast<Long>(table)] : none;
+        const bool hasLists = id >= 0 && id < nbIds[oa];
+        return hasLists ? lists[oa][2 * id + static_cast<Long>(table)] : none;
     }
     bool isListed(int oa, Long id) const { return of(oa, id, FailureTable::backup).isListed; }
 };

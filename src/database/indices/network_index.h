@@ -76,7 +76,7 @@ struct NetworkIndex {
     Long nbLinks;                 ///< link numbers, the vacant ones among them
     Long *nodeIds;                ///< node ids by node number
     Long *firstIn;                ///< by node: its first link; the next node's is one past its last
-    Long *ids;                    ///< by link: its id
+    Long *ids;                    ///< by link: its id; -1 where it is vacant
     Long *source;                 ///< by link: node number of its source
     Long *destination;            ///< by link: node number of its destination
     Long *firstOut;               ///< by node: position of its first out-link in `outLinks`

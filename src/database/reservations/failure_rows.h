@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <span>
 
 /** The failure tables of a state; its summary, if it can be trusted, says which levels they use. */
@@ -29,10 +28,7 @@ struct OverlaidTables {
     StateTables present;
     const Effect &effect;
 
-    Levels levels(int oa) const
-    {
-        return static_cast<Levels>(present.levels(oa) | 1U << effect.level);
-    }
+    Levels levels(int oa) const { return present.levels(oa) | Levels::only(effect.level); }
     void addTo(NeedSum &sum, int oa, int p, Long k) const
     {
         NeedSum value{present.backup(oa, p, k), present.freed(oa, p, k)};
@@ -60,18 +56,20 @@ void raiseByRow(const Tables &tables, int oa, std::span<const Long> items, LinkO
                 Needs &largest)
 {
     NeedSum sum{};
-    for (unsigned levels = tables.levels(oa); levels != 0;) {
-        const int p = std::countr_zero(levels);
-        levels &= levels - 1;
+    int raised = 0;
+    const auto raiseBelow = [&](int level) {
+        for (; raised < level; ++raised)
+            largest[raised] = std::max(largest[raised], sum.backup - sum.freed);
+    };
+    for (const int p : tables.levels(oa)) {
+        raiseBelow(p);
         for (const Long item : items) {
             const Long link = linkOf(item);
             if (link >= 0)
                 tables.addTo(sum, oa, p, link);
         }
-        const int next = levels != 0 ? std::countr_zero(levels) : MAXPL;
-        for (int from = p; from < next; ++from)
-            largest[from] = std::max(largest[from], sum.backup - sum.freed);
     }
+    raiseBelow(MAXPL);
 }
 
 /** The node that link `k` enters; null when there is no such link. */

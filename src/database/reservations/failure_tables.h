@@ -52,7 +52,7 @@ struct StateTables {
     const DoubleVec (*fbw)[MAXPL];
     const Levels *used = nullptr; ///< by class type: all slots of other levels are 0; null: unknown
 
-    Levels levels(int oa) const { return used ? used[oa] : allLevels; }
+    Levels levels(int oa) const { return used ? used[oa] : Levels::all(); }
 
     double backup(int oa, int p, Long k) const { return slotOf(bbw[oa][p], k); }
     double freed(int oa, int p, Long k) const { return slotOf(fbw[oa][p], k); }

@@ -72,12 +72,13 @@ bool followChangesOf(LongList &needy, const StateTables &tables, const Effect &e
 /** The levels at which a table holds anything. */
 Levels levelsUsed(const StateTables &tables, int oa)
 {
-    unsigned used = 0;
-    for (int p = 0; p < MAXPL; ++p) {
-        for (const DoubleVec *table : {&tables.bbw[oa][p], &tables.fbw[oa][p]})
-            used |= nextUsedSlot(*table, 0, table->size) < table->size ? 1U << p : 0U;
-    }
-    return static_cast<Levels>(used);
+    const auto isUsed = [](const DoubleVec &table) {
+        return nextUsedSlot(table, 0, table.size) < table.size;
+    };
+    Levels used{};
+    for (int p = 0; p < MAXPL; ++p)
+        used.set(p, isUsed(tables.bbw[oa][p]) || isUsed(tables.fbw[oa][p]));
+    return used;
 }
 
 /** Stops using what the summary says. */
@@ -123,7 +124,7 @@ void followEffect(LinkSummary &summary, const DBLinkState &state, const Effect &
 {
     for (int oa = 0; oa < MAXOA && summary.isTrusted; ++oa) {
         if (effect.changes(oa))
-            summary.levels[oa] |= static_cast<Levels>(1U << effect.level);
+            summary.levels[oa].set(effect.level, true);
         if (effect.changes(oa) && !followChangesOf(summary.needy[oa], tablesOf(state), effect, oa))
             distrust(summary);
     }

@@ -93,7 +93,7 @@ void FailureNeeds::addRow(Long first, Long end, Long failing)
 /** What the failure of a link changes, by its number. */
 const CarrierList &FailureNeeds::carriersOf(Long link, FailureTable table) const
 {
-    return db.carriers.of(demand.oa, db.backups.idOf[link], table);
+    return db.carriers.of(demand.oa, db.index.ids[link], table);
 }
 
 /** A bit for each level at which one of the links may have a carrier. */
