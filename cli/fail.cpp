@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <tuple>
 
 namespace tarnex::cli
@@ -38,19 +39,14 @@ Cell countOf(const planning::Amount &amount, Tone tone = Tone::plain)
     return {number(amount.number), amount.number > 0 ? tone : Tone::plain};
 }
 
-/** Positions of the failures, the one that loses most first. */
-std::vector<std::size_t> worstFirst(const Tried &tried)
+/** The positions of records, those with the largest keys first; equal ones in their order. */
+template <class Record, class Key>
+std::vector<std::size_t> largestFirst(const std::vector<Record> &records, Key keyOf)
 {
-    std::vector<std::size_t> order(tried.effects.size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i] = i;
-    std::ranges::stable_sort(order, [&](std::size_t a, std::size_t b) {
-        const FailureEffect &one = tried.effects[a];
-        const FailureEffect &other = tried.effects[b];
-        return std::tuple{one.all.lost.bandwidth, one.overloads.size(), one.all.hit.bandwidth} >
-               std::tuple{other.all.lost.bandwidth, other.overloads.size(),
-                          other.all.hit.bandwidth};
-    });
+    std::vector<std::size_t> order(records.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, std::ranges::greater{},
+                             [&](std::size_t i) { return keyOf(records[i]); });
     return order;
 }
 
@@ -69,7 +65,11 @@ Table failuresOf(const Tried &tried, std::size_t shown)
                             {"ended", "end there"},
                             {"overloads", "links too full"}},
                 .shown = shown};
-    for (const std::size_t i : worstFirst(tried)) {
+    const auto harmOf = [](const FailureEffect &effect) {
+        return std::tuple{effect.all.lost.bandwidth, effect.overloads.size(),
+                          effect.all.hit.bandwidth};
+    };
+    for (const std::size_t i : largestFirst(tried.effects, harmOf)) {
         const auto &[all, levels, lsps, overloads] = tried.effects[i];
         table.rows.push_back(
             {tried.failures[i].name, std::string{nameOf(tried.failures[i].kind)},
@@ -167,11 +167,6 @@ Table distributionOf(const Tried &tried)
 
 Table linksOf(const Plan &plan, const Tried &tried, std::size_t shown)
 {
-    std::vector<std::size_t> order(tried.worst.size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i] = i;
-    std::ranges::stable_sort(order, std::ranges::greater{},
-                             [&](std::size_t i) { return tried.worst[i].worst; });
     Table table{.key = "links",
                 .title = "Links that get fullest",
                 .columns = {{"link", "link"},
@@ -180,11 +175,12 @@ Table linksOf(const Plan &plan, const Tried &tried, std::size_t shown)
                             {"worst", "worst"},
                             {"failure", "when this fails"}},
                 .shown = shown};
-    for (const std::size_t i : order) {
+    const auto worstOf = [](const WorstUse &use) { return use.worst; };
+    for (const std::size_t i : largestFirst(tried.worst, worstOf)) {
         const WorstUse &use = tried.worst[i];
         auto &row = table.rows.emplace_back();
         row = {planning::nameOf(plan.network, LinkId{static_cast<std::int32_t>(i)}),
-               plan.network.classes[static_cast<std::size_t>(use.classType)], Ratio{use.normal},
+               plan.network.classes[static_cast<std::size_t>(use.classType)], Ratio{use.before},
                Cell{Ratio{use.worst}, use.worst > 1.0 + 1e-9 ? Tone::bad : Tone::plain}};
         if (use.failure < tried.failures.size())
             row.emplace_back(tried.failures[use.failure].name);

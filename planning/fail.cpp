@@ -111,7 +111,7 @@ FailureStudy::State::State(const Plan &borrowed) : plan(borrowed)
         for (std::size_t c = 0; c < network.classes.size(); ++c) {
             const double full = share(normal[i][c], network.links[i].capacity[c]);
             if (full > worst[i].worst)
-                worst[i] = {full, full, static_cast<int>(c), ~std::size_t{0}};
+                worst[i] = {full, full, static_cast<int>(c), full, ~std::size_t{0}};
         }
 }
 
@@ -204,7 +204,8 @@ void FailureStudy::State::compare(FailureEffect &effect)
             WorstUse &most = worst[link.index()];
             const bool isMore = full > most.worst * (1.0 + tolerance);
             if (isMore)
-                most = {most.normal, full, static_cast<int>(c), nbTried};
+                most = {most.normal, full, static_cast<int>(c),
+                        share(normal[link.index()][c], capacities[c]), nbTried};
             const bool isNew = carried > normal[link.index()][c] * (1.0 + tolerance);
             if (isNew && carried > capacities[c] * (1.0 + tolerance))
                 effect.overloads.push_back({link, static_cast<int>(c), carried, capacities[c]});

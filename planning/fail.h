@@ -51,11 +51,12 @@ struct FailureEffect {
     std::vector<Overload> overloads;             ///< by link and class type
 };
 
-/** The fullest that a link gets. */
+/** The fullest that a link gets: what it carries over its capacity, in its fullest class type. */
 struct WorstUse {
-    double normal = 0.0; ///< carried without a failure, over the capacity, in its class type
-    double worst = 0.0;  ///< likewise with one, or without if that is more
-    int classType = 0;   ///< in which `worst` is reached
+    double normal = 0.0;                   ///< without a failure
+    double worst = 0.0;                    ///< with one, or without if that is more
+    int classType = 0;                     ///< in which `worst` is reached
+    double before = 0.0;                   ///< without a failure, in that class type
     std::size_t failure = ~std::size_t{0}; ///< the first of those with it, by number; none: normal
 };
 

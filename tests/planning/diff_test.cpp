@@ -17,12 +17,9 @@ namespace
 
 Plan somePlan(std::uint32_t seed)
 {
-    Draw draw{seed};
-    const Network network = randomNetwork(draw, {});
-    Progress progress;
     PlanOptions options;
-    options.protection.assign(network.levels.size(), Scheme::localOrGlobal);
-    return place(network, randomDemands(draw, network, 80), options, progress);
+    options.protection.assign(3, Scheme::localOrGlobal);
+    return planOf(seed, options);
 }
 
 /** The same plan with nodes, links and demands numbered the other way round; demands that are told

@@ -131,6 +131,14 @@ Plan randomPlan(Draw &draw)
     return tarnex::planning::place(network, demands, options, progress);
 }
 
+Plan planOf(std::uint32_t seed, const PlanOptions &options)
+{
+    Draw draw{seed};
+    const Network network = randomNetwork(draw, {});
+    planning::Progress progress;
+    return planning::place(network, randomDemands(draw, network, 80), options, progress);
+}
+
 std::string textOf(const Plan &plan)
 {
     std::ostringstream out;

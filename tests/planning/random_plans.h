@@ -47,6 +47,9 @@ tarnex::PlanOptions randomOptions(Draw &draw, const tarnex::Network &network);
 /** 120 demands placed on a network, on any terms. */
 tarnex::Plan randomPlan(Draw &draw);
 
+/** 80 demands of a seed placed on a network of that seed. */
+tarnex::Plan planOf(std::uint32_t seed, const tarnex::PlanOptions &options);
+
 /** Everything that a plan says, to the bit. */
 std::string textOf(const tarnex::Plan &plan);
 
