@@ -6,14 +6,11 @@
 #include "books.h"
 #include "call.h"
 #include "room.h"
+#include "sentences.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <limits>
 #include <new>
-#include <system_error>
 
 namespace tarnex
 {
@@ -43,16 +40,6 @@ namespace inside
 namespace
 {
 
-std::string node(Long id) { return "node " + std::to_string(id); }
-
-std::string fromTo(Long from, Long to) { return "from " + node(from) + " to " + node(to); }
-
-Refusal refusal(Reason reason, std::string sentence)
-{
-    return {
-        .reason = reason, .sentence = std::move(sentence), .largestBandwidth = 0.0, .inTheWay = {}};
-}
-
 /** " for 250 at level 2", with the class type where there are several. */
 std::string wanted(const Session &session, const Request &request)
 {
@@ -60,27 +47,6 @@ std::string wanted(const Session &session, const Request &request)
     if (session.options.classTypes > 1)
         text += " of class type " + std::to_string(request.classType);
     return text + " at level " + std::to_string(request.level);
-}
-
-/** A number in at most 12 digits, none of which says more than there is. */
-std::string roundedDown(double number)
-{
-    constexpr int digits = 12;
-    for (const double about : {number, number * (1.0 - 1e-12)}) {
-        std::array<char, 32> text{};
-        const auto end = std::to_chars(text.data(), text.data() + text.size(), about,
-                                       std::chars_format::general, digits);
-        double rounded = 0.0;
-        if (std::from_chars(text.data(), end.ptr, rounded).ec == std::errc{} && rounded <= number)
-            return textOf(rounded);
-    }
-    return textOf(number);
-}
-
-/** How a sentence ends that has told what does not fit. */
-std::string whatFits(const std::optional<double> &largest)
-{
-    return largest ? "; " + roundedDown(*largest) + " would fit." : "; nothing would fit.";
 }
 
 /** Takes whatever a placement reports. */
@@ -123,35 +89,7 @@ std::optional<double> placeable(const Session &session, const Request &request,
     return largest ? lastHoldingBelow(*largest, holds) : std::nullopt;
 }
 
-/** Whether some path leads from a node to one of others over links that may be used. */
-template <class MayUse>
-bool connects(const DataBase &db, Long start, std::span<const Long> targets, MayUse mayUse)
-{
-    std::vector<bool> isReached(static_cast<std::size_t>(db.nodeVec.top));
-    std::vector<Long> queue{start};
-    isReached[static_cast<std::size_t>(start)] = true;
-    for (std::size_t i = 0; i < queue.size(); ++i) {
-        const Long from = queue[i];
-        if (std::ranges::find(targets, from) != targets.end())
-            return true;
-        for (const Long to : inUse(nodeAt(db.nodeVec, from)->outNeighb)) {
-            if (isReached[static_cast<std::size_t>(to)] || !mayUse(from, to))
-                continue;
-            isReached[static_cast<std::size_t>(to)] = true;
-            queue.push_back(to);
-        }
-    }
-    return false;
-}
-
 } // namespace
-
-std::string textOf(double number)
-{
-    std::array<char, 32> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-    return {text.data(), end};
-}
 
 std::optional<Refusal> refusedEnds(const Session &session, const Request &request)
 {
@@ -215,47 +153,6 @@ Refusal whyNoRoomOn(const Session &session, const Request &request, std::span<co
     result.largestBandwidth = largest.value_or(0.0);
     result.sentence += whatFits(largest);
     return result;
-}
-
-Refusal whyNoLocalBackup(const Session &session, const DBLabelSwitchedPath &primary,
-                         std::size_t hop)
-{
-    const auto path = inUse(primary.path);
-    const Long from = path[hop];
-    const Long to = path[hop + 1];
-    const bool isConnected = connects(*session.db, from, path.subspan(hop + 1),
-                                      [&](Long a, Long b) { return a != from || b != to; });
-    const std::string link =
-        "the link " + fromTo(from, to) + " of LSP " + std::to_string(primary.id);
-    if (isConnected)
-        return refusal(Reason::noRoomForDisjointPath,
-                       "No path around " + link + " has room for a backup.");
-    return refusal(Reason::noDisjointPath, "No path leads around " + link + ".");
-}
-
-Refusal whyNoGlobalBackup(const Session &session, const DBLabelSwitchedPath &primary)
-{
-    const auto path = inUse(primary.path);
-    const bool isConnected =
-        connects(*session.db, path.front(), path.last(1), [&](Long from, Long to) {
-            const auto at = std::ranges::find(path.first(path.size() - 1), from);
-            return at == path.end() - 1 || *(at + 1) != to;
-        });
-    const std::string ends =
-        fromTo(path.front(), path.back()) + " beside LSP " + std::to_string(primary.id);
-    if (isConnected)
-        return refusal(Reason::noRoomForDisjointPath,
-                       "No path " + ends + " has room for a backup.");
-    return refusal(Reason::noDisjointPath, "No path leads " + ends + ".");
-}
-
-Refusal whyNoRoomForBackup(const Lsp &backup)
-{
-    return refusal(Reason::noRoomForDisjointPath,
-                   "The path " +
-                       fromTo(backup.path.nodes.front().value, backup.path.nodes.back().value) +
-                       " has no room for a backup of LSP " +
-                       std::to_string(backup.protects.primary.value) + ".");
 }
 
 } // namespace inside

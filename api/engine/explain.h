@@ -28,19 +28,6 @@ enum class Origin { given, found };
 Refusal whyNoRoomOn(const Session &session, const Request &request, std::span<const Long> path,
                     Origin origin, bool inFull);
 
-/** Why the link of a primary's path that leaves node `hop` of it got no local backup. */
-Refusal whyNoLocalBackup(const Session &session, const DBLabelSwitchedPath &primary,
-                         std::size_t hop);
-
-/** Why a primary got no global backup. */
-Refusal whyNoGlobalBackup(const Session &session, const DBLabelSwitchedPath &primary);
-
-/** Why a given backup was refused. */
-Refusal whyNoRoomForBackup(const Lsp &backup);
-
-/** A number with as few digits as lead back to it. */
-std::string textOf(double number);
-
 } // namespace tarnex::inside
 
 #endif

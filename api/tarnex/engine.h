@@ -72,8 +72,10 @@ public:
     /** The same, but nothing changes; the id in the result is invalid if the request names none. */
     Result<Placement> propose(const Request &request);
     /** Computes backups for a primary and sets them up, all or none; their ids are the next ones
-     * never used or, if `firstId` is valid, the ones from there on. */
-    Result<Protection> protect(LspId primary, Scheme scheme, LspId firstId = {});
+     * never used or, if `firstId` is valid, the ones from there on. They carry the bandwidth of the
+     * primary, or a part of it. */
+    Result<Protection> protect(LspId primary, Scheme scheme, LspId firstId = {},
+                               std::optional<double> bandwidth = {});
     /** Sets up a primary on a given path, which passes no node twice; the request's ends are taken
      * from the path. */
     Result<Placement> add(const Request &request, std::span<const NodeId> path);
@@ -89,7 +91,9 @@ public:
     /** Why a request would get no path, in full even if `explainsRefusals` is off; none when it
      * would get one. */
     std::optional<Refusal> explain(const Request &request);
-    /** Why a primary would get no such backups; none when it would. */
+    /** Why a primary would get no such backups, in full; none when it would. The largest bandwidth
+     * is what of its own could be protected; the links in the way are those of the last backup that
+     * was sought. */
     std::optional<Refusal> explainProtection(LspId primary, Scheme scheme);
 
     // --- reading back ---

@@ -39,12 +39,12 @@ struct Refusal {
     std::string sentence; ///< for people; names ids, and what would fit in at most 12 digits
     /**
      * The largest double that would have been placed on the same terms; with the next larger one
-     * the request is refused as well. 0 also when not even 0 would be placed, when no bandwidth
-     * would help, and for backups, whose room follows from the LSP that they protect.
+     * the request is refused as well. For backups what of the LSP's own they could have carried.
+     * 0 also when not even 0 would be placed and when no bandwidth would help. Of backups only
+     * Engine::explainProtection tells it, and the links in the way.
      */
     double largestBandwidth = 0.0;
-    /** By link id; for a given path its links without room. Empty where no bandwidth would help,
-     * and for backups. */
+    /** By link id; for a given path its links without room. Empty where no bandwidth would help. */
     std::vector<LinkInTheWay> inTheWay;
 };
 

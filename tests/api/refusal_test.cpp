@@ -52,12 +52,39 @@ void expectBoundary(Engine &engine, const Request &request, const Refusal &refus
     }
 }
 
+/** The largest part of an LSP's bandwidth can be protected, more cannot; the links in the way have
+ * room for less, but for all that nothing reserves. */
+void expectLargestPart(Engine &engine, const Lsp &lsp, const Refusal &refusal)
+{
+    EXPECT_LT(refusal.largestBandwidth, lsp.bandwidth) << refusal.sentence;
+    const Scheme scheme = Scheme::localOrGlobal;
+    const double more = std::nextafter(refusal.largestBandwidth, 1e300);
+    EXPECT_FALSE(engine.protect(lsp.id, scheme, {}, more)) << refusal.sentence;
+    if (refusal.largestBandwidth > 0.0) {
+        const auto part = engine.protect(lsp.id, scheme, {}, refusal.largestBandwidth);
+        ASSERT_TRUE(part) << refusal.sentence;
+        EXPECT_EQ(part->backups.front().bandwidth, refusal.largestBandwidth);
+        for (const Lsp &backup : part->backups)
+            engine.remove(backup.id);
+    }
+    for (const LinkInTheWay &inTheWay : refusal.inTheWay) {
+        EXPECT_LT(inTheWay.room, lsp.bandwidth);
+        const LinkUse use = engine.use(inTheWay.link);
+        const auto at = static_cast<std::size_t>(lsp.classType);
+        double free = use.capacity[at];
+        for (std::size_t level = 0; level < use.total[at].size(); ++level)
+            free -= use.total[at][level];
+        EXPECT_GE(inTheWay.room, free - 1e-9 * use.capacity[at]);
+    }
+}
+
 } // namespace
 
 TEST_P(RefusalCertificate, LargestBandwidthFitsAndTheNextDoesNot)
 {
     const Terms &terms = GetParam();
     int refusals = 0;
+    int unprotected = 0;
     for (unsigned seed = 1; seed <= 6; ++seed) {
         SCOPED_TRACE(seed);
         Rng rng{seed};
@@ -74,8 +101,14 @@ TEST_P(RefusalCertificate, LargestBandwidthFitsAndTheNextDoesNot)
             Request request = randomRequest(rng, plan, options);
             request.bandwidth *= terms.unit;
             const auto placed = engine.place(request);
-            if (placed && terms.isProtected)
-                static_cast<void>(engine.protect(placed->id, Scheme::localOrGlobal));
+            if (placed && terms.isProtected && !engine.protect(placed->id, Scheme::localOrGlobal)) {
+                const auto why = engine.explainProtection(placed->id, Scheme::localOrGlobal);
+                ASSERT_TRUE(why);
+                if (why->reason == Reason::noRoomForDisjointPath) {
+                    ++unprotected;
+                    expectLargestPart(engine, engine.lsp(placed->id), *why);
+                }
+            }
             if (placed || placed.refusal().reason != Reason::noRoom)
                 continue;
             ++refusals;
@@ -84,6 +117,7 @@ TEST_P(RefusalCertificate, LargestBandwidthFitsAndTheNextDoesNot)
         }
     }
     EXPECT_GT(refusals, 20);
+    EXPECT_TRUE(unprotected > 20 || !terms.isProtected) << unprotected;
 }
 
 INSTANTIATE_TEST_SUITE_P(Terms, RefusalCertificate,

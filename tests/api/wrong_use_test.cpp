@@ -142,6 +142,8 @@ TEST_F(SmallNetwork, RefusesWrongUseAndChangesNothing)
         {"ids", [&] { static_cast<void>(engine.protect(LspId{5}, Scheme::global, LspId{6})); }},
         {"explains nobody",
          [&] { static_cast<void>(engine.explainProtection(LspId{9}, Scheme::local)); }},
+        {"more than an LSP has",
+         [&] { static_cast<void>(engine.protect(LspId{5}, Scheme::global, {}, 51.0)); }},
         {"removes nobody", [&] { engine.remove(LspId{9}); }},
         {"no use", [&] { static_cast<void>(engine.use(LinkId{4})); }},
         {"no list", [&] { static_cast<void>(engine.lspsOn(LinkId{-1})); }},
@@ -225,7 +227,7 @@ TEST_F(SmallNetwork, TellsWhyThereIsNoBackup)
     EXPECT_EQ(engine.backupsOf(LspId{5}), std::vector{LspId{6}});
     ASSERT_TRUE(engine.add({.bandwidth = 20.0, .level = 3, .id = LspId{7}}, over({1, 2, 3})));
     EXPECT_EQ(reasonFor(LspId{7}, Scheme::global),
-              "No path from node 1 to node 3 beside LSP 7 has room for a backup.");
+              "No path from node 1 to node 3 beside LSP 7 has room for a backup; 10 would fit.");
     EXPECT_EQ(engine.explainProtection(LspId{7}, Scheme::localOrGlobal)->reason,
               Reason::noRoomForDisjointPath);
     const auto refused =

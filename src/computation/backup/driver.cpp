@@ -177,15 +177,21 @@ int computeBackup(DataBase *dataBase, LSPRequestList *reqList, Long lspID, Backu
     DBLabelSwitchedPath *primary = DBgetLSP(dataBase, lspID);
     if (!primary)
         return here.fail("Cannot find lsp ID %ld in %s at line %d", long{lspID});
-    IndexedBackupSearch indexed{*dataBase, *primary, *reqList, type};
+    return computeBackupOf(*dataBase, *reqList, *primary, type);
+}
+
+int computeBackupOf(DataBase &dataBase, LSPRequestList &reqList, DBLabelSwitchedPath &primary,
+                    BackupType type)
+{
+    IndexedBackupSearch indexed{dataBase, primary, reqList, type};
     switch (indexed.offer()) {
     case IndexedBackupSearch::Service::possible:
-        return BackupComputation{*primary, *reqList, type, indexed}.run();
+        return BackupComputation{primary, reqList, type, indexed}.run();
     case IndexedBackupSearch::Service::noMemory:
         return here.fail("Cannot allocate a required structure in %s at line %d");
     case IndexedBackupSearch::Service::impossible:
         break;
     }
-    BackupSearch search{*dataBase, *primary, type};
-    return BackupComputation{*primary, *reqList, type, search}.run();
+    BackupSearch search{dataBase, primary, type};
+    return BackupComputation{primary, reqList, type, search}.run();
 }

@@ -30,4 +30,11 @@
 [[nodiscard]] int computeBackup(DataBase *dataBase, LSPRequestList *reqList, Long lspID,
                                 BackupType type);
 
+/**
+ * The same for a primary that the caller describes: one that is in the database, its bandwidths
+ * replaced by those that the backups are to have.
+ */
+[[nodiscard]] int computeBackupOf(DataBase &dataBase, LSPRequestList &reqList,
+                                  DBLabelSwitchedPath &primary, BackupType type);
+
 #endif
