@@ -8,40 +8,41 @@
 namespace tarnex::formats
 {
 
-namespace
-{
-
-void splitInto(std::vector<std::string_view> &words, std::string_view line)
-{
-    words.clear();
-    std::size_t at = 0;
-    while (true) {
-        while (at < line.size() && isBlank(line[at]))
-            ++at;
-        if (at == line.size())
-            return;
-        const std::size_t start = at;
-        while (at < line.size() && !isBlank(line[at]))
-            ++at;
-        words.push_back(line.substr(start, at - start));
-    }
-}
-
-} // namespace
-
 bool LineReader::next()
 {
     split.clear();
     while (split.empty() && following < text.size()) {
+        const std::size_t start = following;
         const std::size_t end = std::min(text.find('\n', following), text.size());
-        std::string_view line = text.substr(following, end - following);
-        if (commentMark != '\0')
-            line = line.substr(0, line.find(commentMark));
-        splitInto(split, line);
         following = end + 1;
         ++lineNumber;
+        readWords(start, end);
     }
     return !split.empty();
+}
+
+/** Splits the stretch of the text that is a line. */
+void LineReader::readWords(std::size_t at, std::size_t end)
+{
+    const bool isTyped = commentMark != '\0';
+    while (true) {
+        while (at < end && isBlank(text[at]))
+            ++at;
+        if (at == end || (isTyped && text[at] == commentMark))
+            return;
+        const std::size_t start = at;
+        if (isTyped && text[at] == '"') {
+            at = text.find('"', start + 1);
+            if (at >= end)
+                failAt(file, text, start, "expected a \" that closes this one");
+            split.push_back(text.substr(start + 1, at - start - 1));
+            ++at;
+            continue;
+        }
+        while (at < end && !isBlank(text[at]) && !(isTyped && text[at] == commentMark))
+            ++at;
+        split.push_back(text.substr(start, at - start));
+    }
 }
 
 double LineReader::number(std::size_t word, std::string_view what) const

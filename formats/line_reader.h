@@ -14,13 +14,17 @@ namespace tarnex::formats
 class LineReader
 {
 public:
-    /** `comment`: from where on a line is not read; 0: lines are read whole. */
+    /**
+     * `comment`: from where on a line is not read. In files with comments a word may stand between
+     * quotation marks, and may then hold blanks and the comment mark; 0: lines are read whole.
+     */
     LineReader(std::string_view content, std::string fileName, char comment = '\0')
         : text(content), file(std::move(fileName)), commentMark(comment)
     {
     }
 
-    /** Goes to the next line that has words; false at the end of the text. */
+    /** Goes to the next line that has words; false at the end of the text. InputError when a
+     * quotation mark is not closed. */
     bool next();
 
     /** The words of the line. */
@@ -38,6 +42,8 @@ public:
     [[noreturn]] void fail(std::size_t word, const std::string &problem) const;
 
 private:
+    void readWords(std::size_t at, std::size_t end);
+
     std::string_view text;
     std::string file;
     char commentMark;

@@ -86,6 +86,8 @@ const std::vector<Damage> damages{
     {Format::text, text + "node 1 C\n", "input:4:6: there is a node 1 already"},
     {Format::text, text + "levels 0 1 2 3 4 5 6 7 8\n", "input: 9 levels, at most 8 are possible"},
     {Format::text, text + "demand 1 A B c 0 5\n", "input:4: no class is called 'c' (a, b)"},
+    {Format::text, text + "node 2 \"C D\nnode 3 E\"\n",
+     "input:4:8: expected a \" that closes this one"},
     {Format::text, " \n", "input: the file is empty"},
     {Format::text, text + "nodes 1",
      "input:4:1: unknown statement 'nodes' (unit, classes, levels, node, link or demand)"},
