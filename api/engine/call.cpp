@@ -13,6 +13,12 @@ namespace tarnex::inside
 CoreRequest::CoreRequest(const Request &request, LspId id)
     : CoreRequest(request, id, std::array{request.ingress.value, Long{-1}, request.egress.value})
 {
+    for (const LinkId link : request.avoid) {
+        if (longVecPushBack(&record.forbidLinks, link.value) != 0) {
+            lspRequestEnd(&record);
+            throw std::bad_alloc{};
+        }
+    }
 }
 
 CoreRequest::CoreRequest(const Request &request, LspId id, std::span<const Long> path)

@@ -174,6 +174,7 @@ Result<Placement> Engine::add(const Request &request, std::span<const NodeId> pa
     State &session = live();
     const inside::Turn turn{session};
     Request wanted = inside::checked(session, request);
+    wanted.avoid = {};
     const std::vector<Long> nodes = inside::checkedPath(session, path);
     wanted.ingress = path.front();
     wanted.egress = path.back();

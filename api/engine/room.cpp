@@ -35,7 +35,8 @@ int levelFor(const Request &request) { return request.mayPreempt ? request.level
 
 LinkRooms::LinkRooms(const Session &session, const Request &request, std::span<const Long> path)
     : db(*session.db), asked(openOrGiven(request, path)), oa(request.classType),
-      level(levelFor(request)), isGiven(!path.empty())
+      level(levelFor(request)), avoid(path.empty() ? request.avoid : std::span<const LinkId>{}),
+      isGiven(!path.empty())
 {
     if (!bringUpToDate(*session.db, level))
         throw std::bad_alloc{};
@@ -57,8 +58,15 @@ bool LinkRooms::isDoubtedByOthers(Long link) const
     return !db.index.maybeOverfull[level][link].without(ClassTypes::only(oa)).isEmpty();
 }
 
+bool LinkRooms::isAvoided(Long link) const
+{
+    return std::ranges::find(avoid, LinkId{db.index.ids[link]}) != avoid.end();
+}
+
 double LinkRooms::sure(Long link) const
 {
+    if (isAvoided(link))
+        return -1.0;
     if (!tarnexConfig.predicateConfig.capacityClause)
         return largestDouble;
     return isDoubtedByOthers(link) ? -1.0 : db.index.fits[oa][level][link];
@@ -147,7 +155,7 @@ bool Walk::run(Uses uses)
 
 bool Walk::connects()
 {
-    return run([](Long) { return true; });
+    return run([this](Long link) { return !rooms.isAvoided(link); });
 }
 
 bool Walk::reaches(double bandwidth)
@@ -161,7 +169,7 @@ std::vector<LinkInTheWay> Walk::boundary()
     for (Long link = 0; link < index.nbLinks; ++link) {
         const bool leads = via[static_cast<std::size_t>(index.source[link])] != notReached &&
                            via[static_cast<std::size_t>(index.destination[link])] == notReached;
-        if (leads)
+        if (leads && !rooms.isAvoided(link))
             links.push_back({LinkId{index.links[link]->id}, rooms.roomOnItsOwn(link)});
     }
     std::ranges::sort(links, {}, &LinkInTheWay::link);

@@ -29,6 +29,8 @@ public:
 
     /** Whether a link, by number, takes a bandwidth. */
     bool takes(Long link, double bandwidth);
+    /** Whether the request avoids a link. */
+    bool isAvoided(Long link) const;
     /** A bandwidth that a link surely takes; below 0 when none is known. */
     double sure(Long link) const;
     /**
@@ -51,6 +53,7 @@ private:
     CoreRequest asked;
     const int oa;
     const int level;
+    const std::span<const LinkId> avoid; ///< nothing for a given path
     double gain[MAXOA] = {}; ///< what has to give way for the bandwidth asked about last
     const bool isGiven;      ///< on a given path the figures of the index do not decide
 };

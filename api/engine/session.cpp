@@ -192,6 +192,7 @@ void Turn::configureFor(const Request &request) const
     weights.rerouting[oa] = isPriced && request.mayPreempt && request.bandwidth > 0.0 ? 1.0 : 0.0;
     std::ranges::copy(prices, tarnexConfig.reroutingConfig.scoreCoef[oa]);
     tarnexConfig.predicateConfig.allowReroute = request.mayPreempt;
+    tarnexConfig.predicateConfig.colorClause = !request.avoid.empty();
 }
 
 void Turn::configureForBackups() const

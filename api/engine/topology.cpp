@@ -83,6 +83,7 @@ void Engine::addLink(const LinkSpec &link)
     if (!linkState)
         throw std::bad_alloc{};
     std::ranges::transform(link.capacity, linkState->cap, [](double cap) { return cap + 0.0; });
+    linkState->color = link.id.value; // by which requests avoid it
     DataBase &db = *session.db;
     if (DBaddLink(&db, link.id.value, link.from.value, link.to.value, linkState.get()) == 0)
         return;

@@ -30,6 +30,8 @@ struct Request {
     int level = 0;           ///< 0 is the most important
     bool mayPreempt = false; ///< whether LSPs of less important levels may have to give way
     LspId id{};              ///< for the LSP; invalid: the engine takes the next one never used
+    std::span<const LinkId> avoid{}; ///< links that a path that is sought must not use; borrowed,
+                                     ///< those that are not there are no matter
 };
 
 /** A way through the network. */

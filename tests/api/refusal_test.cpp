@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace tarnex::test
@@ -36,10 +37,19 @@ void expectLargest(Engine &engine, const Request &request, const Refusal &refusa
     EXPECT_FALSE(engine.propose(asked)) << refusal.sentence;
 }
 
+/** Whether some of the links are to be avoided. */
+template <class Links, class Proj = std::identity>
+bool meet(const Links &links, std::span<const LinkId> avoided, Proj linkOf = {})
+{
+    return std::ranges::any_of(
+        links, [&](LinkId link) { return std::ranges::count(avoided, link) > 0; }, linkOf);
+}
+
 /** The links in the way separate the ends, none has the room, and room is the largest there. */
 void expectBoundary(Engine &engine, const Request &request, const Refusal &refusal)
 {
     EXPECT_TRUE(std::ranges::is_sorted(refusal.inTheWay, {}, &LinkInTheWay::link));
+    EXPECT_FALSE(meet(refusal.inTheWay, request.avoid, &LinkInTheWay::link));
     for (const LinkInTheWay &inTheWay : refusal.inTheWay) {
         EXPECT_LT(inTheWay.room, request.bandwidth);
         const LinkUse use = engine.use(inTheWay.link);
@@ -100,7 +110,12 @@ TEST_P(RefusalCertificate, LargestBandwidthFitsAndTheNextDoesNot)
         for (int step = 0; step < 120; ++step) {
             Request request = randomRequest(rng, plan, options);
             request.bandwidth *= terms.unit;
+            std::vector<LinkId> avoided;
+            for (int n = randomInt(rng, 4); n > 0; --n)
+                avoided.emplace_back(anyOf(rng, plan.links).id);
+            request.avoid = avoided;
             const auto placed = engine.place(request);
+            EXPECT_TRUE(!placed || !meet(placed->path.links, avoided));
             if (placed && terms.isProtected && !engine.protect(placed->id, Scheme::localOrGlobal)) {
                 const auto why = engine.explainProtection(placed->id, Scheme::localOrGlobal);
                 ASSERT_TRUE(why);
