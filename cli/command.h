@@ -44,6 +44,7 @@ std::unique_ptr<Command> makeExplain();
 std::unique_ptr<Command> makeVerify();
 std::unique_ptr<Command> makeDiff();
 std::unique_ptr<Command> makeFail();
+std::unique_ptr<Command> makeMerge();
 std::unique_ptr<Command> makeBench();
 std::unique_ptr<Command> makeConvert();
 std::unique_ptr<Command> makeHelp();

@@ -14,12 +14,17 @@ using Maker = std::unique_ptr<Command> (*)();
 
 const std::vector<std::pair<std::string, Maker>> &makers()
 {
-    static const std::vector<std::pair<std::string, Maker>> all{
-        {"show", makeShow},       {"place", makePlace},
-        {"explain", makeExplain}, {"verify", makeVerify},
-        {"diff", makeDiff},       {"fail", makeFail},
-        {"bench", makeBench},     {"convert", makeConvert},
-        {"help", makeHelp},       {"completion", makeCompletion}};
+    static const std::vector<std::pair<std::string, Maker>> all{{"show", makeShow},
+                                                                {"place", makePlace},
+                                                                {"explain", makeExplain},
+                                                                {"verify", makeVerify},
+                                                                {"diff", makeDiff},
+                                                                {"fail", makeFail},
+                                                                {"merge", makeMerge},
+                                                                {"bench", makeBench},
+                                                                {"convert", makeConvert},
+                                                                {"help", makeHelp},
+                                                                {"completion", makeCompletion}};
     return all;
 }
 

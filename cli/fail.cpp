@@ -1,19 +1,21 @@
-#include "planning/fail.h"
-
 #include "cli/command.h"
 #include "cli/errors.h"
+#include "cli/failure_tables.h"
 #include "cli/input.h"
 #include "cli/interrupt.h"
 #include "cli/output.h"
+#include "cli/part_file.h"
+#include "cli/progress.h"
 #include "cli/text.h"
-#include "planning/names.h"
+#include "formats/digest.h"
+#include "formats/text_of_file.h"
+#include "planning/sweep.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
-#include <numeric>
-#include <tuple>
+#include <filesystem>
+#include <optional>
 
 namespace tarnex::cli
 {
@@ -21,214 +23,29 @@ namespace tarnex::cli
 namespace
 {
 
-using planning::BrokenLsps;
-using planning::Failure;
-using planning::FailureEffect;
 using planning::FailureSet;
-using planning::WorstUse;
+using planning::FailureTally;
+using planning::Reroute;
+using planning::TriedFailure;
 
-/** Failures that were tried, in order, and what they did. */
-struct Tried {
-    std::vector<Failure> failures;
-    std::vector<FailureEffect> effects;
-    std::vector<WorstUse> worst; ///< by link
+/** "3/8": the third of eight. */
+planning::Shard shardFrom(const std::string &text)
+{
+    const std::vector<std::string> pieces = split(text, '/');
+    if (pieces.size() != 2)
+        throw UsageError(fmt::format("--shard {}: expected I/N, as 3/8 for the third of 8", text));
+    const planning::Shard shard{wholeNumberFrom(pieces[0], "--shard", 1) - 1,
+                                wholeNumberFrom(pieces[1], "--shard", 1)};
+    if (shard.number >= shard.of)
+        throw UsageError(fmt::format("--shard {}: expected I/N with I from 1 to N", text));
+    return shard;
+}
+
+/** What is to fail, and its name in the header of a part. */
+struct Sets {
+    planning::FailureList failures;
+    std::string name;
 };
-
-Cell countOf(const planning::Amount &amount, Tone tone = Tone::plain)
-{
-    return {number(amount.number), amount.number > 0 ? tone : Tone::plain};
-}
-
-/** The positions of records, those with the largest keys first; equal ones in their order. */
-template <class Record, class Key>
-std::vector<std::size_t> largestFirst(const std::vector<Record> &records, Key keyOf)
-{
-    std::vector<std::size_t> order(records.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::ranges::stable_sort(order, std::ranges::greater{},
-                             [&](std::size_t i) { return keyOf(records[i]); });
-    return order;
-}
-
-Table failuresOf(const Tried &tried, std::size_t shown)
-{
-    Table table{.key = "failures",
-                .title = "Failures, the worst first",
-                .columns = {{"failure", "failure"},
-                            {"kind", "of"},
-                            {"hit", "LSPs hit"},
-                            {"hitBandwidth", "bandwidth"},
-                            {"local", "by local backups"},
-                            {"global", "by a global one"},
-                            {"lost", "lost"},
-                            {"lostBandwidth", "bandwidth"},
-                            {"ended", "end there"},
-                            {"overloads", "links too full"}},
-                .shown = shown};
-    const auto harmOf = [](const FailureEffect &effect) {
-        return std::tuple{effect.all.lost.bandwidth, effect.overloads.size(),
-                          effect.all.hit.bandwidth};
-    };
-    for (const std::size_t i : largestFirst(tried.effects, harmOf)) {
-        const auto &[all, levels, lsps, overloads] = tried.effects[i];
-        table.rows.push_back(
-            {tried.failures[i].name, std::string{nameOf(tried.failures[i].kind)},
-             number(all.hit.number), Bandwidth{all.hit.bandwidth}, number(all.local.number),
-             number(all.global.number), countOf(all.lost, Tone::bad), Bandwidth{all.lost.bandwidth},
-             number(all.ended.number),
-             Cell{number(overloads.size()), overloads.empty() ? Tone::plain : Tone::bad}});
-    }
-    return table;
-}
-
-Facts verdictOn(const Tried &tried)
-{
-    std::size_t nbLosing = 0;
-    std::size_t nbOverloading = 0;
-    std::size_t nbBroken = 0;
-    for (std::size_t i = 0; i < tried.effects.size(); ++i) {
-        const bool overloads = !tried.effects[i].overloads.empty();
-        nbLosing += tried.effects[i].all.lost.number > 0 ? 1 : 0;
-        nbOverloading += overloads ? 1 : 0;
-        nbBroken += overloads && tried.failures[i].isSingle() ? 1 : 0;
-    }
-    const auto bad = [](std::size_t count) {
-        return Cell{number(count), count > 0 ? Tone::bad : Tone::good};
-    };
-    return {"verdict",
-            "",
-            {{"failures", "failures tried", number(tried.effects.size())},
-             {"losing", "with LSPs lost", bad(nbLosing)},
-             {"overloading", "with links too full after the switch", bad(nbOverloading)},
-             {"promisesBroken", "those of one link or node among them", bad(nbBroken)}}};
-}
-
-Table levelsOf(const Plan &plan, const Tried &tried)
-{
-    Table table{.key = "levels",
-                .title = "LSPs hit, over all failures",
-                .columns = {{"level", "level"},
-                            {"hit", "hit"},
-                            {"local", "by local backups"},
-                            {"global", "by a global one"},
-                            {"lost", "lost"},
-                            {"ended", "end there"},
-                            {"survival", "carried on"}}};
-    const auto add = [&](const std::string &name, const BrokenLsps &broken) {
-        const std::size_t carriable = broken.hit.number - broken.ended.number;
-        auto &row = table.rows.emplace_back();
-        row = {name,
-               number(broken.hit.number),
-               number(broken.local.number),
-               number(broken.global.number),
-               countOf(broken.lost, Tone::bad),
-               number(broken.ended.number)};
-        if (carriable > 0)
-            row.emplace_back(Ratio{1.0 - static_cast<double>(broken.lost.number) /
-                                             static_cast<double>(carriable)});
-        else
-            row.emplace_back();
-    };
-    BrokenLsps all;
-    for (std::size_t level = 0; level < plan.network.levels.size(); ++level) {
-        BrokenLsps sum;
-        for (const FailureEffect &effect : tried.effects)
-            sum += effect.levels[level];
-        add(plan.network.levels[level], sum);
-        all += sum;
-    }
-    add("all", all);
-    return table;
-}
-
-/** How many links are filled up to what, without a failure and in the worst case. */
-Table distributionOf(const Tried &tried)
-{
-    constexpr std::size_t nbSteps = 10;
-    std::vector<std::array<std::size_t, 2>> counts(nbSteps + 1);
-    const auto stepOf = [](double full) {
-        return full > 1.0 + 1e-9 ? nbSteps
-                                 : std::min(static_cast<std::size_t>(full * nbSteps), nbSteps - 1);
-    };
-    for (const WorstUse &use : tried.worst) {
-        ++counts[stepOf(use.normal)][0];
-        ++counts[stepOf(use.worst)][1];
-    }
-    Table table{.key = "distribution",
-                .title = "Links by use, in their fullest class",
-                .columns = {{"use", "use"}, {"normal", "without failure"}, {"worst", "worst"}}};
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        const std::string range =
-            i == nbSteps ? "over 100 %" : fmt::format("{} to {} %", 10 * i, 10 * (i + 1));
-        table.rows.push_back({range, number(counts[i][0]), number(counts[i][1])});
-    }
-    return table;
-}
-
-Table linksOf(const Plan &plan, const Tried &tried, std::size_t shown)
-{
-    Table table{.key = "links",
-                .title = "Links that get fullest",
-                .columns = {{"link", "link"},
-                            {"class", "class"},
-                            {"normal", "without failure"},
-                            {"worst", "worst"},
-                            {"failure", "when this fails"}},
-                .shown = shown};
-    const auto worstOf = [](const WorstUse &use) { return use.worst; };
-    for (const std::size_t i : largestFirst(tried.worst, worstOf)) {
-        const WorstUse &use = tried.worst[i];
-        auto &row = table.rows.emplace_back();
-        row = {planning::nameOf(plan.network, LinkId{static_cast<std::int32_t>(i)}),
-               plan.network.classes[static_cast<std::size_t>(use.classType)], Ratio{use.before},
-               Cell{Ratio{use.worst}, use.worst > 1.0 + 1e-9 ? Tone::bad : Tone::plain}};
-        if (use.failure < tried.failures.size())
-            row.emplace_back(tried.failures[use.failure].name);
-        else
-            row.emplace_back();
-    }
-    return table;
-}
-
-Table overloadsOf(const Plan &plan, const Tried &tried, std::size_t shown)
-{
-    Table table{.key = "overloads",
-                .title = "Links too full after the switch",
-                .columns = {{"failure", "failure"},
-                            {"link", "link"},
-                            {"class", "class"},
-                            {"use", "use"},
-                            {"capacity", "capacity"}},
-                .shown = shown};
-    for (std::size_t i = 0; i < tried.effects.size(); ++i)
-        for (const planning::Overload &overload : tried.effects[i].overloads)
-            table.rows.push_back(
-                {tried.failures[i].name, planning::nameOf(plan.network, overload.link),
-                 plan.network.classes[static_cast<std::size_t>(overload.classType)],
-                 Bandwidth{overload.use}, Bandwidth{overload.capacity}});
-    return table;
-}
-
-Table lostOf(const Plan &plan, const Tried &tried, std::size_t shown)
-{
-    Table table{.key = "lost",
-                .title = "LSPs lost",
-                .columns = {{"failure", "failure"},
-                            {"demand", "demand"},
-                            {"level", "level"},
-                            {"bandwidth", "bandwidth"}},
-                .shown = shown};
-    for (std::size_t i = 0; i < tried.effects.size(); ++i)
-        for (const auto &[id, fate] : tried.effects[i].lsps)
-            if (fate == planning::Fate::lost) {
-                const Demand &demand = plan.demands[id.index()];
-                table.rows.push_back({tried.failures[i].name,
-                                      planning::nameOf(plan.network, plan.demands, id),
-                                      plan.network.levels[static_cast<std::size_t>(demand.level)],
-                                      Bandwidth{demand.bandwidth}});
-            }
-    return table;
-}
 
 class FailCommand : public Command
 {
@@ -242,66 +59,148 @@ public:
             {.name = "--set",
              .argument = "SETS",
              .help = "What fails, one after the other: links in one direction, duplex for links in "
-                     "both, nodes, pairs for every two of duplex at once; several with commas "
-                     "(default: duplex,nodes)",
+                     "both, nodes, pairs for every two of duplex at once, or a file that names "
+                     "sets; several with commas (default: duplex,nodes)",
+             .completes = Completes::choices,
              .choices = {"links", "duplex", "nodes", "pairs"},
-             .take = [this](const std::string &text) { sets = setsFrom(text); }});
+             .take = [this](const std::string &text) { sets = split(text, ','); }});
+        declaration.flag("--reroute", "Places LSPs that are lost anew, around what has failed",
+                         reroutes);
+        declaration.option({.name = "--preempt",
+                            .help = "Less important LSPs may give way to them (default: as in the "
+                                    "plan)",
+                            .take = [this](const std::string &) { preempts = true; }});
+        declaration.option({.name = "--no-preempt",
+                            .help = "No LSP gives way",
+                            .take = [this](const std::string &) { preempts = false; }});
         declaration.count("--top", "NUMBER", "How many rows tables have for people (default: 5)",
-                          nbTop);
+                          show.nbRows);
+        declaration.choice("--list", "WHAT", "Adds a list: lost, LSPs that are lost, or none",
+                           {{"none", false}, {"lost", true}}, show.listsLost);
         declareForms(declaration, form, "the failures");
+        declaration.group("Large sweeps");
+        declaration.count("--jobs", "N", "Works in so many processes (default: 1)", jobs, 1);
+        declaration.option({.name = "--shard",
+                            .argument = "I/N",
+                            .help = "Does the I-th of N parts; `tarnex merge` puts them together",
+                            .take = [this](const std::string &text) { shard = shardFrom(text); }});
+        declaration.text("--save", "FILE",
+                         "Keeps a line for each failure in a file, for `tarnex merge`", part,
+                         Completes::files);
+        declaration.flag("--resume", "Goes on with a file that an earlier run has left", resumes);
     }
 
     ExitStatus run() override
     {
+        if (part.empty() && (resumes || shard.of > 1))
+            throw UsageError(fmt::format("{} needs a file: expected --save FILE",
+                                         resumes ? "--resume" : "--shard"));
         const Plan plan = readPlan(file);
+        show.hasRerouted = reroutes;
+        const Reroute how = !reroutes                                  ? Reroute::no
+                            : preempts.value_or(plan.options.preempts) ? Reroute::preempting
+                                                                       : Reroute::gently;
+        const Sets all = setsOf(plan.network);
         nowDoing("failing");
-        const Tried tried = tryAll(plan);
-        print({"failures",
-               plan.network.unit,
-               {verdictOn(tried), failuresOf(tried, nbTop), levelsOf(plan, tried),
-                distributionOf(tried), linksOf(plan, tried, nbTop), overloadsOf(plan, tried, nbTop),
-                lostOf(plan, tried, nbTop)}},
+        planning::FailureStudy study{plan, how};
+        FailureTally tally{study.normal(), plan.network.levels.size()};
+        planning::SweepOptions options{how, show.listsLost, shard, 0, jobs};
+        if (part.empty())
+            sweepInto(tally, study, plan, all, options, nullptr);
+        else
+            sweepToFile(tally, study, plan, all, options);
+        const bool isWhole = shard.of == 1;
+        print(isWhole ? failureDocument(plan, tally, show)
+                      : Document{"failures-part", plan.network.unit, {verdictOn(tally)}},
               form);
-        const bool isHarmless = std::ranges::all_of(tried.effects, [](const FailureEffect &effect) {
-            return effect.all.lost.number == 0 && effect.overloads.empty();
-        });
-        return isHarmless ? ExitStatus::done : ExitStatus::withFindings;
+        return tally.isHarmless() ? ExitStatus::done : ExitStatus::withFindings;
     }
 
 private:
-    static std::vector<FailureSet> setsFrom(const std::string &text)
+    Sets setsOf(const Network &network) const
     {
-        using enum FailureSet;
-        std::vector<FailureSet> found;
-        for (const std::string &name : split(text, ',')) {
-            const FailureSet all[] = {links, duplex, nodes, pairs};
-            const auto *const known =
-                std::ranges::find(all, name, [](FailureSet set) { return nameOf(set); });
-            if (known == std::end(all))
-                throw UsageError(fmt::format(
-                    "--set {}: expected links, duplex, nodes or pairs, several with commas", text));
-            if (std::ranges::find(found, *known) == found.end())
-                found.push_back(*known);
+        Sets all;
+        std::vector<std::string> known;
+        std::vector<std::string> ids;
+        for (const std::string &name : sets) {
+            if (std::ranges::find(known, name) != known.end())
+                continue;
+            known.push_back(name);
+            ids.push_back(add(all.failures, network, name));
         }
-        return found;
+        all.name = joined(ids, ",");
+        return all;
     }
 
-    Tried tryAll(const Plan &plan) const
+    /** Adds a set; what it is called. */
+    std::string add(planning::FailureList &failures, const Network &network,
+                    const std::string &name) const
     {
-        Tried tried;
-        planning::FailureStudy study{plan};
-        for (const FailureSet set : sets)
-            for (Failure &failure : planning::failuresOf(plan.network, set)) {
-                tried.effects.push_back(study.effectOf(failure));
-                tried.failures.push_back(std::move(failure));
+        using enum FailureSet;
+        for (const FailureSet set : {links, duplex, nodes, pairs}) {
+            if (nameOf(set) == name) {
+                failures.add(network, set);
+                return name;
             }
-        tried.worst = study.worst();
-        return tried;
+        }
+        if (!std::filesystem::exists(name))
+            throw UsageError(fmt::format("--set {}: expected links, duplex, nodes, pairs or a file "
+                                         "that names sets, several with commas",
+                                         joined(sets, ",")));
+        const std::string text = formats::textOfFile(name);
+        failures.add(network, formats::parseFailureSets(text, name, network));
+        return formats::digestOf(text);
+    }
+
+    /** Tries failures; whether all were. */
+    static bool sweepInto(FailureTally &tally, planning::FailureStudy &study, const Plan &plan,
+                          const Sets &all, const planning::SweepOptions &options,
+                          PartWriter *writer)
+    {
+        std::size_t done = options.done;
+        std::optional<TerminalProgress> stoppable;
+        planning::Progress unstoppable;
+        if (writer)
+            stoppable.emplace();
+        planning::sweep(
+            study, plan, all.failures, options,
+            [&](TriedFailure tried) {
+                ++done;
+                tally.dropLowPeaks(tried.effect); // those of one process among several
+                if (writer)
+                    writer->write(tried);
+                tally.add(std::move(tried.name), tried.effect);
+            },
+            writer ? *stoppable : unstoppable);
+        return done == options.shard.size(all.failures.size());
+    }
+
+    void sweepToFile(FailureTally &tally, planning::FailureStudy &study, const Plan &plan,
+                     const Sets &all, planning::SweepOptions options) const
+    {
+        PartWriter writer{part,
+                          {TARNEX_VERSION, formats::digestOf(formats::textOfFile(file)), all.name,
+                           options.reroute, options.listsLost, all.failures.size(), shard}};
+        if (resumes)
+            options.done = writer.resume(
+                plan, [&](TriedFailure tried) { tally.add(std::move(tried.name), tried.effect); });
+        writer.begin();
+        if (!sweepInto(tally, study, plan, all, options, &writer))
+            throw Interrupted(fmt::format(
+                "stopped after {} of {} failures; --resume goes on from {}", tally.failures.size(),
+                shard.size(all.failures.size()), writer.partial().string()));
+        writer.finish();
     }
 
     std::string file;
-    std::vector<FailureSet> sets{FailureSet::duplex, FailureSet::nodes};
-    std::size_t nbTop = 5;
+    std::vector<std::string> sets{"duplex", "nodes"};
+    bool reroutes = false;
+    std::optional<bool> preempts;
+    std::size_t jobs = 1;
+    planning::Shard shard{};
+    std::string part;
+    bool resumes = false;
+    FailureShow show;
     Form form = Form::text;
 };
 
@@ -315,14 +214,24 @@ const Page &FailCommand::page() const
 
 After the switch it is added up what every link carries; links that are then fuller than they may be are named. A single link or node must not bring that about, since backups that share bandwidth were placed for that; where it does, a promise is broken. Both directions of a link, or two links at once, may.
 
-Everything is worked out from the paths of the plan by plain addition, without the engine.)",
+Everything is worked out from the paths of the plan by plain addition, without the engine.
+
+With --reroute the engine places what is lost anew, by level, around what has failed. Lost LSPs release what they had reserved; what all others have reserved, for themselves and for their backups, stays reserved. Nothing is protected anew. --list lost tells why an LSP stays lost.
+
+A file for --set has a line for each set of what fails at once, such as the fibres of a duct: `failure NAME (link FROM TO | duplex FROM TO | node NAME)...`; names with blanks stand between quotation marks, and what follows a # is a comment.
+
+Large sweeps can use several processes (--jobs), and several machines: --shard has each of them do its part and keep it in a file, and `tarnex merge` puts the parts together. While a part is worked on, its file is called FILE.partial; after a stop, --resume goes on with it. The result is the same, to the byte, whatever the number of jobs and parts.)",
         .examples = {{"A plan whose LSPs have backups:",
                       "tarnex place abilene/abilene.network --demands abilene/abilene.demands "
                       "--protect local-or-global --save plan.json"},
                      {"Every link in both directions and every node, one after the other:",
                       "tarnex fail plan.json"},
-                     {"Every two links at once, a line of JSON for each:",
-                      "tarnex fail plan.json --set pairs --jsonl"}},
+                     {"What shares a duct, with lost LSPs placed anew:",
+                      "tarnex fail plan.json --set abilene/abilene.ducts --reroute --list lost"},
+                     {"Every two links at once, a line of JSON for each, in two processes:",
+                      "tarnex fail plan.json --set pairs --jobs 2 --jsonl"},
+                     {"The second of three parts, kept in a file:",
+                      "tarnex fail plan.json --set pairs --shard 2/3 --save part2.jsonl"}},
         .findings = "done, and LSPs were lost or links too full"};
     return page;
 }

@@ -24,7 +24,8 @@ std::vector<Bound> bind(CLI::App &app, const Declaration &declaration)
     std::vector<Bound> all;
     for (const Parameter &operand : declaration.operands()) {
         CLI::Option *const option = app.add_option(operand.name);
-        all.push_back({operand, option->expected(operand.repeats ? -1 : 1)});
+        all.push_back(
+            {operand, operand.repeats ? option->expected(-1)->take_all() : option->expected(1)});
     }
     for (const ParameterGroup &group : declaration.groups())
         for (const Parameter &option : group.options)

@@ -27,6 +27,8 @@ const char *textOf(planning::Phase phase)
         return "protecting";
     case planning::Phase::settingUp:
         return "setting up";
+    case planning::Phase::failing:
+        return "failing";
     }
     return "";
 }

@@ -55,6 +55,11 @@ Lsp lspOf(const Plan &plan, const LinkFinder &finder, std::size_t index, const P
     return lsp;
 }
 
+/** By fate. */
+constexpr Amount BrokenLsps::*amounts[] = {&BrokenLsps::local,    &BrokenLsps::global,
+                                           &BrokenLsps::rerouted, &BrokenLsps::lost,
+                                           &BrokenLsps::ended,    &BrokenLsps::displaced};
+
 double share(double use, double capacity)
 {
     if (use <= 0.0)
@@ -73,10 +78,13 @@ struct FailureStudy::State {
     Links changed{};                              ///< links whose use the failure changes
     std::vector<char> hasChanged{};               ///< by link
     std::vector<char> hasFailed{};                ///< by link
-    std::vector<WorstUse> worst{};                ///< by link
-    std::size_t nbTried = 0;
+    std::vector<LinkPeak> usual{};                ///< by link: without a failure
+    std::vector<LinkPeak> peaks{};                ///< by link: the fullest so far
+    std::vector<std::optional<Links>> detours{};  ///< by demand: where a backup leads it now
+    std::vector<std::size_t> position{};          ///< by demand: its LSP
+    std::optional<Rerouter> rerouter{};
 
-    explicit State(const Plan &borrowed);
+    State(const Plan &borrowed, Reroute reroute);
 
     void carry(const Lsp &lsp, std::span<const LinkId> links, double sign);
     bool isWhole(const Links &links) const;
@@ -84,35 +92,44 @@ struct FailureStudy::State {
     std::optional<Links> besideFailures(const Lsp &lsp) const;
     Fate divert(const Lsp &lsp, const Failure &failure);
     std::vector<std::size_t> brokenBy(const Failure &failure) const;
+    void reroute(const Failure &failure, std::vector<FailedLsp> &lsps);
     void compare(FailureEffect &effect);
 };
 
-FailureStudy::State::State(const Plan &borrowed) : plan(borrowed)
+FailureStudy::State::State(const Plan &borrowed, Reroute reroute) : plan(borrowed)
 {
+    if (reroute != Reroute::no)
+        rerouter.emplace(plan, reroute);
     const Network &network = plan.network;
     const LinkFinder finder{network};
     over.resize(network.links.size());
     normal.assign(network.links.size(), std::vector<double>(network.classes.size()));
     hasFailed.resize(network.links.size());
     hasChanged.resize(network.links.size());
+    detours.resize(plan.outcomes.size());
+    position.resize(plan.outcomes.size());
     for (std::size_t i = 0; i < plan.outcomes.size(); ++i) {
         const auto *const planned = std::get_if<PlannedLsp>(&plan.outcomes[i]);
         if (!planned)
             continue;
         const Lsp &lsp = lsps.emplace_back(lspOf(plan, finder, i, *planned));
+        position[i] = lsps.size() - 1;
         for (const LinkId link : lsp.links) {
             over[link.index()].push_back(lsps.size() - 1);
             normal[link.index()][lsp.classType] += lsp.bandwidth;
         }
     }
     use = normal;
-    worst.resize(network.links.size());
-    for (std::size_t i = 0; i < worst.size(); ++i)
+    for (std::size_t i = 0; i < normal.size(); ++i) {
+        LinkPeak &peak = usual.emplace_back();
+        peak.link = LinkId{static_cast<std::int32_t>(i)};
         for (std::size_t c = 0; c < network.classes.size(); ++c) {
             const double full = share(normal[i][c], network.links[i].capacity[c]);
-            if (full > worst[i].worst)
-                worst[i] = {full, full, static_cast<int>(c), full, ~std::size_t{0}};
+            if (full > peak.share)
+                peak = {peak.link, static_cast<int>(c), full, full};
         }
+    }
+    peaks = usual;
 }
 
 /** Adds an LSP to links, or with `sign` -1 takes it off. */
@@ -170,15 +187,15 @@ Fate FailureStudy::State::divert(const Lsp &lsp, const Failure &failure)
     };
     if (hasFailedNode(lsp.path.front()) || hasFailedNode(lsp.path.back()))
         return Fate::ended;
-    if (const auto way = aroundFailures(lsp)) {
-        carry(lsp, *way, 1.0);
-        return Fate::local;
-    }
-    if (const auto way = besideFailures(lsp)) {
-        carry(lsp, *way, 1.0);
-        return Fate::global;
-    }
-    return Fate::lost;
+    std::optional<Links> &way = detours[lsp.id.index()];
+    way = aroundFailures(lsp);
+    const bool isLocal = way.has_value();
+    if (!isLocal)
+        way = besideFailures(lsp);
+    if (!way)
+        return Fate::lost;
+    carry(lsp, *way, 1.0);
+    return isLocal ? Fate::local : Fate::global;
 }
 
 /** The LSPs whose path uses a link that fails, ascending. */
@@ -192,31 +209,65 @@ std::vector<std::size_t> FailureStudy::State::brokenBy(const Failure &failure) c
     return broken;
 }
 
+/** Has what is lost placed anew, and whatever gives way to it. */
+void FailureStudy::State::reroute(const Failure &failure, std::vector<FailedLsp> &failed)
+{
+    const auto of = [&](Fate fate) {
+        std::vector<DemandId> ids;
+        for (const FailedLsp &lsp : failed)
+            if (lsp.fate == fate)
+                ids.push_back(lsp.id);
+        return ids;
+    };
+    for (const ReroutedLsp &tried :
+         rerouter->reroute(of(Fate::lost), of(Fate::ended), failure.links)) {
+        const Lsp &lsp = lsps[position[tried.id.index()]];
+        const auto known = std::ranges::lower_bound(failed, tried.id, {}, &FailedLsp::id);
+        const bool wasHit = known != failed.end() && known->id == tried.id;
+        const std::optional<Links> &detour = detours[tried.id.index()];
+        if (!wasHit || detour) // it gave way
+            carry(lsp, detour ? *detour : lsp.links, -1.0);
+        const bool isPlaced = !tried.links.empty();
+        carry(lsp, tried.links, 1.0);
+        const auto reason = isPlaced ? std::nullopt : std::optional{tried.reason};
+        if (wasHit)
+            *known = {tried.id, isPlaced ? Fate::rerouted : Fate::lost, reason};
+        else if (!isPlaced)
+            failed.insert(known, {tried.id, Fate::displaced, reason});
+    }
+}
+
 /** Compares what changed links carry with their capacities. */
 void FailureStudy::State::compare(FailureEffect &effect)
 {
     std::ranges::sort(changed);
     for (const LinkId link : changed) {
         const std::vector<double> &capacities = plan.network.links[link.index()].capacity;
+        LinkPeak &peak = peaks[link.index()];
+        const double before = peak.share;
         for (std::size_t c = 0; c < capacities.size(); ++c) {
             const double carried = use[link.index()][c];
+            const double unbroken = normal[link.index()][c];
             const double full = share(carried, capacities[c]);
-            WorstUse &most = worst[link.index()];
-            const bool isMore = full > most.worst * (1.0 + tolerance);
-            if (isMore)
-                most = {most.normal, full, static_cast<int>(c),
-                        share(normal[link.index()][c], capacities[c]), nbTried};
-            const bool isNew = carried > normal[link.index()][c] * (1.0 + tolerance);
-            if (isNew && carried > capacities[c] * (1.0 + tolerance))
+            // What was added and taken off again may leave a little.
+            const bool isMore = carried > unbroken * (1.0 + tolerance);
+            if (isMore && full > peak.share)
+                peak = {link, static_cast<int>(c), full, share(unbroken, capacities[c])};
+            if (isMore && carried > capacities[c] * (1.0 + tolerance))
                 effect.overloads.push_back({link, static_cast<int>(c), carried, capacities[c]});
         }
+        if (peak.share > before)
+            effect.peaks.push_back(peak);
         use[link.index()] = normal[link.index()];
         hasChanged[link.index()] = false;
     }
     changed.clear();
 }
 
-FailureStudy::FailureStudy(const Plan &plan) : state(std::make_unique<State>(plan)) {}
+FailureStudy::FailureStudy(const Plan &plan, Reroute reroute)
+    : state(std::make_unique<State>(plan, reroute))
+{
+}
 
 FailureStudy::~FailureStudy() = default;
 
@@ -228,33 +279,40 @@ FailureEffect FailureStudy::effectOf(const Failure &failure)
         state->hasFailed[link.index()] = true;
     for (const std::size_t i : state->brokenBy(failure)) {
         const Lsp &lsp = state->lsps[i];
-        const Fate fate = state->divert(lsp, failure);
-        effect.lsps.emplace_back(lsp.id, fate);
+        effect.lsps.push_back({lsp.id, state->divert(lsp, failure), std::nullopt});
+    }
+    if (state->rerouter)
+        state->reroute(failure, effect.lsps);
+    for (const FailedLsp &failed : effect.lsps) {
+        const Lsp &lsp = state->lsps[state->position[failed.id.index()]];
         BrokenLsps one;
-        one.hit.add(lsp.bandwidth);
-        Amount BrokenLsps::*const kinds[] = {&BrokenLsps::local, &BrokenLsps::global,
-                                             &BrokenLsps::lost, &BrokenLsps::ended};
-        (one.*kinds[static_cast<std::size_t>(fate)]).add(lsp.bandwidth);
+        if (failed.fate != Fate::displaced)
+            one.hit.add(lsp.bandwidth);
+        (one.*amounts[static_cast<std::size_t>(failed.fate)]).add(lsp.bandwidth);
         effect.all += one;
         effect.levels[lsp.level] += one;
+        state->detours[failed.id.index()].reset();
     }
     state->compare(effect);
     for (const LinkId link : failure.links)
         state->hasFailed[link.index()] = false;
-    ++state->nbTried;
     return effect;
 }
 
-const std::vector<WorstUse> &FailureStudy::worst() const { return state->worst; }
+const std::vector<LinkPeak> &FailureStudy::normal() const { return state->usual; }
+
+std::string_view nameOf(Fate fate)
+{
+    constexpr std::string_view names[] = {"local", "global", "rerouted",
+                                          "lost",  "ended",  "displaced"};
+    return names[static_cast<std::size_t>(fate)];
+}
 
 BrokenLsps &BrokenLsps::operator+=(const BrokenLsps &other)
 {
-    for (Amount BrokenLsps::*const kind :
-         {&BrokenLsps::hit, &BrokenLsps::local, &BrokenLsps::global, &BrokenLsps::lost,
-          &BrokenLsps::ended}) {
-        (this->*kind).number += (other.*kind).number;
-        (this->*kind).bandwidth += (other.*kind).bandwidth;
-    }
+    hit += other.hit;
+    for (Amount BrokenLsps::*const kind : amounts)
+        this->*kind += other.*kind;
     return *this;
 }
 

@@ -4,7 +4,9 @@
 #include "planning/names.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
+#include <utility>
 
 namespace tarnex::planning
 {
@@ -42,38 +44,56 @@ std::vector<Failure> everyDuplex(const Network &network)
                         {linkAt(i)},
                         {}};
         if (back)
-            failure.links.push_back(*back);
+            failure.links.push_back(*back); // which has the larger id
         failures.push_back(std::move(failure));
     }
     return failures;
 }
 
+/** Adds the links of a failure's nodes, and puts all in order. */
+void complete(Failure &failure, const std::vector<std::vector<LinkId>> &linksOf)
+{
+    for (const NodeId node : failure.nodes) {
+        const std::vector<LinkId> &links = linksOf[node.index()];
+        failure.links.insert(failure.links.end(), links.begin(), links.end());
+    }
+    std::ranges::sort(failure.links);
+    failure.links.erase(std::unique(failure.links.begin(), failure.links.end()),
+                        failure.links.end());
+}
+
+/** By node: the links into it and out of it. */
+std::vector<std::vector<LinkId>> linksOfNodes(const Network &network)
+{
+    std::vector<std::vector<LinkId>> links(network.nodes.size());
+    for (std::size_t i = 0; i < network.links.size(); ++i) {
+        links[network.links[i].from.index()].push_back(linkAt(i));
+        links[network.links[i].to.index()].push_back(linkAt(i));
+    }
+    return links;
+}
+
 std::vector<Failure> everyNode(const Network &network)
 {
+    const auto links = linksOfNodes(network);
     std::vector<Failure> failures;
-    for (std::size_t i = 0; i < network.nodes.size(); ++i)
-        failures.push_back(
-            {network.nodes[i].name, FailureSet::nodes, {}, {NodeId{static_cast<std::int32_t>(i)}}});
-    for (std::size_t i = 0; i < network.links.size(); ++i) {
-        failures[network.links[i].from.index()].links.push_back(linkAt(i));
-        failures[network.links[i].to.index()].links.push_back(linkAt(i));
+    for (std::size_t i = 0; i < network.nodes.size(); ++i) {
+        const NodeId node{static_cast<std::int32_t>(i)};
+        complete(
+            failures.emplace_back(Failure{network.nodes[i].name, FailureSet::nodes, {}, {node}}),
+            links);
     }
     return failures;
 }
 
-std::vector<Failure> everyPair(const Network &network)
+Failure bothOf(const Failure &one, const Failure &other)
 {
-    const std::vector<Failure> singles = everyDuplex(network);
-    std::vector<Failure> failures;
-    failures.reserve(singles.size() * (singles.size() - 1) / 2);
-    for (std::size_t i = 0; i < singles.size(); ++i)
-        for (std::size_t j = i + 1; j < singles.size(); ++j) {
-            Failure both{singles[i].name + " + " + singles[j].name, FailureSet::pairs, {}, {}};
-            std::ranges::merge(singles[i].links, singles[j].links, std::back_inserter(both.links));
-            failures.push_back(std::move(both));
-        }
-    return failures;
+    Failure both{one.name + " + " + other.name, FailureSet::pairs, {}, {}};
+    std::ranges::merge(one.links, other.links, std::back_inserter(both.links));
+    return both;
 }
+
+std::size_t nbPairsOf(std::size_t count) { return count < 2 ? 0 : count * (count - 1) / 2; }
 
 } // namespace
 
@@ -88,23 +108,61 @@ std::string_view nameOf(FailureSet set)
         return "nodes";
     case FailureSet::pairs:
         return "pairs";
+    case FailureSet::named:
+        return "named";
     }
     return {};
 }
 
-std::vector<Failure> failuresOf(const Network &network, FailureSet set)
+void FailureList::add(const Network &network, FailureSet set)
 {
     switch (set) {
     case FailureSet::links:
-        return everyLink(network);
+        return append(everyLink(network), false);
     case FailureSet::duplex:
-        return everyDuplex(network);
+        return append(everyDuplex(network), false);
     case FailureSet::nodes:
-        return everyNode(network);
+        return append(everyNode(network), false);
     case FailureSet::pairs:
-        return everyPair(network);
+        return append(everyDuplex(network), true);
+    case FailureSet::named:
+        return;
     }
-    return {};
+}
+
+void FailureList::add(const Network &network, std::vector<formats::NamedFailure> named)
+{
+    const auto links = linksOfNodes(network);
+    std::vector<Failure> failures;
+    for (formats::NamedFailure &one : named)
+        complete(failures.emplace_back(Failure{std::move(one.name), FailureSet::named,
+                                               std::move(one.links), std::move(one.nodes)}),
+                 links);
+    append(std::move(failures), false);
+}
+
+void FailureList::append(std::vector<Failure> singles, bool isOfPairs)
+{
+    stretches.push_back({nbFailures, isOfPairs, std::move(singles)});
+    const std::size_t count = stretches.back().singles.size();
+    nbFailures += isOfPairs ? nbPairsOf(count) : count;
+}
+
+Failure FailureList::operator[](std::size_t position) const
+{
+    const auto past = std::ranges::upper_bound(stretches, position, {}, &Stretch::begin);
+    const Stretch &stretch = *std::prev(past);
+    std::size_t rest = position - stretch.begin;
+    if (!stretch.isOfPairs)
+        return stretch.singles[rest];
+    // Pairs with the same first one follow each other.
+    std::size_t first = 0;
+    std::size_t nbWithFirst = stretch.singles.size() - 1;
+    while (rest >= nbWithFirst) {
+        rest -= nbWithFirst--;
+        ++first;
+    }
+    return bothOf(stretch.singles[first], stretch.singles[first + 1 + rest]);
 }
 
 } // namespace tarnex::planning

@@ -239,7 +239,7 @@ private:
      */
     void setUpAnew()
     {
-        engine = engineOf(plan.network, plan.options.engine);
+        engine = engineOf(plan.network, engine.options());
         const std::size_t nbPlaced = plan.setUp.size();
         for (const DemandId id : std::exchange(plan.setUp, {})) {
             progress.at(Phase::settingUp, plan.setUp.size(), nbPlaced);
@@ -293,6 +293,25 @@ private:
     bool hasHistory = false; ///< the engine did not come about by set-ups in the plan's order alone
 };
 
+/** Whether LSPs are protected, or are to be. */
+bool hasBackups(const Plan &plan)
+{
+    const auto isProtected = [](const Outcome &outcome) {
+        const auto *const lsp = std::get_if<PlannedLsp>(&outcome);
+        return lsp && !lsp->backups.empty();
+    };
+    const auto isWanted = [](const LevelScheme &scheme) { return scheme.has_value(); };
+    return std::ranges::any_of(plan.options.protection, isWanted) ||
+           std::ranges::any_of(plan.outcomes, isProtected);
+}
+
+Options forPrimaries(const Plan &plan)
+{
+    Options options = plan.options.engine;
+    options.allowsBackups = false;
+    return options;
+}
+
 void require(bool isSound, const char *what)
 {
     if (!isSound)
@@ -331,7 +350,7 @@ Plan placeMore(Plan plan, std::vector<Demand> more, Progress &progress)
         check(plan.network, demand);
     std::ranges::move(more, std::back_inserter(plan.demands));
     plan.options.engine = optionsFor(plan.network, plan.options.engine);
-    Engine engine = setUp(plan);
+    Engine engine = hasBackups(plan) ? setUp(plan) : setUpPrimaries(plan, forPrimaries(plan));
     return Placer{std::move(plan), first, std::move(engine), progress}.run();
 }
 

@@ -12,7 +12,8 @@ enum class Phase {
     placing,      ///< demands, one by one
     placingAgain, ///< LSPs that had to give way
     protecting,   ///< LSPs, one by one
-    settingUp     ///< LSPs that are known already
+    settingUp,    ///< LSPs that are known already
+    failing       ///< failures, one by one
 };
 
 /** Whoever starts a long operation; this one hears nothing and never stops. */

@@ -13,6 +13,19 @@
 namespace tarnex::planning
 {
 
+namespace
+{
+
+void require(const Plan &plan, DemandId id, const std::optional<Refusal> &refusal)
+{
+    if (refusal)
+        throw SetUpError(fmt::format("{} cannot be set up: {}",
+                                     nameOf(plan.network, plan.demands, id),
+                                     textOf(refusal->reason)));
+}
+
+} // namespace
+
 Options optionsFor(const Network &network, Options options)
 {
     if (network.classes.empty() || network.classes.size() > maxClassTypes)
@@ -75,13 +88,19 @@ std::optional<Refusal> setUpBackups(Engine &engine, DemandId id, const PlannedLs
 
 Engine setUp(const Plan &plan)
 {
-    Engine engine = engineOf(plan.network, optionsFor(plan.network, plan.options.engine));
-    const auto require = [&plan](DemandId id, const std::optional<Refusal> &refusal) {
-        if (refusal)
-            throw SetUpError(fmt::format("{} cannot be set up: {}",
-                                         nameOf(plan.network, plan.demands, id),
-                                         textOf(refusal->reason)));
-    };
+    Engine engine = setUpPrimaries(plan, plan.options.engine);
+    LspId firstBackup{static_cast<std::int32_t>(plan.demands.size())};
+    for (const DemandId id : plan.setUp) {
+        const auto &lsp = std::get<PlannedLsp>(plan.outcomes[id.index()]);
+        require(plan, id, setUpBackups(engine, id, lsp, firstBackup));
+        firstBackup.value += static_cast<std::int32_t>(lsp.backups.size());
+    }
+    return engine;
+}
+
+Engine setUpPrimaries(const Plan &plan, const Options &options)
+{
+    Engine engine = engineOf(plan.network, optionsFor(plan.network, options));
     const auto nbPlaced = std::ranges::count_if(plan.outcomes, [](const Outcome &outcome) {
         return std::holds_alternative<PlannedLsp>(outcome);
     });
@@ -96,13 +115,7 @@ Engine setUp(const Plan &plan)
         if (!lsp)
             throw SetUpError(fmt::format("{} is to be set up, but was not placed",
                                          nameOf(plan.network, plan.demands, id)));
-        require(id, setUpPrimary(engine, plan.demands.at(id.index()), id, *lsp));
-    }
-    LspId firstBackup{static_cast<std::int32_t>(plan.demands.size())};
-    for (const DemandId id : plan.setUp) {
-        const auto &lsp = std::get<PlannedLsp>(plan.outcomes[id.index()]);
-        require(id, setUpBackups(engine, id, lsp, firstBackup));
-        firstBackup.value += static_cast<std::int32_t>(lsp.backups.size());
+        require(plan, id, setUpPrimary(engine, plan.demands.at(id.index()), id, *lsp));
     }
     return engine;
 }

@@ -48,6 +48,8 @@ std::optional<Refusal> setUpBackups(Engine &engine, DemandId id, const PlannedLs
 /** An engine with all LSPs of a plan, set up in the plan's order. SetUpError when one is refused;
  * WrongUse when the plan is not sound. */
 Engine setUp(const Plan &plan);
+/** The same without backups, and with options of one's own. */
+Engine setUpPrimaries(const Plan &plan, const Options &options);
 
 /** A backup that an engine has set up, as a plan has it. */
 PlannedBackup plannedBackup(const Lsp &backup);

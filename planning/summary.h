@@ -21,6 +21,12 @@ struct Amount {
         ++number;
         bandwidth += more;
     }
+    Amount &operator+=(const Amount &other)
+    {
+        number += other.number;
+        bandwidth += other.bandwidth;
+        return *this;
+    }
     friend bool operator==(const Amount &, const Amount &) = default;
 };
 

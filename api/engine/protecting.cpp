@@ -78,8 +78,11 @@ private:
     LSPRequestList list{};
 };
 
+/** The primary that is to be protected, WrongUse when it cannot be. */
 DBLabelSwitchedPath &existingPrimary(const Session &session, LspId id)
 {
+    if (!session.options.allowsBackups)
+        wrong("This engine allows no backups.");
     DBLabelSwitchedPath *primary = lspAt(session.db->lspVec, id.value);
     if (!primary)
         wrong("There is no LSP " + std::to_string(id.value) + ".");

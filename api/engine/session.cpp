@@ -59,6 +59,7 @@ Session::Session(const Options &wanted) : options(checked(wanted))
         errorDestroy();
         throw std::bad_alloc{};
     }
+    db->hasPrimariesAlone = !options.allowsBackups;
     centralDB = db;
 }
 

@@ -65,6 +65,12 @@ struct Options {
      * tells.
      */
     bool explainsRefusals = true;
+    /**
+     * Whether LSPs can have backups; Engine::protect is wrong use without it. An engine for
+     * primaries alone keeps no books about failures: LSPs on long paths come and go ten times as
+     * quickly, with the same results.
+     */
+    bool allowsBackups = true;
 };
 
 } // namespace tarnex

@@ -27,7 +27,7 @@ except ImportError:
 
 TARNEX, SOURCES, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
 ABILENE = ["abilene/abilene.network", "--demands", "abilene/abilene.demands"]
-COMMANDS = ["show", "place", "explain", "verify", "diff", "fail", "bench", "convert", "help", "completion"]
+COMMANDS = ["show", "place", "explain", "verify", "diff", "fail", "merge", "bench", "convert", "help", "completion"]
 
 WRONG_USES = [  # arguments, first line on standard error
     ("", "tarnex: no command: expected one, as in `tarnex show FILE`"),
@@ -64,7 +64,10 @@ WRONG_USES = [  # arguments, first line on standard error
     ("diff plan.json plan.json --threshold 101%",
      "tarnex diff: --threshold 101%: expected at most 100%"),
     ("fail plan.json --set ducts",
-     "tarnex fail: --set ducts: expected links, duplex, nodes or pairs, several with commas"),
+     "tarnex fail: --set ducts: expected links, duplex, nodes, pairs or a file that names sets, "
+     "several with commas"),
+    ("fail plan.json --shard 3/2 --save x", "tarnex fail: --shard 3/2: expected I/N with I from 1 to N"),
+    ("fail plan.json --shard 1/2", "tarnex fail: --shard needs a file: expected --save FILE"),
     ("convert plan.json out.xyz", "tarnex convert: out.xyz: no format goes with this suffix; "
      "expected .json, .txt, .snd, .graphml, .graph, .dot or .gv, or --to NAME"),
     ("completion fish", "tarnex completion: SHELL fish: expected bash"),
@@ -213,6 +216,8 @@ class Forms(Scratch):
                 ["diff", "plan.json", "other.json"],
                 ["fail", "plan.json", "--set", "links,nodes,pairs"],
                 ["fail", "other.json"],
+                ["fail", "plan.json", "--set", "abilene/abilene.ducts", "--reroute", "--list", "lost"],
+                ["fail", "plan.json", "--shard", "1/2", "--save", "part.jsonl"],
                 ["bench", *ABILENE, "--seconds", "0.1"]]
 
     def test_documents_are_as_their_schemas_say(self):
@@ -330,6 +335,91 @@ class Work(Scratch):
         self.run_words("verify", "plan.json", status=0)
         text = self.run_words("show", "plan.json", "--list", "demands", "--csv").stdout
         self.assertIn(",900,Denver,Chicago,data,gold,10", text)
+
+
+class Sweep(Scratch):
+    SETS = ["--set", "links,nodes,pairs", "--reroute", "--list", "lost"]
+
+    def part(self, number, of, *options, save=None, status=(0, 1)):
+        return self.run_words("fail", "plan.json", *self.SETS, "--shard", f"{number}/{of}", "--save",
+                              save or f"part{number}.jsonl", *options, status=status)
+
+    def merge(self, *parts, status=(0, 1)):
+        return self.run_words("merge", "plan.json", *parts, "--json", status=status)
+
+    def setUp(self):
+        super().setUp()
+        self.make_plan("--protect", "gold=local")
+        self.whole = self.run_words("fail", "plan.json", *self.SETS, "--json", status=(0, 1)).stdout
+
+    def test_is_the_same_in_any_number_of_parts_and_jobs(self):
+        jobs = self.run_words("fail", "plan.json", *self.SETS, "--json", "--jobs", "3", status=(0, 1))
+        self.assertEqual(jobs.stdout, self.whole)
+        for of in 1, 2, 5:
+            for number in range(1, of + 1):
+                self.part(number, of, "--jobs", str(number))
+            parts = [f"part{number}.jsonl" for number in range(1, of + 1)]
+            self.assertEqual(self.merge(*reversed(parts)).stdout, self.whole)
+        self.part(3, 5, save="again.jsonl")
+        self.assertEqual((self.folder / "again.jsonl").read_text(),
+                         (self.folder / "part3.jsonl").read_text())
+
+    def test_goes_on_where_it_was_broken_off(self):
+        self.part(1, 2)
+        self.part(2, 2)
+        text = (self.folder / "part1.jsonl").read_text()
+        for kept in 0, 10, text.index("\n") + 1, len(text) // 2, len(text) - 1:
+            self.write("half.jsonl.partial", text[:kept])
+            self.part(1, 2, "--resume", save="half.jsonl")
+            self.assertEqual((self.folder / "half.jsonl").read_text(), text)
+            self.part(1, 2, "--resume", save="half.jsonl")  # nothing is left to do
+            self.assertEqual((self.folder / "half.jsonl").read_text(), text)
+            (self.folder / "half.jsonl").unlink()
+        self.assertIn("belongs to another sweep",
+                      self.part(2, 2, "--resume", save="part1.jsonl", status=2).stderr)
+
+    def test_what_does_not_belong_together_is_refused(self):
+        for number in 1, 2, 3:
+            self.part(number, 3)
+        self.make_plan(name="other.json")
+        one, two, three = texts = [(self.folder / f"part{n}.jsonl").read_text() for n in (1, 2, 3)]
+        lines = two.splitlines(keepends=True)
+        for parts, problem in ((texts[:2], "has 3 parts: expected all of them, not 2"),
+                               ([one, two, two], "part 2 is given twice"),
+                               ([one, "", three], "expected the first line"),
+                               ([one, "{}\n", three], "1: no line that"),
+                               ([one, "".join(lines[:-1]), three], "the part is not complete"),
+                               ([one, two + lines[-1], three], "expected failure"),
+                               ([one, "".join(lines[:1] + lines[2:]), three], "expected failure 1"),
+                               ([one, two.replace('"levels":[[', '"levels":[', 1), three], "2: no line that"),
+                               ([one, re.sub('"peaks":\\[\\[[0-9]+', '"peaks":[[99', two), three],
+                                "a number is larger"),
+                               ([one, two.replace("preempting", "gently"), three], "another sweep"),
+                               ([one, re.sub('"plan":"[^"]*"', '"plan":"1"', two), three],
+                                "another plan")):
+            for n, text in enumerate(parts, 1):
+                self.write(f"p{n}", text)
+            done = self.merge(*(f"p{n}" for n in range(1, len(parts) + 1)), status=2)
+            self.assertIn(problem, done.stderr)
+
+    def test_a_process_that_dies_is_replaced(self):
+        lines = "".join(f"failure s{n} link Denver KansasCity node Houston\n" for n in range(3000))
+        self.write("many", lines)
+        words = ["fail", "plan.json", "--set", "many", "--reroute", "--json"]
+        expected = self.run_words(*words, status=1).stdout
+        process = subprocess.Popen([TARNEX, *words, "--jobs", "2"], cwd=self.folder,
+                                   stdout=subprocess.PIPE, text=True)
+        killed = 0
+        while process.poll() is None and killed < 5:
+            children = subprocess.run(["pgrep", "-P", str(process.pid)], capture_output=True,
+                                      text=True).stdout.split()
+            for child in children[:1]:
+                os.kill(int(child), signal.SIGKILL)
+                killed += 1
+            time.sleep(0.05)
+        out, _ = process.communicate(timeout=60)
+        self.assertGreater(killed, 1)
+        self.assertEqual((process.returncode, out), (1, expected))
 
 
 class Interrupt(Scratch):

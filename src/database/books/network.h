@@ -33,6 +33,7 @@ struct DataBase_ {
     NetworkIndex index;  ///< for searches, made when the first needs it
     BackupIndex backups; ///< for searches of backups, made when the first needs it
     FailureCarriers carriers; ///< likewise
+    bool hasPrimariesAlone;   ///< no backup will ever come, so what failures free is not noted
 };
 using DataBase = DataBase_;
 

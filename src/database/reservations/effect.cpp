@@ -114,7 +114,7 @@ private:
         std::ranges::copy(rerouting ? effect.partner : effect.own, effect.primary);
         if (partner && !checkLinks(inUse(partner->path)))
             return false;
-        for (std::size_t i = 0; i + 1 < lsp.path.size(); ++i) {
+        for (std::size_t i = 0; !db.hasPrimariesAlone && i + 1 < lsp.path.size(); ++i) {
             const bool shared =
                 rerouting && hasHop(inUse(partner->path), lsp.path[i], lsp.path[i + 1]);
             if (!change(lsp.path[i], lsp.path[i + 1], FailureTable::freed, shared, 1))
