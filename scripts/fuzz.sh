@@ -5,7 +5,7 @@ set -euo pipefail
 source "$(dirname "$0")/lib.sh"
 
 formats=(sndlib sndlib-xml graphml gml repetita node-link dot matrix text)
-everything=(core "${formats[@]}" documents native)
+everything=(core "${formats[@]}" documents failures native)
 minutes=3
 if [[ ${1:-} =~ ^[0-9]+$ ]]; then
     minutes=$1
@@ -71,6 +71,10 @@ for target in "${targets[@]}"; do
         fuzz_core
         ;;
     native) fuzz_native ;;
+    failures)
+        cmake --build --preset fuzz --target fuzz_failures -- --quiet
+        fuzz failures fuzz_failures -max_len=4000 fuzz/seeds/failures
+        ;;
     documents)
         cmake --build --preset fuzz --target fuzz_documents -- --quiet
         fuzz documents fuzz_documents -max_len=4000 -dict=fuzz/document.dict fuzz/seeds/documents

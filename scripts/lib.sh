@@ -46,7 +46,8 @@ quietly() {
     }
 }
 
-build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev)
+build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev
+    libxxhash-dev)
 if ! command -v javac >/dev/null; then
     build_packages+=(default-jdk-headless)
 fi

@@ -44,7 +44,8 @@ elif [ ${#presets[@]} -eq 0 ]; then
     presets=(release clang asan tsan)
     check_style
 fi
-packages=("${build_packages[@]}" libgtest-dev junit5 python3-jsonschema)
+packages=("${build_packages[@]}" libgtest-dev junit5 parallel procps
+    python3-jsonschema)
 [[ " ${presets[*]} " != *" clang "* ]] || packages+=(clang)
 install_missing "${packages[@]}"
 for preset in "${presets[@]}"; do

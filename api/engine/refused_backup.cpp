@@ -83,7 +83,7 @@ private:
     {
         const auto stretch = backup.stretch();
         const std::array hop{from, to};
-        return !std::ranges::search(stretch, hop).empty();
+        return std::search(stretch.begin(), stretch.end(), hop.begin(), hop.end()) != stretch.end();
     }
 
     /** Whether a link has room for the backup. */

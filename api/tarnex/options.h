@@ -68,7 +68,7 @@ struct Options {
     /**
      * Whether LSPs can have backups; Engine::protect is wrong use without it. An engine for
      * primaries alone keeps no books about failures: LSPs on long paths come and go ten times as
-     * quickly, with the same results.
+     * quickly, with the same results but for roundings that LSPs leave in those books.
      */
     bool allowsBackups = true;
 };

@@ -2,6 +2,7 @@
 #include "api/bare_core.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <thread>
 
@@ -308,6 +309,47 @@ TEST(Engines, RemoveWhatUsesALinkOrNode)
         EXPECT_FALSE(engine.linkBetween(node(link.src), node(link.dst)));
         for (const LspId id : all)
             EXPECT_EQ(engine.has(id), !std::ranges::binary_search(gone, id));
+    }
+}
+
+TEST(Engines, PlacePrimariesAloneAsTheyDoWithBooksForBackups)
+{
+    for (unsigned seed = 1; seed <= 8; ++seed) {
+        Rng rng{seed};
+        const NetworkPlan plan = property::randomNetwork(rng, 20, 4, 1);
+        Options options{.classTypes = 1 + static_cast<int>(seed % 3), .levels = 4};
+        options.weights = Weights::of(seed % 2 == 0 ? Objective::fortz : Objective::load);
+        Engine usual{options};
+        options.allowsBackups = false;
+        Engine primaries{options};
+        build(usual, plan);
+        build(primaries, plan);
+        std::vector<LspId> alive;
+        for (int step = 0; step < 200; ++step) {
+            Request request = randomRequest(rng, plan, options);
+            request.bandwidth = std::floor(request.bandwidth); // sums leave nothing behind
+            const auto expected = usual.place(request);
+            const auto placed = primaries.place(request);
+            ASSERT_EQ(static_cast<bool>(placed), static_cast<bool>(expected));
+            if (placed) {
+                EXPECT_EQ(placed->path, expected->path);
+                EXPECT_EQ(placed->score, expected->score);
+                EXPECT_TRUE(
+                    std::ranges::equal(placed->victims, expected->victims, {}, &Lsp::id, &Lsp::id));
+                alive.push_back(placed->id);
+            } else {
+                EXPECT_EQ(placed.refusal().sentence, expected.refusal().sentence);
+            }
+            std::erase_if(alive, [&](LspId id) { return !usual.has(id); });
+            if (step % 5 == 0 && !alive.empty()) {
+                const LspId id = anyOf(rng, alive);
+                usual.remove(id);
+                primaries.remove(id);
+            }
+            ASSERT_TRUE(areSame(uses(usual, plan), uses(primaries, plan)));
+        }
+        EXPECT_THROW(static_cast<void>(primaries.explainProtection(alive.back(), Scheme::local)),
+                     WrongUse);
     }
 }
 

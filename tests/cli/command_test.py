@@ -2,6 +2,7 @@
 
 command_test.py TARNEX SOURCES BUILD: the program, the folder of the project and that of its build.
 """
+import contextlib
 import csv
 import io
 import json
@@ -409,16 +410,33 @@ class Sweep(Scratch):
         expected = self.run_words(*words, status=1).stdout
         process = subprocess.Popen([TARNEX, *words, "--jobs", "2"], cwd=self.folder,
                                    stdout=subprocess.PIPE, text=True)
-        killed = 0
-        while process.poll() is None and killed < 5:
-            children = subprocess.run(["pgrep", "-P", str(process.pid)], capture_output=True,
-                                      text=True).stdout.split()
-            for child in children[:1]:
-                os.kill(int(child), signal.SIGKILL)
-                killed += 1
-            time.sleep(0.05)
+        self.kill_some(process, "-P", str(process.pid))
         out, _ = process.communicate(timeout=60)
+        self.assertEqual((process.returncode, out), (1, expected))
+
+    def kill_some(self, process, *which):
+        """Kills processes while another one runs."""
+        killed = 0
+        while process.poll() is None and killed < 4:
+            found = subprocess.run(["pgrep", *which], capture_output=True, text=True).stdout.split()
+            for one in found[:1]:
+                with contextlib.suppress(ProcessLookupError):
+                    os.kill(int(one), signal.SIGKILL)
+                    killed += 1
+            time.sleep(0.05)
         self.assertGreater(killed, 1)
+
+    def test_recipe_for_gnu_parallel_survives_processes_that_die(self):
+        self.write("many", "".join(f"failure s{n} link Denver KansasCity node Houston\n"
+                                   for n in range(2000)))
+        options = ["--set", str(self.folder / "many"), "--reroute"]
+        expected = self.run_words("fail", "plan.json", *options, "--json", status=1).stdout
+        process = subprocess.Popen([SOURCES / "deploy" / "parallel.sh", "plan.json", "sweep", "3",
+                                    *options], cwd=self.folder, stdout=subprocess.PIPE, text=True,
+                                   stderr=subprocess.DEVNULL,
+                                   env=os.environ | {"TARNEX": str(TARNEX), "FORM": "--json"})
+        self.kill_some(process, "-f", f"^{TARNEX} fail plan.json .*{self.folder}/many")
+        out, _ = process.communicate(timeout=100)
         self.assertEqual((process.returncode, out), (1, expected))
 
 
