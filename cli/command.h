@@ -45,6 +45,8 @@ std::unique_ptr<Command> makeVerify();
 std::unique_ptr<Command> makeDiff();
 std::unique_ptr<Command> makeFail();
 std::unique_ptr<Command> makeMerge();
+std::unique_ptr<Command> makeReport();
+std::unique_ptr<Command> makeDraw();
 std::unique_ptr<Command> makeBench();
 std::unique_ptr<Command> makeConvert();
 std::unique_ptr<Command> makeHelp();

@@ -21,6 +21,8 @@ const std::vector<std::pair<std::string, Maker>> &makers()
                                                                 {"diff", makeDiff},
                                                                 {"fail", makeFail},
                                                                 {"merge", makeMerge},
+                                                                {"report", makeReport},
+                                                                {"draw", makeDraw},
                                                                 {"bench", makeBench},
                                                                 {"convert", makeConvert},
                                                                 {"help", makeHelp},

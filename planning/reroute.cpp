@@ -53,17 +53,6 @@ std::vector<ReroutedLsp> unpacked(const std::string &bytes)
     return lsps;
 }
 
-/** What the links of a plan reserve, which a plan that was made by hand may not tell. */
-std::vector<PlannedUse> usesOf(const Plan &plan)
-{
-    if (plan.use.size() == plan.network.links.size())
-        return plan.use;
-    std::vector<PlannedUse> uses;
-    for (Reservation &link : reservationsOf(plan))
-        uses.push_back(std::move(link.use));
-    return uses;
-}
-
 double sum(const std::vector<double> &levels)
 {
     return std::accumulate(levels.begin(), levels.end(), 0.0);

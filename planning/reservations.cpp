@@ -187,4 +187,14 @@ std::vector<Reservation> reservationsOf(const Plan &plan)
     return reservations;
 }
 
+std::vector<PlannedUse> usesOf(const Plan &plan)
+{
+    if (plan.use.size() == plan.network.links.size())
+        return plan.use;
+    std::vector<PlannedUse> uses;
+    for (Reservation &link : reservationsOf(plan))
+        uses.push_back(std::move(link.use));
+    return uses;
+}
+
 } // namespace tarnex::planning

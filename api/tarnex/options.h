@@ -67,7 +67,7 @@ struct Options {
     bool explainsRefusals = true;
     /**
      * Whether LSPs can have backups; Engine::protect is wrong use without it. An engine for
-     * primaries alone keeps no books about failures: LSPs on long paths come and go ten times as
+     * primaries alone keeps no books about failures: LSPs on long paths come and go about four times as
      * quickly, with the same results but for roundings that LSPs leave in those books.
      */
     bool allowsBackups = true;

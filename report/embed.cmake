@@ -1,0 +1,22 @@
+# cmake -DOUT=FILE "-DNAMES=name;..." "-DFILES=path;..." -P embed.cmake: writes a C++ source with the
+# contents of files. A name may come several times: its files follow each other.
+set(previous "")
+set(source "#include \"report/resources.h\"\n\nnamespace tarnex::report::resources\n{\n\n")
+set(unique ${NAMES})
+list(REMOVE_DUPLICATES unique)
+foreach(name IN LISTS unique)
+    set(bytes "")
+    foreach(known file IN ZIP_LISTS NAMES FILES)
+        if(known STREQUAL name)
+            file(READ "${file}" more HEX)
+            string(APPEND bytes "${more}")
+        endif()
+    endforeach()
+    string(LENGTH "${bytes}" digits)
+    math(EXPR size "${digits} / 2")
+    string(REGEX REPLACE "(..)" "\\\\x\\1" bytes "${bytes}")
+    # A literal in pieces, since a compiler takes none of any length.
+    string(REGEX REPLACE "((\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..))" "\\1\"\n\"" bytes "${bytes}")
+    string(APPEND source "const std::string_view ${name}{\n\"${bytes}\", ${size}};\n")
+endforeach()
+file(WRITE "${OUT}" "${source}\n} // namespace tarnex::report::resources\n")
