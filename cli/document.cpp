@@ -116,8 +116,9 @@ struct Sections {
         if (table.rows.empty())
             return table.ifEmpty.empty() ? "" : table.ifEmpty + "\n";
         std::string text = title(titleOf(table, unit)) + textOf(gridOf(table), terminal);
-        if (table.rows.size() > table.shown)
-            text += fmt::format("  and {} more\n", table.rows.size() - table.shown);
+        const std::size_t nbRows = table.rows.size() + table.nbLeftOut;
+        if (nbRows > table.shown)
+            text += fmt::format("  and {} more\n", nbRows - table.shown);
         return text;
     }
 };

@@ -73,6 +73,7 @@ struct Table {
     std::vector<std::vector<Cell>> rows{};
     std::string ifEmpty{};        ///< what people read in its place; empty: nothing at all
     std::size_t shown = SIZE_MAX; ///< of the rows, for people; files have all
+    std::size_t nbLeftOut = 0;    ///< rows that are not even there, when only people read
 };
 
 /** One thing that is known. */

@@ -97,6 +97,7 @@ public:
                                          resumes ? "--resume" : "--shard"));
         const Plan plan = readPlan(file);
         show.hasRerouted = reroutes;
+        show.isForPeople = form == Form::text;
         const Reroute how = !reroutes                                  ? Reroute::no
                             : preempts.value_or(plan.options.preempts) ? Reroute::preempting
                                                                        : Reroute::gently;

@@ -8,6 +8,7 @@
 #include <array>
 #include <functional>
 #include <numeric>
+#include <span>
 #include <tuple>
 
 namespace tarnex::cli
@@ -36,6 +37,14 @@ std::vector<std::size_t> largestFirst(const std::vector<Record> &records, Key ke
     return order;
 }
 
+/** How many rows out of so many a table gets; the others are noted as left out. */
+std::size_t keptOf(Table &table, std::size_t nbRows, const FailureShow &show)
+{
+    const std::size_t kept = show.isForPeople ? std::min(nbRows, show.nbRows) : nbRows;
+    table.nbLeftOut = nbRows - kept;
+    return kept;
+}
+
 Table failuresOf(const FailureTally &tally, const FailureShow &show)
 {
     const auto whenRerouted = [&](const char *heading) { return show.hasRerouted ? heading : ""; };
@@ -58,7 +67,8 @@ Table failuresOf(const FailureTally &tally, const FailureShow &show)
         return std::tuple{failure.all.lost.bandwidth, failure.all.displaced.bandwidth,
                           failure.nbOverloads, failure.all.hit.bandwidth};
     };
-    for (const std::size_t i : largestFirst(tally.failures, harmOf)) {
+    const std::vector<std::size_t> order = largestFirst(tally.failures, harmOf);
+    for (const std::size_t i : std::span{order}.first(keptOf(table, order.size(), show))) {
         const auto &[name, all, nbOverloads] = tally.failures[i];
         table.rows.push_back(
             {name.name, std::string{nameOf(name.kind)}, number(all.hit.number),
@@ -170,7 +180,8 @@ Table overloadsOf(const Plan &plan, const FailureTally &tally, const FailureShow
                             {"use", "use"},
                             {"capacity", "capacity"}},
                 .shown = show.nbRows};
-    for (const auto &[failure, overload] : tally.overloads)
+    const std::span overloads{tally.overloads};
+    for (const auto &[failure, overload] : overloads.first(keptOf(table, overloads.size(), show)))
         table.rows.push_back({tally.failures[failure].name.name,
                               planning::nameOf(plan.network, overload.link),
                               plan.network.classes[static_cast<std::size_t>(overload.classType)],

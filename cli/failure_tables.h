@@ -14,6 +14,7 @@ namespace tarnex::cli
 /** What is shown of failures. */
 struct FailureShow {
     std::size_t nbRows = 5;   ///< of a table, for people
+    bool isForPeople = false; ///< then large tables have no other rows
     bool hasRerouted = false; ///< whether lost LSPs were placed anew
     bool listsLost = false;   ///< whether LSPs that are lost are listed
 };

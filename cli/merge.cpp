@@ -50,6 +50,7 @@ public:
         const PartHeader &header = parts.front()->header();
         show.hasRerouted = header.reroute != planning::Reroute::no;
         show.listsLost = header.listsLost;
+        show.isForPeople = form == Form::text;
         const planning::FailureStudy study{plan};
         planning::FailureTally tally{study.normal(), plan.network.levels.size()};
         planning::TriedFailure tried;

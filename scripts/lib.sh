@@ -47,7 +47,7 @@ quietly() {
 }
 
 build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev
-    libxxhash-dev)
+    libxxhash-dev node-d3)
 if ! command -v javac >/dev/null; then
     build_packages+=(default-jdk-headless)
 fi

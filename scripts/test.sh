@@ -45,7 +45,7 @@ elif [ ${#presets[@]} -eq 0 ]; then
     check_style
 fi
 packages=("${build_packages[@]}" libgtest-dev junit5 parallel procps
-    python3-jsonschema)
+    python3-jsonschema chromium chromium-driver python3-selenium)
 [[ " ${presets[*]} " != *" clang "* ]] || packages+=(clang)
 install_missing "${packages[@]}"
 for preset in "${presets[@]}"; do

@@ -25,6 +25,11 @@ if(system_python)
         COMMAND ${system_python} ${CMAKE_CURRENT_SOURCE_DIR}/cli/command_test.py
                 $<TARGET_FILE:tarnex_command> ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
     set_tests_properties(command PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT ${test_seconds})
+
+    add_test(NAME report
+        COMMAND ${system_python} ${CMAKE_CURRENT_SOURCE_DIR}/report/report_test.py
+                $<TARGET_FILE:tarnex_command> ${PROJECT_SOURCE_DIR})
+    set_tests_properties(report PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT ${test_seconds})
 else()
     message(STATUS "The command and the schemas of JSON documents are not tested: /usr/bin/python3 was not found.")
 endif()

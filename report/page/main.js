@@ -115,7 +115,7 @@ function refresh() {
   map.colour(shareNow, switched?.failure ?? null);
   highlightChosen();
   drawDetails();
-  if (tabs[state.tab].name === "Links") table.draw();
+  if (tabs[state.tab].name === "Links") table.redraw(); // it has a column of what is shown
   if (table) table.mark(state.chosen ? `${state.chosen.kind}${state.chosen.id}` : null);
 }
 

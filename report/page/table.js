@@ -94,6 +94,11 @@ class Table {
       .attr("aria-selected", (record) => this.keyOf(record) === this.chosen);
   }
 
+  redraw() {
+    this.body.selectAll("*").remove();
+    this.draw();
+  }
+
   choose(record) {
     this.chosen = this.keyOf(record);
     this.draw();
