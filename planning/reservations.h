@@ -27,8 +27,8 @@ struct Reservation {
 /** The reservations of a plan by link. Its network, demands, paths and backups are sound. */
 std::vector<Reservation> reservationsOf(const Plan &plan);
 
-/** What the plan says that its links reserve or, if it was made by hand and does not tell, what they
- * do. */
+/** What the plan says that its links reserve or, if it was made by hand and does not tell, what
+ * they do. */
 std::vector<PlannedUse> usesOf(const Plan &plan);
 
 } // namespace tarnex::planning

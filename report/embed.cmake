@@ -12,11 +12,11 @@ foreach(name IN LISTS unique)
             string(APPEND bytes "${more}")
         endif()
     endforeach()
-    string(LENGTH "${bytes}" digits)
-    math(EXPR size "${digits} / 2")
-    string(REGEX REPLACE "(..)" "\\\\x\\1" bytes "${bytes}")
-    # A literal in pieces, since a compiler takes none of any length.
-    string(REGEX REPLACE "((\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..)(\\\\x..))" "\\1\"\n\"" bytes "${bytes}")
-    string(APPEND source "const std::string_view ${name}{\n\"${bytes}\", ${size}};\n")
+    # An array, since compilers need not take a literal of any length.
+    string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${bytes}")
+    string(REGEX REPLACE "('\\\\x..',)('\\\\x..',)('\\\\x..',)('\\\\x..',)" "\\1\\2\\3\\4\n" bytes
+        "${bytes}")
+    string(APPEND source "static const char ${name}Bytes[] = {\n${bytes}};\n"
+        "const std::string_view ${name}{${name}Bytes, sizeof ${name}Bytes};\n")
 endforeach()
 file(WRITE "${OUT}" "${source}\n} // namespace tarnex::report::resources\n")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing and checks the formatting of the C++ code (clang-format) and, of src/,
-# jni/ and api/, what static analysis finds (clang-tidy).
+# Installs what is missing and checks the formatting of the C++ code (clang-format), the syntax of the
+# page's scripts (node) and, of src/, jni/ and api/, what static analysis finds (clang-tidy).
 set -euo pipefail
 
 usage() {
@@ -58,6 +58,11 @@ install_missing clang-format
 note_version clang-format
 to_format=$(files_to_check '\.(cpp|h)' .)
 xargs -r clang-format --dry-run -Werror <<<"$to_format"
+
+install_missing nodejs
+for script in report/page/*.js; do
+    node --check "$script"
+done
 
 if $analyse; then
     install_missing "${build_packages[@]}" clang-tidy

@@ -67,8 +67,8 @@ struct Options {
     bool explainsRefusals = true;
     /**
      * Whether LSPs can have backups; Engine::protect is wrong use without it. An engine for
-     * primaries alone keeps no books about failures: LSPs on long paths come and go about four times as
-     * quickly, with the same results but for roundings that LSPs leave in those books.
+     * primaries alone keeps no books about failures: LSPs on long paths come and go about four
+     * times as quickly, with the same results but for roundings that LSPs leave in those books.
      */
     bool allowsBackups = true;
 };
