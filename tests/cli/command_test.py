@@ -339,7 +339,7 @@ class Work(Scratch):
 
 
 class Sweep(Scratch):
-    SETS = ["--set", "links,nodes,pairs", "--reroute", "--list", "lost"]
+    SETS = ["--set", "duplex,nodes", "--reroute", "--list", "lost"]
 
     def part(self, number, of, *options, save=None, status=(0, 1)):
         return self.run_words("fail", "plan.json", *self.SETS, "--shard", f"{number}/{of}", "--save",
@@ -404,8 +404,7 @@ class Sweep(Scratch):
             self.assertIn(problem, done.stderr)
 
     def test_a_process_that_dies_is_replaced(self):
-        lines = "".join(f"failure s{n} link Denver KansasCity node Houston\n" for n in range(3000))
-        self.write("many", lines)
+        self.write_many()
         words = ["fail", "plan.json", "--set", "many", "--reroute", "--json"]
         expected = self.run_words(*words, status=1).stdout
         process = subprocess.Popen([TARNEX, *words, "--jobs", "2"], cwd=self.folder,
@@ -413,6 +412,16 @@ class Sweep(Scratch):
         self.kill_some(process, "-P", str(process.pid))
         out, _ = process.communicate(timeout=60)
         self.assertEqual((process.returncode, out), (1, expected))
+
+    def write_many(self):
+        """As many failures as take a few seconds, also with a sanitizer."""
+        def write(number):
+            self.write("many", "".join(f"failure s{n} link Denver KansasCity node Houston\n"
+                                       for n in range(number)))
+        write(100)
+        begin = time.monotonic()
+        self.run_words("fail", "plan.json", "--set", "many", "--reroute", status=1)
+        write(int(min(4000, 100 * 3 / (time.monotonic() - begin))))
 
     def kill_some(self, process, *which):
         """Kills processes while another one runs."""
@@ -424,11 +433,10 @@ class Sweep(Scratch):
                     os.kill(int(one), signal.SIGKILL)
                     killed += 1
             time.sleep(0.05)
-        self.assertGreater(killed, 1)
+        self.assertGreater(killed, 0)
 
     def test_recipe_for_gnu_parallel_survives_processes_that_die(self):
-        self.write("many", "".join(f"failure s{n} link Denver KansasCity node Houston\n"
-                                   for n in range(2000)))
+        self.write_many()
         options = ["--set", str(self.folder / "many"), "--reroute"]
         expected = self.run_words("fail", "plan.json", *options, "--json", status=1).stdout
         process = subprocess.Popen([SOURCES / "deploy" / "parallel.sh", "plan.json", "sweep", "3",
