@@ -47,7 +47,9 @@ std::string valuesOf(const std::string &command, const Parameter &option)
     else if (option.completes == Completes::choices)
         offer =
             fmt::format("COMPREPLY=($(compgen -W '{}' -- \"$word\"))", joined(option.choices, " "));
-    return fmt::format("    '{} {}') {}; return ;;\n", command, option.name, offer);
+    const std::string letter =
+        option.letter.empty() ? "" : fmt::format("'{} {}' | ", command, option.letter);
+    return fmt::format("    {}'{} {}') {}; return ;;\n", letter, command, option.name, offer);
 }
 
 /** What else a command takes: its options, and files or words. */

@@ -52,6 +52,12 @@ void Declaration::text(std::string name, std::string argument, std::string help,
             }});
 }
 
+void Declaration::output(std::string help, std::string &target)
+{
+    text("--output", "FILE", std::move(help), target, Completes::files);
+    theGroups.back().options.back().letter = "-o";
+}
+
 void Declaration::count(std::string name, std::string argument, std::string help,
                         std::size_t &target, std::size_t least)
 {

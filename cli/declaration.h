@@ -21,6 +21,7 @@ enum class Completes { nothing, files, choices };
 /** An operand or an option. */
 struct Parameter {
     std::string name{};      ///< "FILE", or "--retry"
+    std::string letter{};    ///< of an option: "-o", which stands for it; empty when there is none
     std::string argument{};  ///< of an option: what stands for its value; empty for a flag
     std::string help{};      ///< for people, a sentence without a full stop
     bool isRequired = false; ///< of an operand
@@ -54,6 +55,8 @@ public:
     void flag(std::string name, std::string help, bool &target, bool value = true);
     void text(std::string name, std::string argument, std::string help, std::string &target,
               Completes completes = Completes::nothing);
+    /** `-o FILE`, `--output FILE`: where the result goes. */
+    void output(std::string help, std::string &target);
     /** A count from `least` on. */
     void count(std::string name, std::string argument, std::string help, std::size_t &target,
                std::size_t least = 0);

@@ -17,27 +17,6 @@ namespace
 
 using planning::Change;
 
-const char *wordFor(Change change)
-{
-    switch (change) {
-    case Change::moved:
-        return "moved";
-    case Change::gained:
-        return "gained";
-    case Change::lost:
-        return "lost";
-    case Change::reprotected:
-        return "other backups";
-    case Change::resized:
-        return "other bandwidth";
-    case Change::added:
-        return "added, not placed";
-    case Change::removed:
-        return "removed, was not placed";
-    }
-    return "";
-}
-
 Tone toneOf(Change change)
 {
     if (change == Change::lost)
@@ -68,7 +47,7 @@ Table demandsOf(const planning::PlanDiff &found, const Plan &before, const Plan 
                             {"pathAfter", "path after"}}};
     for (const planning::DemandChange &change : found.demands) {
         auto &row = table.rows.emplace_back();
-        row.emplace_back(std::string{wordFor(change.change)}, toneOf(change.change));
+        row.emplace_back(std::string{wordsFor(change.change)}, toneOf(change.change));
         row.emplace_back(change.name);
         addState(row, before, change.before);
         addState(row, after, change.after);
@@ -116,7 +95,7 @@ Facts countsOf(const planning::PlanDiff &found)
         std::size_t count = 0;
         for (const planning::DemandChange &change : found.demands)
             count += change.change == kind ? 1 : 0;
-        facts.facts.push_back({key, std::string{"LSPs "} + wordFor(kind), number(count)});
+        facts.facts.push_back({key, std::string{"LSPs "} + wordsFor(kind), number(count)});
     }
     facts.facts.push_back({"links", "links that differ", number(found.links.size())});
     return facts;
@@ -143,17 +122,11 @@ public:
 
     ExitStatus run() override
     {
-        const Plan first = readPlan(before);
-        const Plan second = readPlan(after);
+        const auto [first, second] = readPlans(before, after);
         nowDoing("comparing");
         const planning::PlanDiff found = planning::diff(first, second, threshold);
-        const std::string &unit = second.network.unit;
-        if (first.network.unit != unit)
-            throw UsageError(fmt::format("{} counts in {}, {} in {}: expected plans with the same "
-                                         "unit",
-                                         before, first.network.unit, after, unit));
         print({"difference",
-               unit,
+               second.network.unit,
                {countsOf(found), demandsOf(found, first, second), linksOf(found), nodesOf(found)}},
               form);
         return found.isEmpty() ? ExitStatus::done : ExitStatus::withFindings;

@@ -3,7 +3,7 @@
 #include "cli/command.h"
 #include "cli/errors.h"
 #include "cli/input.h"
-#include "cli/interrupt.h"
+#include "cli/output.h"
 
 #include <fmt/format.h>
 
@@ -23,28 +23,30 @@ public:
     void declare(Declaration &declaration) override
     {
         declaration.file("PLAN", "A plan, which `tarnex place --save` made", file);
-        declaration.file("OUT", "The drawing, by its suffix as .svg, .dot or .gv", target);
+        declaration.output("The drawing, by its suffix as .svg, .dot or .gv (default: PLAN with "
+                           ".svg)",
+                           output);
     }
 
     ExitStatus run() override
     {
-        const std::string suffix = std::filesystem::path{target}.extension().string();
-        if (suffix != ".svg" && suffix != ".dot" && suffix != ".gv")
+        const std::string suffix = std::filesystem::path{output}.extension().string();
+        if (!output.empty() && suffix != ".svg" && suffix != ".dot" && suffix != ".gv")
             throw UsageError(
-                fmt::format("{}: expected a file that ends in .svg, .dot or .gv", target));
+                fmt::format("--output {}: expected a file that ends in .svg, .dot or .gv", output));
         const Plan plan = readPlan(file);
-        replaceFiles({{target, [&](std::ostream &out) {
-                           if (suffix == ".svg")
-                               report::writeSvg(out, plan);
-                           else
-                               report::writePlacedDot(out, plan);
-                       }}});
+        writeBeside(file, ".svg", output, [&](std::ostream &out) {
+            if (output.empty() || suffix == ".svg")
+                report::writeSvg(out, plan);
+            else
+                report::writePlacedDot(out, plan);
+        });
         return ExitStatus::done;
     }
 
 private:
     std::string file;
-    std::string target;
+    std::string output;
 };
 
 const Page &DrawCommand::page() const
@@ -56,7 +58,7 @@ const Page &DrawCommand::page() const
             R"(Writes a drawing of the network of a plan as SVG, or as DOT with places for `neato -n2`: links coloured by what they reserve in their fullest class, over coast lines and borders where nodes have coordinates. The same plan gives the same drawing.)",
         .examples = {{"A plan:", "tarnex place abilene/abilene.network --demands "
                                  "abilene/abilene.demands --save plan.json"},
-                     {"The drawing:", "tarnex draw plan.json plan.svg"}},
+                     {"The drawing:", "tarnex draw plan.json -o map.svg"}},
         .findings = ""};
     return page;
 }

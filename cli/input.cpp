@@ -158,6 +158,17 @@ Plan readPlan(const std::string &file)
     return std::move(*input.plan);
 }
 
+std::pair<Plan, Plan> readPlans(const std::string &before, const std::string &after)
+{
+    std::pair<Plan, Plan> plans{readPlan(before), readPlan(after)};
+    const std::string &unit = plans.first.network.unit;
+    const std::string &other = plans.second.network.unit;
+    if (unit != other)
+        throw UsageError(fmt::format("{} counts in {}, {} in {}: expected plans with the same unit",
+                                     before, unit, after, other));
+    return plans;
+}
+
 double shareFrom(const std::string &text, const std::string &what)
 {
     const bool isPercent = text.ends_with('%');

@@ -6,6 +6,7 @@
 #include "formats/read.h"
 
 #include <string>
+#include <utility>
 
 namespace tarnex::cli
 {
@@ -37,6 +38,9 @@ NetworkInput readInput(const std::string &file, const InputOptions &options);
 
 /** Reads a plan; InputError when the file is something else. */
 Plan readPlan(const std::string &file);
+
+/** Reads two plans to compare; UsageError when they count bandwidth in different units. */
+std::pair<Plan, Plan> readPlans(const std::string &before, const std::string &after);
 
 /** "30%" or "0.3", 1 at most; UsageError. */
 double shareFrom(const std::string &text, const std::string &what);

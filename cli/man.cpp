@@ -62,7 +62,7 @@ std::string entries(const std::vector<Parameter> &parameters)
 {
     std::string roff;
     for (const Parameter &parameter : parameters)
-        roff += entry(parameter.name, parameter.argument, parameter.help);
+        roff += entry(spellingsOf(parameter), parameter.argument, parameter.help);
     return roff;
 }
 

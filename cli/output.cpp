@@ -1,6 +1,9 @@
 #include "cli/output.h"
 
 #include "cli/errors.h"
+#include "cli/interrupt.h"
+
+#include <filesystem>
 
 namespace tarnex::cli
 {
@@ -31,6 +34,15 @@ void declareForms(Declaration &declaration, Form &form, const std::string &csvOf
     declareForm(declaration, "--jsonl", "A JSON object per line, the first with schema and version",
                 form, Form::jsonLines);
     declareForm(declaration, "--csv", "CSV with a line of headings: " + csvOf, form, Form::csv);
+}
+
+void writeBeside(const std::string &input, const std::string &suffix, const std::string &output,
+                 std::function<void(std::ostream &)> write)
+{
+    std::filesystem::path target{output};
+    if (output.empty())
+        target = std::filesystem::path{input}.replace_extension(suffix);
+    replaceFiles({{std::move(target), std::move(write)}});
 }
 
 } // namespace tarnex::cli

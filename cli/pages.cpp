@@ -86,10 +86,15 @@ std::vector<std::pair<int, std::string>> exitStatuses(const Page *page)
     return all;
 }
 
+std::string spellingsOf(const Parameter &parameter)
+{
+    return parameter.letter.empty() ? parameter.name : parameter.letter + ", " + parameter.name;
+}
+
 std::string signatureOf(const Parameter &parameter)
 {
-    return parameter.argument.empty() ? parameter.name
-                                      : fmt::format("{} {}", parameter.name, parameter.argument);
+    const std::string names = spellingsOf(parameter);
+    return parameter.argument.empty() ? names : fmt::format("{} {}", names, parameter.argument);
 }
 
 std::string usageOf(const Page &page, const Declaration &declaration)

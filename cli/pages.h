@@ -21,7 +21,9 @@ std::vector<std::pair<int, std::string>> exitStatuses(const Page *page = nullptr
 /** "tarnex place FILE [OPTION...]". */
 std::string usageOf(const Page &page, const Declaration &declaration);
 
-/** "--save FILE". */
+/** "-o, --output". */
+std::string spellingsOf(const Parameter &parameter);
+/** "-o, --output FILE". */
 std::string signatureOf(const Parameter &parameter);
 
 /** The page of a command, for a terminal of some columns. */

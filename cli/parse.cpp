@@ -28,10 +28,13 @@ std::vector<Bound> bind(CLI::App &app, const Declaration &declaration)
             {operand, operand.repeats ? option->expected(-1)->take_all() : option->expected(1)});
     }
     for (const ParameterGroup &group : declaration.groups())
-        for (const Parameter &option : group.options)
+        for (const Parameter &option : group.options) {
+            const std::string names =
+                option.letter.empty() ? option.name : option.letter + ',' + option.name;
             all.push_back({option, option.argument.empty()
-                                       ? app.add_flag(option.name)
-                                       : app.add_option(option.name)->expected(1)->take_all()});
+                                       ? app.add_flag(names)
+                                       : app.add_option(names)->expected(1)->take_all()});
+        }
     return all;
 }
 

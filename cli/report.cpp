@@ -1,9 +1,8 @@
 #include "report/page.h"
 
 #include "cli/command.h"
-#include "cli/errors.h"
 #include "cli/input.h"
-#include "cli/interrupt.h"
+#include "cli/output.h"
 
 #include <filesystem>
 
@@ -13,6 +12,12 @@ namespace tarnex::cli
 namespace
 {
 
+std::string titleOf(const Plan &plan, const std::string &file)
+{
+    return plan.network.name.empty() ? std::filesystem::path{file}.stem().string()
+                                     : plan.network.name;
+}
+
 class ReportCommand : public Command
 {
 public:
@@ -21,33 +26,50 @@ public:
     void declare(Declaration &declaration) override
     {
         declaration.file("PLAN", "A plan, which `tarnex place --save` made", file);
-        declaration.text("--output", "FILE", "Where the page goes (default: PLAN with .html)",
-                         output, Completes::files);
+        declaration.output("Where the page goes (default: PLAN with .html)", output);
+        declaration.text("--compare", "BEFORE",
+                         "Shows another plan beside it, and what differs from that one to PLAN",
+                         before, Completes::files);
         declaration.text("--title", "TEXT", "What stands above it (default: the plan's name)",
                          title);
     }
 
     ExitStatus run() override
     {
-        const Plan plan = readPlan(file);
-        std::filesystem::path target{output};
-        if (output.empty())
-            target = std::filesystem::path{file}.replace_extension(".html");
-        replaceFiles(
-            {{target, [&](std::ostream &out) { report::writePage(out, plan, titleOf(plan)); }}});
+        if (before.empty())
+            writePlan();
+        else
+            writeComparison();
         return ExitStatus::done;
     }
 
 private:
-    std::string titleOf(const Plan &plan) const
+    void writePlan() const
     {
-        if (!title.empty())
-            return title;
-        return plan.network.name.empty() ? std::filesystem::path{file}.stem().string()
-                                         : plan.network.name;
+        const Plan plan = readPlan(file);
+        writeBeside(file, ".html", output, [&](std::ostream &out) {
+            report::writePage(out, plan, title.empty() ? titleOf(plan, file) : title);
+        });
+    }
+
+    void writeComparison() const
+    {
+        const auto [first, second] = readPlans(before, file);
+        const auto stem = [](const std::string &path) {
+            return std::filesystem::path{path}.stem().string();
+        };
+        std::string above = title;
+        if (title.empty() && !second.network.name.empty())
+            above = second.network.name + ": ";
+        if (title.empty())
+            above += stem(before) + " and " + stem(file);
+        writeBeside(file, ".html", output, [&](std::ostream &out) {
+            report::writeComparison(out, {first, stem(before)}, {second, stem(file)}, above);
+        });
     }
 
     std::string file;
+    std::string before;
     std::string output;
     std::string title;
 };
@@ -60,13 +82,20 @@ const Page &ReportCommand::page() const
         .purpose =
             R"(Writes one HTML file that works by itself: a map with links coloured by use, lists of LSPs, links, failures and refusals with search and sorting, and charts. Choose an LSP to see its path and its backups, a link to see what it reserves at each level, a failure to see the switch and the load after it.
 
+With --compare there are two plans side by side: which LSPs moved, were gained or lost, which links are fuller or emptier, what each failure does to either.
+
 Nodes stand where their coordinates say, over coast lines and borders; without coordinates they are laid out by how far they are from each other. The same plan gives the same page. Nothing in it asks the network for anything.)",
         .examples = {{"A plan whose LSPs have backups:",
                       "tarnex place abilene/abilene.network --demands abilene/abilene.demands "
                       "--protect local-or-global --save plan.json"},
                      {"The page, in plan.html:", "tarnex report plan.json"},
                      {"Elsewhere, under another title:",
-                      "tarnex report plan.json --output abilene.html --title 'Abilene, 2004'"}},
+                      "tarnex report plan.json -o abilene.html --title 'Abilene, 2004'"},
+                     {"Another plan, on shortest paths:",
+                      "tarnex place abilene/abilene.network --demands abilene/abilene.demands "
+                      "--protect local-or-global --objective hops --save hops.json"},
+                     {"The two side by side:",
+                      "tarnex report --compare plan.json hops.json -o comparison.html"}},
         .findings = ""};
     return page;
 }

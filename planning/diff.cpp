@@ -226,6 +226,27 @@ std::vector<std::string> nodesOnlyIn(const Network &network, const Network &othe
 
 } // namespace
 
+const char *wordsFor(Change change)
+{
+    switch (change) {
+    case Change::moved:
+        return "moved";
+    case Change::gained:
+        return "gained";
+    case Change::lost:
+        return "lost";
+    case Change::reprotected:
+        return "other backups";
+    case Change::resized:
+        return "other bandwidth";
+    case Change::added:
+        return "added, not placed";
+    case Change::removed:
+        return "removed, was not placed";
+    }
+    return "";
+}
+
 double LinkChange::gain() const
 {
     const double gained = reservedAfter - reservedBefore;

@@ -26,6 +26,9 @@ enum class Change {
     removed      ///< a demand of the first alone, not placed
 };
 
+/** A change in words: "other backups". */
+const char *wordsFor(Change change);
+
 /** A demand that differs. Its bandwidth, path and backups count as in the first of the changes
  * above that applies. */
 struct DemandChange {

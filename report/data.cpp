@@ -1,5 +1,6 @@
 #include "report/data.h"
 
+#include "planning/diff.h"
 #include "planning/failure_tally.h"
 #include "planning/link_finder.h"
 #include "planning/names.h"
@@ -205,23 +206,41 @@ json figuresOf(const Plan &plan)
             {"shared", summary.cost.shared}};
 }
 
+/** JSON in which nothing ends a script or begins a comment. */
+std::string forScript(const json &value)
+{
+    std::string text = value.dump(-1, ' ', false, json::error_handler_t::replace);
+    for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at))
+        text.replace(at, 1, "\\u003c");
+    return text;
+}
+
+json placeOf(const std::optional<DemandId> &demand)
+{
+    return demand ? json(demand->value) : json(nullptr);
+}
+
 } // namespace
 
-std::string dataOf(const Plan &plan, const std::string &title)
+std::string textFor(const std::vector<std::string> &names) { return forScript(names); }
+
+std::string dataOf(const Plan &plan)
 {
-    json data{{"title", title},
-              {"unit", plan.network.unit},
-              {"classes", plan.network.classes},
-              {"levels", plan.network.levels},
-              {"map", mapOf(plan.network)},
-              {"links", linksOf(plan)},
-              {"demands", demandsOf(plan)},
+    json data{{"unit", plan.network.unit},     {"classes", plan.network.classes},
+              {"levels", plan.network.levels}, {"map", mapOf(plan.network)},
+              {"links", linksOf(plan)},        {"demands", demandsOf(plan)},
               {"figures", figuresOf(plan)}};
     addFailures(plan, data);
-    std::string text = data.dump(-1, ' ', false, json::error_handler_t::replace);
-    for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at))
-        text.replace(at, 1, "\\u003c"); // what could end the script, or begin a comment
-    return text;
+    return forScript(data);
+}
+
+std::string changesOf(const Plan &before, const Plan &after)
+{
+    json changes = json::array();
+    for (const planning::DemandChange &change : planning::diff(before, after, 1.0).demands)
+        changes.push_back({planning::wordsFor(change.change), change.name, placeOf(change.before),
+                           placeOf(change.after)});
+    return forScript(changes);
 }
 
 } // namespace tarnex::report

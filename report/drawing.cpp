@@ -2,6 +2,7 @@
 
 #include "planning/reservations.h"
 #include "report/escape.h"
+#include "report/labels.h"
 #include "report/layout.h"
 
 #include <fmt/format.h>
@@ -83,6 +84,22 @@ void writeLand(std::ostream &out, const Layout &layout)
     }
 }
 
+void writeNodes(std::ostream &out, const Network &network, const Layout &layout,
+                const LabelSizes &sizes)
+{
+    for (const Point &node : layout.nodes)
+        fmt::print(out, "<circle cx=\"{:.1f}\" cy=\"{:.1f}\" r=\"{:.1f}\" fill=\"#22262b\"/>\n",
+                   node.x, node.y, sizes.radius);
+    std::vector<std::string> names;
+    for (const Node &node : network.nodes)
+        names.push_back(node.name);
+    const auto places = placeLabels(layout.nodes, names, sizes);
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (places[i])
+            fmt::print(out, "<text class=\"name\" x=\"{:.1f}\" y=\"{:.1f}\">{}</text>\n",
+                       places[i]->x, places[i]->y, escaped(names[i]));
+}
+
 void writeLegend(std::ostream &out, double y)
 {
     double x = 20.0;
@@ -91,7 +108,7 @@ void writeLegend(std::ostream &out, double y)
                    "<rect x=\"{0}\" y=\"{1:.1f}\" width=\"24\" height=\"10\" fill=\"{2}\"/>"
                    "<text x=\"{3}\" y=\"{4:.1f}\">{5}</text>\n",
                    x, y, step.colour, x + 30.0, y + 10.0, step.text);
-        x += 140.0;
+        x += (Layout::width - 20.0) / static_cast<double>(steps.size());
     }
 }
 
@@ -105,27 +122,22 @@ void writeSvg(std::ostream &out, const Plan &plan)
     const std::vector<double> shares = sharesOf(plan);
     const double unit =
         std::clamp(14.0 / std::sqrt(static_cast<double>(network.nodes.size()) + 1.0), 0.5, 1.5);
+    const double text = 13.0 * std::max(unit, 0.6);
     fmt::print(out,
                "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 {0} {1:.1f}\" "
                "width=\"{0}\" height=\"{1:.1f}\">\n"
-               "<style>text{{font:{2:.1f}px sans-serif}}.name{{stroke:#fff;stroke-width:3px;"
+               "<style>text{{font:13px "
+               "sans-serif}}.name{{font-size:{2:.1f}px;stroke:#fff;stroke-width:3px;"
                "paint-order:stroke}}path{{stroke-width:.8}}.coast,.border{{fill:none;"
                "stroke:#b9b3a4}}.border{{stroke-dasharray:4 3}}.state{{fill:none;stroke:#dedacd}}"
                "</style>\n<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n",
-               Layout::width, layout.height + legend, 13.0 * std::max(unit, 0.6));
+               Layout::width, layout.height + legend, text);
     writeLand(out, layout);
     for (std::size_t i = 0; i < network.links.size(); ++i)
         fmt::print(out, "<path fill=\"{}\" d=\"{}\"/>\n", colourOf(shares[i]),
                    shapeOf(layout.nodes[network.links[i].from.index()],
                            layout.nodes[network.links[i].to.index()], unit));
-    for (std::size_t i = 0; i < network.nodes.size(); ++i) {
-        const auto &[x, y] = layout.nodes[i];
-        fmt::print(out,
-                   "<circle cx=\"{0:.1f}\" cy=\"{1:.1f}\" r=\"{2:.1f}\" fill=\"#22262b\"/>"
-                   "<text class=\"name\" x=\"{3:.1f}\" y=\"{4:.1f}\">{5}</text>\n",
-                   x, y, 4.0 * unit, x + 7.0 * unit, y - 5.0 * unit,
-                   escaped(network.nodes[i].name));
-    }
+    writeNodes(out, network, layout, {.text = text, .radius = 4.0 * unit, .width = Layout::width});
     writeLegend(out, layout.height + 10.0);
     out << "</svg>\n";
 }

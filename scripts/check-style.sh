@@ -59,10 +59,15 @@ note_version clang-format
 to_format=$(files_to_check '\.(cpp|h)' .)
 xargs -r clang-format --dry-run -Werror <<<"$to_format"
 
-install_missing nodejs
-for script in report/page/*.js; do
-    node --check "$script"
-done
+# The scripts of a page see each other's names; those of the two pages do not.
+install_missing node-typescript
+check_scripts() {
+    tsc --noEmit --allowJs --checkJs --target es2022 --lib es2022,dom --noUnusedLocals \
+        --noUnusedParameters --noImplicitReturns --noFallthroughCasesInSwitch "$@"
+}
+shopt -s extglob
+check_scripts report/page/!(compare).js report/page/*.d.ts
+check_scripts report/page/!(main|charts).js report/page/*.d.ts
 
 if $analyse; then
     install_missing "${build_packages[@]}" clang-tidy

@@ -77,11 +77,15 @@ private:
 
     void readNode()
     {
-        expectWords(3, 3, "node ID NAME");
+        const bool hasPlace = lines.words().size() > 3;
+        expectWords(hasPlace ? 5 : 3, 5, "node ID NAME [LONGITUDE LATITUDE]");
         takeId(nodeIds, "node");
         SourceNode node;
         node.key = lines.words()[2];
         node.line = lines.line();
+        if (hasPlace)
+            node.at = {.longitude = lines.number(3, "a longitude"),
+                       .latitude = lines.number(4, "a latitude")};
         source.nodes.push_back(std::move(node));
     }
 

@@ -1,6 +1,6 @@
 // Charts: how full links are, how well LSPs are protected, what sharing saves.
 
-function usesChart(parent, width) {
+function usesChart(parent, plan, width) {
   const height = 170;
   const margin = { top: 8, right: 10, bottom: 26, left: 42 };
   const block = parent.append("div").attr("class", "chart");
@@ -56,10 +56,10 @@ function barsChart(parent, width, title, rows, parts, show) {
   }
 }
 
-function drawCharts(parent) {
+function drawCharts(parent, plan) {
   const width = 560;
   const { figures } = plan;
-  usesChart(parent, width);
+  usesChart(parent, plan, width);
   barsChart(parent, width, "LSPs protected against the failure of",
     figures.levels.map((level, i) => ({ name: plan.levels[i], parts: level.coverage })),
     [{ name: "links and nodes", colour: "var(--u2)" }, { name: "all links", colour: "var(--u1)" },
@@ -69,5 +69,5 @@ function drawCharts(parent) {
       { name: "if not shared", parts: [0, figures.dedicated, 0] },
       { name: "as shared", parts: [0, 0, figures.shared] }],
     [{ name: "LSPs", colour: "var(--u1)" }, { name: "backups, each its own", colour: "var(--u3)" },
-      { name: "backups, sharing", colour: "var(--u2)" }], bandwidth);
+      { name: "backups, sharing", colour: "var(--u2)" }], plan.bandwidth);
 }

@@ -1,14 +1,6 @@
 // What a failure does to the plan: every LSP on its path is followed around what has failed, on its
 // local backups, else beside it on its global one.
 
-function carriedWithout() {
-  const use = plan.links.map(() => plan.classes.map(() => 0));
-  for (const lsp of plan.lsps) for (const link of lsp.links) use[link.id][lsp.classType] += lsp.bandwidth;
-  return use;
-}
-
-const usualUse = carriedWithout();
-
 function wayAround(lsp, failed) {
   const way = [];
   for (let at = 0; at < lsp.links.length;) {
@@ -34,10 +26,10 @@ function fateOf(lsp, failure, failed) {
 }
 
 // What every link carries after the switch, by class, and what became of the LSPs that were hit.
-function switchOver(failure) {
+function switchOver(plan, failure) {
   const failed = new Set(failure.links);
   const hit = new Set(failure.links.flatMap((link) => link.lsps));
-  const use = usualUse.map((ofLink) => [...ofLink]);
+  const use = plan.usualUse.map((ofLink) => [...ofLink]);
   const fates = [];
   for (const lsp of [...hit].sort((a, b) => a.id - b.id)) {
     const { fate, way } = fateOf(lsp, failure, failed);

@@ -4,11 +4,13 @@ const steps = [0.2, 0.4, 0.6, 0.8, 1 + 1e-9];
 const colourOf = (share) => `var(--u${share === null ? 5 : d3.bisectLeft(steps, share)})`;
 
 class NetworkMap {
-  constructor(svg, onChoose) {
+  constructor(svg, plan, onChoose) {
     this.svg = svg;
+    this.plan = plan;
     this.onChoose = onChoose;
     this.view = d3.zoomIdentity;
-    const { width, height } = data.map;
+    this.onView = null; // called with a view after zooming and panning
+    const { width, height } = plan.map;
     svg.attr("viewBox", `0 0 ${width} ${height}`).attr("preserveAspectRatio", "xMidYMid meet");
     this.land = svg.append("g").attr("aria-hidden", true);
     this.linkLayer = svg.append("g");
@@ -17,7 +19,11 @@ class NetworkMap {
     this.nameLayer = svg.append("g").attr("aria-hidden", true);
     this.drawLand();
     this.zoom = d3.zoom().scaleExtent([0.5, 60])
-      .on("zoom", () => { this.view = d3.zoomTransform(svg.node()); this.place(); });
+      .on("zoom", () => {
+        this.view = d3.zoomTransform(svg.node());
+        this.place();
+        this.onView?.(this.view);
+      });
     svg.call(this.zoom).on("dblclick.zoom", null);
     this.linkShapes = this.linkLayer.selectAll("path").data(plan.links).join("path")
       .attr("class", "link");
@@ -40,7 +46,7 @@ class NetworkMap {
       return `M${pieces.join("L")}`;
     };
     for (const kind of ["state", "border", "coast"]) {
-      const lines = data.map.land.filter((line) => line[0] === kind);
+      const lines = this.plan.map.land.filter((line) => line[0] === kind);
       this.land.append("path").attr("class", kind).attr("d", lines.map(lineOf).join(""));
     }
   }
@@ -48,7 +54,7 @@ class NetworkMap {
   // How many units of the drawing a pixel of the screen is.
   get unit() {
     const box = this.svg.node().getBoundingClientRect();
-    return Math.max(data.map.width / (box.width || 1), data.map.height / (box.height || 1));
+    return Math.max(this.plan.map.width / (box.width || 1), this.plan.map.height / (box.height || 1));
   }
 
   at(node) { return this.view.apply([node.x, node.y]); }
@@ -66,7 +72,7 @@ class NetworkMap {
 
   place() {
     const unit = this.unit;
-    const crowd = Math.min(1.5, Math.max(0.7, 14 / Math.sqrt(plan.nodes.length) * this.view.k ** 0.4));
+    const crowd = Math.min(1.5, Math.max(0.7, 14 / Math.sqrt(this.plan.nodes.length) * this.view.k ** 0.4));
     this.linkUnit = unit * crowd;
     this.land.attr("transform", this.view);
     this.linkShapes.attr("d", (link) => this.shapeOf(link));
@@ -79,13 +85,13 @@ class NetworkMap {
 
   // Names where there is room for them, those of nodes with many links first.
   placeNames(unit) {
-    const { width, height } = data.map;
+    const { width, height } = this.plan.map;
     const size = 11.5 * unit;
     const taken = [];
     const shown = [];
     const wanted = this.named ?? new Set();
     const most = 45 * Math.max(1, this.view.k);
-    const nodes = wanted.size > 0 ? [...wanted] : plan.nodes;
+    const nodes = wanted.size > 0 ? [...wanted] : this.plan.nodes;
     const order = d3.sort(nodes, (a, b) => this.degree[b.id] - this.degree[a.id]);
     for (const node of order) {
       const [x, y] = this.at(node);
@@ -134,6 +140,19 @@ class NetworkMap {
     this.place();
   }
 
+  // The path of an LSP and its backups, or the way it goes after a switch that concerns it.
+  highlightLsp(lsp, switched) {
+    const now = switched?.fates.find((one) => one.lsp === lsp);
+    const backups = lsp.backups.map((backup) => ({ links: backup.links, kind: "backup" }));
+    if (now) this.highlight(now.way ? [{ links: now.way, kind: "path" }] : [], now.way ?? lsp.links);
+    else this.highlight([{ links: lsp.links, kind: "path" }, ...backups]);
+  }
+
+  highlightRefusal(demand) {
+    const inTheWay = (demand.inTheWay ?? []).map(([link]) => this.plan.links[link]);
+    this.highlight([], inTheWay, [demand.from, demand.to]);
+  }
+
   placeWays() {
     const unit = this.unit;
     const lineOf = (way) => `M${[way.links[0].from, ...way.links.map((link) => link.to)]
@@ -146,6 +165,7 @@ class NetworkMap {
   }
 
   zoomBy(factor) { this.svg.transition().duration(200).call(this.zoom.scaleBy, factor); }
+  show(view) { if (`${view}` !== `${this.view}`) this.svg.call(this.zoom.transform, view); }
   fit() { this.svg.transition().duration(200).call(this.zoom.transform, d3.zoomIdentity); }
 }
 

@@ -1,8 +1,8 @@
-// The plan, with names for everything that the data keeps in lists.
+// A plan, with names for everything that the data keeps in lists.
 
-const data = JSON.parse(document.getElementById("data").textContent);
+const pageData = JSON.parse(document.getElementById("data").textContent);
 
-const plan = (() => {
+function planOf(data) {
   const nodes = data.map.nodes.map(([name, x, y], id) => ({ id, name, x, y }));
   const links = data.links.map(([from, to, capacity, primary, total], id) => ({
     id, from: nodes[from], to: nodes[to], capacity, primary, total,
@@ -70,12 +70,17 @@ const plan = (() => {
       global, lost: lost[0], lostBandwidth: lost[1], ended, overloads,
     }));
 
+  const lsps = demands.filter((demand) => demand.links);
+  // What links carry without a failure, by class.
+  const usualUse = links.map(() => data.classes.map(() => 0));
+  for (const lsp of lsps) for (const link of lsp.links) usualUse[link.id][lsp.classType] += lsp.bandwidth;
+
   return {
-    nodes, links, demands, failures, classes: data.classes, levels: data.levels,
-    lsps: demands.filter((demand) => demand.links), unit: data.unit, figures: data.figures,
-    peaks: data.peaks,
+    nodes, links, demands, failures, lsps, usualUse, map: data.map, classes: data.classes,
+    levels: data.levels, figures: data.figures, peaks: data.peaks,
+    bandwidth: (value) => `${format(value)}${data.unit ? ` ${data.unit}` : ""}`,
   };
-})();
+}
 
 // Has `handle(event, datum)` called; what D3 hands to listeners depends on its version.
 function listen(selection, type, handle) {
@@ -85,8 +90,27 @@ function listen(selection, type, handle) {
   return selection;
 }
 
+const select = (id) => d3.select(`#${id}`);
 const sumUpTo = (levels, last) => d3.sum(levels.slice(0, last + 1));
 const format = d3.format(",.6~g");
-const bandwidth = (value) => `${format(value)}${plan.unit ? ` ${plan.unit}` : ""}`;
 const percent = (share) => (share === null || share === Infinity ? "over all" : `${(100 * share).toFixed(1)} %`);
 const shareOf = (use, capacity) => (use <= 0 ? 0 : capacity > 0 ? use / capacity : Infinity);
+
+// How full a link is, as the choices have it: `show` says what counts, `classType` -1 is the
+// fullest class, `level` the last one counted; what is carried after a switch goes before all that.
+function shareShown(plan, link, { show, classType, level }, switched) {
+  if (!switched && show === "worst") return plan.peaks[link.id][1];
+  const shareIn = (c) => {
+    if (switched) return shareOf(switched.use[link.id][c], link.capacity[c]);
+    const table = show === "carried" ? link.primary : link.total;
+    return shareOf(sumUpTo(table[c], level), link.capacity[c]);
+  };
+  return classType >= 0 ? shareIn(classType) : d3.max(plan.classes, (_, c) => shareIn(c));
+}
+
+function summaryOf(plan) {
+  const lost = plan.failures.filter((failure) => failure.lost > 0).length;
+  return `${plan.nodes.length} nodes, ${plan.links.length} links, ${plan.lsps.length} of ` +
+    `${plan.demands.length} demands placed, ${plan.figures.backups} backups; ` +
+    `${lost} of ${plan.failures.length} failures lose LSPs`;
+}

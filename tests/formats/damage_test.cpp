@@ -84,6 +84,8 @@ const std::vector<Damage> damages{
     {Format::text, text + "link 0 A B 1 2M\n",
      "input:4:14: expected a capacity, a number, not '2M'"},
     {Format::text, text + "node 1 C\n", "input:4:6: there is a node 1 already"},
+    {Format::text, text + "node 2 C 5.5\n",
+     "input:4:13: expected: node ID NAME [LONGITUDE LATITUDE]"},
     {Format::text, text + "levels 0 1 2 3 4 5 6 7 8\n", "input: 9 levels, at most 8 are possible"},
     {Format::text, text + "demand 1 A B c 0 5\n", "input:4: no class is called 'c' (a, b)"},
     {Format::text, text + "node 2 \"C D\nnode 3 E\"\n",

@@ -30,11 +30,11 @@ FLAGS = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-background-ne
 
 # What the page makes of every failure, as the command tells it.
 ALL_SWITCHES = """return plan.failures.map((failure) => {
-  const { use, fates } = switchOver(failure);
+  const { use, fates } = switchOver(plan, failure);
   const of = (fate) => fates.filter((one) => one.fate === fate);
   const full = plan.links.flatMap((link) => plan.classes.map((_, c) => [link, c]))
     .filter(([link, c]) => use[link.id][c] > link.capacity[c] * (1 + 1e-9) &&
-      use[link.id][c] > usualUse[link.id][c] * (1 + 1e-9));
+      use[link.id][c] > plan.usualUse[link.id][c] * (1 + 1e-9));
   return { failure: failure.name, hit: fates.length, local: of("local").length,
     global: of("global").length, lost: of("lost").length, ended: of("ended").length,
     lostBandwidth: d3.sum(of("lost"), (one) => one.lsp.bandwidth), overloads: full.length };
@@ -153,14 +153,61 @@ class Page(unittest.TestCase):
     def test_tables_sort_and_keys_move(self):
         self.open_abilene()
         self.browser.find_element(By.XPATH, "//button[@role='columnheader'][.='bandwidth']").click()
-        shown = self.browser.execute_script("return table.rows.map((lsp) => lsp.bandwidth)")
+        shown = self.browser.execute_script("return tabs.table.rows.map((lsp) => lsp.bandwidth)")
         self.assertEqual(shown, sorted(shown, reverse=True))
         rows = self.find(".rows")
         rows.send_keys(Keys.ARROW_DOWN, Keys.ARROW_DOWN)
-        chosen = self.browser.execute_script("return [state.chosen.id, table.rows[1].id]")
+        chosen = self.browser.execute_script("return [state.chosen.id, tabs.table.rows[1].id]")
         self.assertEqual(chosen[0], chosen[1])
         rows.send_keys(Keys.ESCAPE)
         self.assertIn("Choose an LSP", self.find("#details").text)
+
+    def test_two_plans_side_by_side(self):
+        examples = SOURCES / "examples" / "abilene"
+        for objective in ("load", "hops"):
+            self.tarnex("place", examples / "abilene.network", "--demands", examples / "abilene.demands",
+                        "--protect", "local-or-global", "--objective", objective,
+                        "--save", f"{objective}.json")
+        self.tarnex("report", "--compare", "load.json", "hops.json", "-o", "both.html")
+        self.browser.get(f"file://{self.folder}/both.html")
+        told = json.loads(self.tarnex("diff", "load.json", "hops.json", "--json"))
+        found = self.browser.execute_script(
+            "return demands.map(({ name, change, pair }) => [change, name, ...pair.map("
+            "(one) => one?.nodes ? one.nodes.map((node) => node.name) : null)])")
+        self.assertGreater(len(found), 0)
+        self.assertEqual(found, [[row["change"], row["demand"], row["pathBefore"], row["pathAfter"]]
+                                 for row in told["demands"]])
+        for c, name in enumerate(("interactive", "data")):
+            Select(self.find("#class")).select_by_visible_text(name)
+            growth = dict(self.browser.execute_script(
+                "return links.filter(differs).map((link) => [link.name, growth(link)])"))
+            rows = {row["link"]: row for row in told["links"] if row["class"] == name}
+            self.assertEqual(set(growth), set(rows))
+            for link, row in rows.items():
+                self.assertAlmostEqual(growth[link], row["gain"])
+        moved = next(row for row in told["demands"] if row["change"] == "moved")
+        self.row(moved["demand"])
+        for side, key in (("before", "pathBefore"), ("after", "pathAfter")):
+            self.assertIn(" > ".join(moved[key]), self.find(f"#{side}-details").text)
+            self.assertEqual(len(self.browser.find_elements(By.CSS_SELECTOR, f"#{side}-map .way.path")), 1)
+        Select(self.find("#failure")).select_by_visible_text("Houston")
+        for side in ("before", "after"):
+            self.assertIn("Houston fails", self.find(f"#{side}-details").text)
+        self.browser.execute_script("before.map.fit(); after.map.show(d3.zoomIdentity.scale(3))")
+        self.assertEqual(self.browser.execute_script("return before.map.view.k"), 3)
+
+    def test_names_in_a_drawing_keep_apart(self):
+        self.open_abilene()
+        self.tarnex("draw", "plan.json", "-o", "map.svg")
+        self.browser.get(f"file://{self.folder}/map.svg")
+        boxes = self.browser.execute_script(
+            "return [...document.querySelectorAll('.name, circle')].map((one) => {"
+            "const { x, y, width, height } = one.getBBox();"
+            "return [one.textContent, x, y + 0.2 * height, x + width, y + 0.8 * height]; })")
+        self.assertEqual(len([box for box in boxes if box[0]]), 11)
+        for i, (_, left, top, right, bottom) in enumerate(boxes):
+            for _, left2, top2, right2, bottom2 in boxes[:i]:
+                self.assertFalse(left < right2 and left2 < right and top < bottom2 and top2 < bottom)
 
     def test_names_are_but_names(self):
         bad = '</script><img src=x onerror="document.title=1">'

@@ -71,7 +71,10 @@ record Network(List<String> classes, List<String> levels, Map<String, Integer> n
     }
 
     private void addNode(Statement statement) throws InputException {
-        statement.expectArguments("ID", "NAME");
+        int withCoordinates = 5; // which paths do not need
+        if (statement.words().size() != withCoordinates) {
+            statement.expectArguments("ID", "NAME");
+        }
         int id = statement.id(1);
         if (nodes.containsValue(id)) {
             throw statement.error("there is a node " + id + " already");
