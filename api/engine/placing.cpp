@@ -147,6 +147,19 @@ Result<Placement> Engine::place(const Request &request)
                           session.options.explainsRefusals);
 }
 
+std::vector<Result<Placement>> Engine::placeAll(std::span<const Request> requests)
+{
+    State &session = live();
+    for (const Request &request : requests)
+        static_cast<void>(inside::checked(session, request));
+    session.checkIds(requests);
+    std::vector<Result<Placement>> results;
+    results.reserve(requests.size());
+    for (const Request &request : requests)
+        results.push_back(place(request));
+    return results;
+}
+
 Result<Placement> Engine::propose(const Request &request)
 {
     State &session = live();

@@ -30,11 +30,40 @@ DBLink &existing(const inside::Session &session, LinkId link)
     return *stored;
 }
 
+/** The ids below `end` that are in use. */
+template <class Id, class IsUsed>
+std::vector<Id> idsWhere(Long end, IsUsed isUsed)
+{
+    std::vector<Id> ids;
+    for (Long id = 0; id < end; ++id)
+        if (isUsed(id))
+            ids.push_back(Id{id});
+    return ids;
+}
+
 } // namespace
 
 std::size_t Engine::nbNodes() const { return static_cast<std::size_t>(live().db->nbNodes); }
 std::size_t Engine::nbLinks() const { return static_cast<std::size_t>(live().db->nbLinks); }
 std::size_t Engine::nbLsps() const { return live().nbLsps; }
+
+std::vector<NodeId> Engine::nodes() const
+{
+    const DBNodeVec &nodes = live().db->nodeVec;
+    return idsWhere<NodeId>(nodes.top, [&](Long id) { return nodes.cont[id] != nullptr; });
+}
+
+std::vector<LinkId> Engine::links() const
+{
+    const LongVec &starts = live().db->linkSrcVec;
+    return idsWhere<LinkId>(starts.top, [&](Long id) { return starts.cont[id] != 0; });
+}
+
+std::vector<LspId> Engine::lsps() const
+{
+    const DBLSPVec &lsps = live().db->lspVec;
+    return idsWhere<LspId>(lsps.size, [&](Long id) { return lspAt(lsps, id) != nullptr; });
+}
 
 std::optional<LinkId> Engine::linkBetween(NodeId from, NodeId to) const
 {

@@ -86,6 +86,21 @@ LspId Session::idFor(LspId wanted) const
     return id;
 }
 
+void Session::checkIds(std::span<const Request> requests) const
+{
+    std::vector<LspId> named;
+    for (const Request &request : requests)
+        if (request.id.isValid())
+            named.push_back(idFor(request.id));
+    if (named.empty() && nextId + static_cast<std::int64_t>(requests.size()) > mostIds + 1)
+        wrong("There are not so many LSP ids left.");
+    if (!named.empty() && named.size() < requests.size())
+        wrong("Some requests name an id and some do not.");
+    std::ranges::sort(named);
+    if (const auto twice = std::ranges::adjacent_find(named); twice != named.end())
+        wrong("LSP " + std::to_string(twice->value) + " is asked for twice.");
+}
+
 Lsp Session::lspOf(const DBLabelSwitchedPath &record) const
 {
     return inside::lspOf(*db, record, classTypes[static_cast<std::size_t>(record.id)]);

@@ -69,7 +69,11 @@ public:
     /** Computes the path of least score that has room, and sets the LSP up; LSPs that have to give
      * way are removed with their backups. */
     Result<Placement> place(const Request &request);
-    /** The same, but nothing changes; the id in the result is invalid if the request names none. */
+    /** Places many, one after the other, a result for each. Either all of them name their ids or
+     * none does; wrong use by any is found before the first is placed. After std::bad_alloc those
+     * before it are placed. */
+    std::vector<Result<Placement>> placeAll(std::span<const Request> requests);
+    /** As place, but nothing changes; the id in the result is invalid if the request names none. */
     Result<Placement> propose(const Request &request);
     /** Computes backups for a primary and sets them up, all or none; their ids are the next ones
      * never used or, if `firstId` is valid, the ones from there on. They carry the bandwidth of the
@@ -101,6 +105,10 @@ public:
     std::size_t nbNodes() const;
     std::size_t nbLinks() const;
     std::size_t nbLsps() const;
+    /** All ids in use, ascending. */
+    std::vector<NodeId> nodes() const;
+    std::vector<LinkId> links() const;
+    std::vector<LspId> lsps() const;
     /** The link from a node to another; none when there is none. */
     std::optional<LinkId> linkBetween(NodeId from, NodeId to) const;
     /** What a link carries; WrongUse for an unknown one, as below. */

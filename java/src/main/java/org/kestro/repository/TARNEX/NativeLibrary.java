@@ -11,22 +11,28 @@ import java.util.Locale;
 /**
  * Finds and loads the native library of the engine.
  *
+ * <p>For the classes of this jar; a program has no need to call it.
+ *
  * <p>A library on {@code java.library.path} wins over the copy inside the jar, so that a freshly
  * built or a system-wide one can be used without touching the jar.
  */
-final class NativeLibrary {
+public final class NativeLibrary {
     private static final String NAME = "tarnex";
+    private static boolean isLoaded; // a second copy from the jar would have books of its own
 
     private NativeLibrary() {
     }
 
     /**
-     * Loads the library.
+     * Loads the library, the first time it is called.
      *
      * @throws UnsatisfiedLinkError naming both places that were tried, when neither has a library
      *         that can be loaded here
      */
-    static void load() {
+    public static synchronized void load() {
+        if (isLoaded) {
+            return;
+        }
         try {
             System.loadLibrary(NAME);
         } catch (UnsatisfiedLinkError notOnPath) {
@@ -37,6 +43,7 @@ final class NativeLibrary {
                 throw failure(notOnPath, resource, notInJar);
             }
         }
+        isLoaded = true;
     }
 
     private static void loadFromJar(String resource) throws IOException {
