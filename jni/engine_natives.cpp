@@ -120,15 +120,54 @@ jlong JNICALL countedMemory(JNIEnv * /*env*/, jclass /*type*/)
     return tarnex::Engine::countedMemory();
 }
 
-/** A row of the table of methods; JNI takes names and signatures as writable text. */
+jstring JNICALL libraryVersion(JNIEnv *env, jclass /*type*/)
+{
+    return env->NewStringUTF(TARNEX_VERSION);
+}
+
+/** A row of a table of methods; JNI takes names and signatures as writable text. */
 JNINativeMethod method(const char *name, const char *signature, void *function)
 {
     return {const_cast<char *>(name), const_cast<char *>(signature), function};
 }
 
+/** The version of the classes; empty when they do not tell. */
+std::string versionOf(JNIEnv *env, jclass loader)
+{
+    const jfieldID field = env->GetStaticFieldID(loader, "VERSION", "Ljava/lang/String;");
+    if (!field)
+        return {};
+    const auto text = static_cast<jstring>(env->GetStaticObjectField(loader, field));
+    std::string version(static_cast<std::size_t>(env->GetStringUTFLength(text)) + 1, '\0');
+    env->GetStringUTFRegion(text, 0, env->GetStringLength(text), version.data());
+    version.pop_back();
+    return version;
+}
+
+/** Registers the methods of both classes; false with or without a pending exception. */
+bool registerMethods(JNIEnv *env, jclass loader)
+{
+    const JNINativeMethod ofLoader[] = {
+        method("libraryVersion", "()Ljava/lang/String;", reinterpret_cast<void *>(libraryVersion)),
+    };
+    const JNINativeMethod ofEngines[] = {
+        method("open", "([D)J", reinterpret_cast<void *>(openEngine)),
+        method("close", "(J)Z", reinterpret_cast<void *>(closeEngine)),
+        method("call", "(JI[D[Ljava/lang/String;)[D", reinterpret_cast<void *>(call)),
+        method("countedMemory", "()J", reinterpret_cast<void *>(countedMemory)),
+    };
+    const jclass engines = env->FindClass("org/kestro/tarnex/Native");
+    return engines != nullptr &&
+           env->RegisterNatives(loader, ofLoader, static_cast<jint>(std::size(ofLoader))) ==
+               JNI_OK &&
+           env->RegisterNatives(engines, ofEngines, static_cast<jint>(std::size(ofEngines))) ==
+               JNI_OK;
+}
+
 } // namespace
 
-/** Registers the methods; a class path with the class JNITARNEX alone is fine, too. */
+/** Registers the methods with classes of the same version; a class path with the class JNITARNEX
+ * alone is fine, too. */
 extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM *vm, void * /*reserved*/)
 {
     constexpr jint version = JNI_VERSION_1_8;
@@ -136,17 +175,18 @@ extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM *vm, void * /*reserved*/)
     if (vm->GetEnv(&found, version) != JNI_OK)
         return JNI_ERR;
     auto *env = static_cast<JNIEnv *>(found);
-    const jclass type = env->FindClass("org/kestro/tarnex/Native");
-    if (!type) {
+    const jclass loader = env->FindClass("org/kestro/tarnex/internal/NativeLibrary");
+    if (!loader) {
         env->ExceptionClear();
         return version;
     }
-    const JNINativeMethod methods[] = {
-        method("open", "([D)J", reinterpret_cast<void *>(openEngine)),
-        method("close", "(J)Z", reinterpret_cast<void *>(closeEngine)),
-        method("call", "(JI[D[Ljava/lang/String;)[D", reinterpret_cast<void *>(call)),
-        method("countedMemory", "()J", reinterpret_cast<void *>(countedMemory)),
-    };
-    const auto count = static_cast<jint>(std::size(methods));
-    return env->RegisterNatives(type, methods, count) == JNI_OK ? version : JNI_ERR;
+    const std::string ofClasses = versionOf(env, loader);
+    if (ofClasses == TARNEX_VERSION && registerMethods(env, loader))
+        return version;
+    env->ExceptionClear();
+    raise(env, "java/lang/UnsatisfiedLinkError",
+          ("the library is of version " TARNEX_VERSION ", the classes are of " +
+           (ofClasses.empty() ? "another" : "version " + ofClasses))
+              .c_str());
+    return JNI_ERR;
 }

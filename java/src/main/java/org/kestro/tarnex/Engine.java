@@ -5,7 +5,7 @@ import java.lang.ref.Reference;
 import java.util.List;
 import java.util.Optional;
 import java.util.OptionalInt;
-import org.kestro.repository.TARNEX.NativeLibrary;
+import org.kestro.tarnex.internal.NativeLibrary;
 
 /**
  * One network with its LSPs, and the books about what they reserve.

@@ -3,6 +3,7 @@ package org.kestro.repository.TARNEX;
 import org.kestro.repository.model.exception.AddDBException;
 import org.kestro.repository.model.exception.NoRouteToHostException;
 import org.kestro.repository.model.exception.RoutingException;
+import org.kestro.tarnex.internal.NativeLibrary;
 
 /**
  * A path computation engine for MPLS networks with DiffServ classes.

@@ -1,38 +1,21 @@
 package org.kestro.repository.TARNEX;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
-import java.io.File;
-import java.nio.charset.StandardCharsets;
-import java.nio.file.FileSystem;
-import java.nio.file.FileSystems;
-import java.nio.file.Files;
 import java.nio.file.Path;
-import java.util.ArrayList;
 import java.util.List;
 import java.util.Locale;
 import java.util.regex.Pattern;
-import java.util.stream.Stream;
-
 import javax.tools.ToolProvider;
 import org.junit.jupiter.api.Test;
-import org.junit.jupiter.api.io.TempDir;
+import org.kestro.ProcessRunner;
 
-/** What a whole process shows: standard output and error, the loader. */
-class ProcessTest {
-    private static final Pattern JNI_FINDING =
-            Pattern.compile("(WARNING|FATAL ERROR) in native method|WARNING: JNI");
-
-    @TempDir
-    Path temp;
-    private String out;
-    private String err;
-
+/** What a whole process shows: standard output and error. */
+class ProcessTest extends ProcessRunner {
     @Test
     void dumpShowsNodesLinksAndReservations() throws Exception {
-        run(codeOf(JNITARNEX.class), "dump");
+        run("dump");
         assertEquals("Printing info about nodes ...\n" + "-".repeat(29) + "\n"
                      + node(0, "1 ", "1 2 ") + node(1, "0 2 ", "0 ") + node(2, "0 ", "1 ")
                      + node(5, "", "")
@@ -63,7 +46,7 @@ class ProcessTest {
 
     @Test
     void killPrintsTheTrailOfFailuresNewestFirst() throws Exception {
-        run(codeOf(JNITARNEX.class), "trail");
+        run("trail");
         assertEquals("AddDBException null\n".repeat(9)
                      + "NoRouteToHostException null\n".repeat(3), out);
         assertEquals("""
@@ -106,7 +89,7 @@ class ProcessTest {
 
     @Test
     void backupsThatCannotBeFoundOrAddedAreExplained() throws Exception {
-        run(codeOf(JNITARNEX.class), "backups");
+        run("backups");
         assertEquals("AddDBException null\ndone\nAddDBException null\n"
                      + "NoRouteToHostException null\n".repeat(2) + "done\nSwitching from node to "
                      + "link protection for lsp number: 7\nOups ... no path found ...\n", out);
@@ -124,25 +107,12 @@ class ProcessTest {
     }
 
     @Test
-    void theJarCarriesTheLibrary() throws Exception {
-        String noLibraries = "-Djava.library.path=" + Files.createDirectory(temp.resolve("libs"));
-        Path unpackedTo = Files.createDirectory(temp.resolve("tmp"));
-        run(codeOf(JNITARNEX.class), "load", noLibraries, "-Djava.io.tmpdir=" + unpackedTo);
-        assertEquals("slot 0\ndone\n", out);
-        assertEquals(0, unpackedTo.toFile().list().length);
-
-        run(jarWithout("native"), "load", noLibraries);
-        assertTrue(out.matches("(?s)UnsatisfiedLinkError .*java.library.path.*"
-                               + "/native/linux-\\w+/libtarnex.so.*"), out);
-    }
-
-    @Test
     void theExampleKnowsWhatBackupsReserve() throws Exception {
         Path folder = Path.of(System.getProperty("tarnex.examples"));
         assertEquals(0, ToolProvider.getSystemJavaCompiler().run(
                 null, null, null, "-d", temp.toString(), "-sourcepath", folder + "/java",
                 folder + "/java/org/kestro/examples/PlaceDemands.java"));
-        java(codeOf(JNITARNEX.class), temp, List.of(
+        java(List.of(JAR, temp), List.of(
                 "org.kestro.examples.PlaceDemands", "--dump", folder + "/abilene/abilene.network",
                 folder + "/abilene/abilene.demands"));
         double kept = Pattern.compile("([pr])bw\\[.\\] = (.+)").matcher(out).results().mapToDouble(
@@ -150,42 +120,7 @@ class ProcessTest {
         assertTrue(kept > 0 && out.contains("reserve " + Math.round(kept) + " Mbit/s"), out);
     }
 
-    private void run(Path engine, String scenario, String... options) throws Exception {
-        java(engine, codeOf(Scenarios.class), List.of(Scenarios.class.getName(), scenario),
-             options);
-    }
-
-    /** Runs a class under -Xcheck:jni and keeps what it printed. */
-    private void java(Path jar, Path classes, List<String> main, String... flags) throws Exception {
-        List<String> command = new ArrayList<>(List.of(
-                System.getProperty("java.home") + "/bin/java", "-Xcheck:jni",
-                "-Djava.library.path=" + System.getProperty("java.library.path"),
-                "-cp", jar + File.pathSeparator + classes));
-        command.addAll(List.of(flags));
-        command.addAll(main);
-        Path stdout = temp.resolve("stdout");
-        Path stderr = temp.resolve("stderr");
-        int exit = new ProcessBuilder(command).redirectOutput(stdout.toFile())
-                .redirectError(stderr.toFile()).start().waitFor();
-        out = Files.readString(stdout, StandardCharsets.ISO_8859_1);
-        err = Files.readString(stderr, StandardCharsets.ISO_8859_1);
-        assertEquals(0, exit, out + err);
-        assertFalse(JNI_FINDING.matcher(out + err).find(), out + err);
-    }
-
-    /** A copy of the engine's jar, unpacked, without one of its folders. */
-    private Path jarWithout(String folder) throws Exception {
-        Path copy = temp.resolve("unpacked");
-        try (FileSystem jar = FileSystems.newFileSystem(codeOf(JNITARNEX.class));
-             Stream<Path> files = Files.walk(jar.getPath("/"))) {
-            for (Path file : files.filter(f -> !f.startsWith("/" + folder)).toList()) {
-                Files.copy(file, copy.resolve(file.toString().substring(1)));
-            }
-        }
-        return copy;
-    }
-
-    private static Path codeOf(Class<?> type) throws Exception {
-        return Path.of(type.getProtectionDomain().getCodeSource().getLocation().toURI());
+    private void run(String scenario) throws Exception {
+        java(List.of(JAR, codeOf(Scenarios.class)), List.of(Scenarios.class.getName(), scenario));
     }
 }

@@ -59,7 +59,6 @@ final class Scenarios {
     /** Runs a scenario; what the library prints and what this prints go to different streams. */
     public static void main(String[] arguments) throws Exception {
         switch (arguments[0]) {
-            case "load" -> attempt(null, e -> System.out.println("slot " + start(1, 1).sessId));
             case "dump" -> dump();
             case "trail" -> trail();
             case "backups" -> backups();
