@@ -16,7 +16,7 @@ import java.util.Set;
  * @param level preemption level, an index into the levels of the network; 0 is the most important
  * @param bandwidth Mbit/s
  */
-record Demand(int id, String ingress, String egress, int classType, int level, float bandwidth) {
+record Demand(int id, String ingress, String egress, int classType, int level, double bandwidth) {
 
     /** Reads the demands of several files, in order. */
     static List<Demand> readAll(List<Path> files, Network network)

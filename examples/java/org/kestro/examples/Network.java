@@ -28,12 +28,7 @@ record Network(List<String> classes, List<String> levels, Map<String, Integer> n
      * @param to name of the node where it ends
      * @param capacity Mbit/s, indexed by class type
      */
-    record Link(int id, String from, String to, float[] capacity) {
-
-        /** The names of its two ends, as {@link #hops} gives them. */
-        List<String> ends() {
-            return List.of(from, to);
-        }
+    record Link(int id, String from, String to, double[] capacity) {
     }
 
     /** Reads a network file; the statements are explained at the head of the example file. */
@@ -93,7 +88,7 @@ record Network(List<String> classes, List<String> levels, Map<String, Integer> n
             throw statement.error("expected: link ID FROM TO and a capacity for each of the "
                                   + classes.size() + " classes");
         }
-        float[] capacity = new float[classes.size()];
+        double[] capacity = new double[classes.size()];
         for (int oa = 0; oa < capacity.length; oa++) {
             capacity[oa] = statement.bandwidth(fixed + oa);
         }
@@ -112,15 +107,6 @@ record Network(List<String> classes, List<String> levels, Map<String, Integer> n
             }
         }
         links.add(link);
-    }
-
-    /** The links of a path, each named by its two ends. */
-    static List<List<String>> hops(List<String> path) {
-        List<List<String>> hops = new ArrayList<>();
-        for (int hop = 0; hop + 1 < path.size(); hop++) {
-            hops.add(List.of(path.get(hop), path.get(hop + 1)));
-        }
-        return hops;
     }
 
     /** The word at a position, checked to be the name of a node. */

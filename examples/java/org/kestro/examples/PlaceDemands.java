@@ -1,11 +1,14 @@
 package org.kestro.examples;
 
 import java.nio.file.Path;
-import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
-
-import org.kestro.repository.model.exception.AddDBException;
+import org.kestro.tarnex.Engine;
+import org.kestro.tarnex.Objective;
+import org.kestro.tarnex.Options;
+import org.kestro.tarnex.PlaceResult;
+import org.kestro.tarnex.Request;
+import org.kestro.tarnex.Scheme;
 
 /**
  * Places the demands of one or more files on a network, protects the LSPs with backups, and reports
@@ -18,18 +21,10 @@ import org.kestro.repository.model.exception.AddDBException;
 public final class PlaceDemands {
     private static final String USAGE = """
             usage: java -cp tarnex.jar:examples.jar org.kestro.examples.PlaceDemands \\
-                        [--dump] NETWORK DEMANDS...
+                        NETWORK DEMANDS...
 
-              --dump    also print what the engine knows about the network in the end
               NETWORK   file with the nodes and links
-              DEMANDS   file(s) with the demands, placed in the order given
-
-            The report goes to standard output, the engine's messages about refused demands to
-            standard error. The engine prints lines of its own to standard output when it finds no
-            backup; into a file or a pipe they come last.""";
-
-    private static final String TRAIL_HEADING =
-            "Engine's trail of what was refused (expected; newest first):";
+              DEMANDS   file(s) with the demands, placed in the order given""";
 
     private PlaceDemands() {
     }
@@ -38,62 +33,51 @@ public final class PlaceDemands {
      * Runs the example. The exit code is 0 when all demands were tried, 1 when an input file
      * cannot be used, 2 when the arguments are wrong.
      *
-     * @param arguments the network file, then the demand files; before them "--dump" or nothing
+     * @param arguments the network file, then the demand files
      */
     public static void main(String[] arguments) {
-        boolean dump = arguments.length > 0 && arguments[0].equals("--dump");
-        List<Path> files = Arrays.stream(arguments).skip(dump ? 1 : 0).map(Path::of).toList();
-        if (files.size() < 2) {
+        if (arguments.length < 2) {
             System.err.println(USAGE);
             System.exit(2);
         }
+        List<Path> files = Arrays.stream(arguments).map(Path::of).toList();
         try {
             Network network = Network.read(files.get(0));
-            List<Demand> demands = Demand.readAll(files.subList(1, files.size()), network);
-            placeAll(network, demands, dump);
-        } catch (InputException e) {
-            fail(e.getMessage());
-        } catch (AddDBException e) {
-            fail("the engine refused " + e.getMessage()
-                 + "; ids index tables, keep them small");
-        } catch (UnsatisfiedLinkError e) {
-            fail(e.getMessage());
+            placeAll(network, Demand.readAll(files.subList(1, files.size()), network));
+        } catch (InputException | IllegalArgumentException | UnsatisfiedLinkError e) {
+            System.err.println("error: " + e.getMessage());
+            System.exit(1);
         }
     }
 
-    private static void placeAll(Network network, List<Demand> demands, boolean dump)
-            throws AddDBException {
-        Report report = new Report(System.out, network);
-        report.line("%d nodes, %d links, %d demands; bandwidths in Mbit/s%n",
-                    network.nodes().size(), network.links().size(), demands.size());
-        List<Placement.Outcome> outcomes = new ArrayList<>();
-        int lastId = demands.stream().mapToInt(Demand::id).max().orElse(0);
-        try (Placement placement = new Placement(network, lastId + 1)) {
+    private static void placeAll(Network network, List<Demand> demands) {
+        Options options = Options.builder().classTypes(network.classes().size())
+                .levels(network.levels().size()).objective(Objective.FORTZ).build();
+        try (Engine engine = new Engine(options)) {
+            network.nodes().values().forEach(engine::addNode);
+            for (Network.Link link : network.links()) {
+                engine.addLink(link.id(), network.nodes().get(link.from()),
+                               network.nodes().get(link.to()), link.capacity());
+            }
+            Report report = new Report(System.out, network, engine, demands);
             for (Demand demand : demands) {
-                Placement.Outcome outcome = placement.place(demand);
-                report.outcome(outcome);
-                outcomes.add(outcome);
+                PlaceResult result = engine.place(new Request(
+                        network.nodes().get(demand.ingress()),
+                        network.nodes().get(demand.egress()), demand.bandwidth())
+                        .classType(demand.classType()).level(demand.level()).mayPreempt(true)
+                        .id(demand.id()));
+                report.placed(demand, result);
             }
-            System.err.println("Engine's own lines while it looks for backups (expected):");
-            List<Placement.Protection> protections = placement.protectAll();
-            report.protections(protections);
-            List<Backup> backups = protections.stream().flatMap(p -> p.backups().stream()).toList();
-            BackupBandwidth bandwidth = new BackupBandwidth(network, placement.inPlace(), backups);
-            report.links(placement.inPlace(), bandwidth);
-            report.sharing(bandwidth);
-            report.summary(outcomes, protections);
-            if (dump) {
-                placement.dump();
+            report.protection();
+            for (int level = 0; level < network.levels().size(); level++) {
+                for (Demand demand : demands) {
+                    if (demand.level() == level && engine.has(demand.id())) {
+                        report.protectedBy(demand,
+                                           engine.protect(demand.id(), Scheme.LOCAL_OR_GLOBAL));
+                    }
+                }
             }
-            if (outcomes.stream().anyMatch(o -> o instanceof Placement.Refused)
-                    || protections.stream().anyMatch(p -> p.backups().isEmpty())) {
-                System.err.println(TRAIL_HEADING); // the engine's session ends with its trail
-            }
+            report.links();
         }
-    }
-
-    private static void fail(String message) {
-        System.err.println("error: " + message);
-        System.exit(1);
     }
 }

@@ -83,10 +83,10 @@ record Statement(Path file, int line, List<String> words) {
     }
 
     /** The word at a position as a bandwidth in Mbit/s: a finite number, 0 or more. */
-    float bandwidth(int index) throws InputException {
+    double bandwidth(int index) throws InputException {
         try {
-            float bandwidth = Float.parseFloat(word(index));
-            if (bandwidth >= 0 && Float.isFinite(bandwidth)) {
+            double bandwidth = Double.parseDouble(word(index));
+            if (bandwidth >= 0 && Double.isFinite(bandwidth)) {
                 return bandwidth;
             }
         } catch (NumberFormatException e) {

@@ -20,6 +20,10 @@ public class ProcessRunner {
     /** The jar under test. */
     protected static final Path JAR = codeOf(JNITARNEX.class);
 
+    /** The folder of the project, in which processes run. */
+    protected static final Path PROJECT =
+            Path.of(System.getProperty("tarnex.examples")).toAbsolutePath().getParent();
+
     private static final Pattern JNI_FINDING =
             Pattern.compile("(WARNING|FATAL ERROR) in native method|WARNING: JNI");
 
@@ -51,7 +55,7 @@ public class ProcessRunner {
                         Collectors.joining(File.pathSeparator))));
         command.addAll(List.of(flags));
         command.addAll(main);
-        return new ProcessBuilder(command);
+        return new ProcessBuilder(command).directory(PROJECT.toFile());
     }
 
     /** Where the classes of a jar or folder are, with this one among them. */

@@ -1,13 +1,9 @@
 package org.kestro.repository.TARNEX;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertTrue;
 
-import java.nio.file.Path;
 import java.util.List;
 import java.util.Locale;
-import java.util.regex.Pattern;
-import javax.tools.ToolProvider;
 import org.junit.jupiter.api.Test;
 import org.kestro.ProcessRunner;
 
@@ -104,20 +100,6 @@ class ProcessTest extends ProcessRunner {
                 No end to end link disjoint protection path found
                 Pas assez de lsps de backups locaux pour la taille du lsp!
                 """.replace('@', '\u00e9'), err); // a byte of Latin-1 is a character here
-    }
-
-    @Test
-    void theExampleKnowsWhatBackupsReserve() throws Exception {
-        Path folder = Path.of(System.getProperty("tarnex.examples"));
-        assertEquals(0, ToolProvider.getSystemJavaCompiler().run(
-                null, null, null, "-d", temp.toString(), "-sourcepath", folder + "/java",
-                folder + "/java/org/kestro/examples/PlaceDemands.java"));
-        java(List.of(JAR, temp), List.of(
-                "org.kestro.examples.PlaceDemands", "--dump", folder + "/abilene/abilene.network",
-                folder + "/abilene/abilene.demands"));
-        double kept = Pattern.compile("([pr])bw\\[.\\] = (.+)").matcher(out).results().mapToDouble(
-                m -> (m.group(1).equals("r") ? 1 : -1) * Double.parseDouble(m.group(2))).sum();
-        assertTrue(kept > 0 && out.contains("reserve " + Math.round(kept) + " Mbit/s"), out);
     }
 
     private void run(String scenario) throws Exception {
