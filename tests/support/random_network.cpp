@@ -42,6 +42,17 @@ Rng::result_type Rng::operator()()
 
 int randomInt(Rng &rng, int below) { return std::uniform_int_distribution{0, below - 1}(rng); }
 
+namespace
+{
+
+/** Two nodes, maybe the same; in braces they are drawn in the same order by every compiler. */
+std::pair<Long, Long> twoOf(Rng &rng, const NodePath &nodes)
+{
+    return {anyOf(rng, nodes), anyOf(rng, nodes)};
+}
+
+} // namespace
+
 NetworkPlan networkOf(const std::string &text)
 {
     NetworkPlan plan;
@@ -68,8 +79,10 @@ NetworkPlan randomNetwork(Rng &rng, int nodes, int linksPerNode, int idStep)
     };
     for (std::size_t i = 0; i < plan.nodes.size(); ++i)
         link(plan.nodes[i], plan.nodes[(i + 1) % plan.nodes.size()]);
-    while (plan.links.size() < static_cast<std::size_t>(nodes * linksPerNode))
-        link(anyOf(rng, plan.nodes), anyOf(rng, plan.nodes));
+    while (plan.links.size() < static_cast<std::size_t>(nodes * linksPerNode)) {
+        const auto [dst, src] = twoOf(rng, plan.nodes);
+        link(src, dst);
+    }
     std::ranges::shuffle(plan.links, rng);
     for (PlannedLink &planned : plan.links)
         planned.id = planned.id * idStep + randomInt(rng, idStep);
@@ -101,7 +114,8 @@ NodePath hopPath(const NetworkPlan &plan, Long src, Long dst, Rng &rng, Hop avoi
 
 NodePath randomPath(const NetworkPlan &plan, Rng &rng)
 {
-    NodePath path = hopPath(plan, anyOf(rng, plan.nodes), anyOf(rng, plan.nodes), rng);
+    const auto [dst, src] = twoOf(rng, plan.nodes);
+    NodePath path = hopPath(plan, src, dst, rng);
     if (randomInt(rng, 4) == 0) {
         const NodePath rest = hopPath(plan, path.back(), anyOf(rng, plan.nodes), rng);
         path.insert(path.end(), rest.begin() + 1, rest.end());
