@@ -35,8 +35,7 @@ void writeAll(int pipe, std::string_view text)
 }
 
 /** The life of a child. */
-[[noreturn]] void live(pid_t parent, int pipe,
-                       const std::function<void(const Child::Tell &)> &work)
+[[noreturn]] void live(pid_t parent, int pipe, const std::function<void(const Child::Tell &)> &work)
 {
     std::signal(SIGINT, SIG_IGN); // Ctrl-C reaches the parent as well, which ends both
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
