@@ -10,8 +10,29 @@
 #include <system_error>
 #include <utility>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace tarnex::cli
 {
+
+namespace
+{
+
+/** Brings a file's content to the disk; errno when that fails. */
+bool isSynced(const std::filesystem::path &file)
+{
+    const int opened = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (opened < 0)
+        return false;
+    const int result = ::fsync(opened);
+    const int problem = errno;
+    ::close(opened);
+    errno = problem;
+    return result == 0;
+}
+
+} // namespace
 
 PartReader::PartReader(std::filesystem::path file, const Plan &ofPlan)
     : name(std::move(file)), plan(ofPlan), in(name, std::ios::binary)
@@ -62,6 +83,9 @@ void PartReader::fail(const std::string &problem) const
 PartWriter::PartWriter(std::filesystem::path file, planning::PartHeader ofPart)
     : name(std::move(file)), header(std::move(ofPart))
 {
+    std::error_code none;
+    if (std::filesystem::exists(name, none) && !std::filesystem::is_regular_file(name, none))
+        throw UsageError(fmt::format("--save {}: expected a regular file", name.string()));
 }
 
 std::filesystem::path PartWriter::partial() const { return name.string() + ".partial"; }
@@ -69,8 +93,9 @@ std::filesystem::path PartWriter::partial() const { return name.string() + ".par
 std::size_t PartWriter::resume(const Plan &plan, const planning::TakeTried &take)
 {
     std::error_code none;
-    isComplete = std::filesystem::exists(name, none) && !std::filesystem::exists(partial(), none);
-    const std::filesystem::path file = isComplete ? name : partial();
+    const bool hasName =
+        std::filesystem::exists(name, none) && !std::filesystem::exists(partial(), none);
+    const std::filesystem::path file = hasName ? name : partial();
     std::string line;
     if (std::ifstream head{file}; !std::getline(head, line) || head.eof())
         return 0; // broken off in the first line, or not there
@@ -82,6 +107,9 @@ std::size_t PartWriter::resume(const Plan &plan, const planning::TakeTried &take
     planning::TriedFailure tried;
     while (reader.next(tried))
         take(std::move(tried));
+    isComplete = hasName && reader.nbRead() == header.shard.size(header.nbFailures);
+    if (hasName && !isComplete)
+        std::filesystem::rename(name, partial()); // it was cut off later
     nbKept = reader.nbBytes();
     return reader.nbRead();
 }
@@ -110,14 +138,21 @@ void PartWriter::finish()
         return;
     out.close();
     check();
+    if (!isSynced(partial()))
+        fail();
     std::filesystem::rename(partial(), name);
 }
 
 void PartWriter::check() const
 {
     if (!out)
-        throw std::system_error(errno != 0 ? errno : EIO, std::generic_category(),
-                                "cannot write " + partial().string());
+        fail();
+}
+
+void PartWriter::fail() const
+{
+    throw std::system_error(errno != 0 ? errno : EIO, std::generic_category(),
+                            "cannot write " + partial().string());
 }
 
 } // namespace tarnex::cli

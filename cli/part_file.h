@@ -49,6 +49,7 @@ private:
 class PartWriter
 {
 public:
+    /** UsageError when the file is a directory or a device, which cannot be replaced. */
     PartWriter(std::filesystem::path file, planning::PartHeader header);
 
     /**
@@ -68,6 +69,7 @@ public:
 
 private:
     void check() const;
+    [[noreturn]] void fail() const;
 
     std::filesystem::path name;
     planning::PartHeader header;

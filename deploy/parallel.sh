@@ -25,7 +25,7 @@ shift 3
 tarnex=${TARNEX:-tarnex}
 mkdir -p "$folder"
 cd "$folder"
-cp --update "$plan" plan.json
+cmp --silent "$plan" plan.json || cp "$plan" plan.json
 
 # On another machine a part is done in a folder of its own, which comes with the plan and goes when
 # the part has come back.
@@ -37,6 +37,10 @@ fi
 # The program ends with 1 when LSPs were lost, which is a result; anything else is tried again.
 printf -v fail '%q ' "$tarnex" fail plan.json "$@"
 part="$fail --shard {}/$parts --save part{}.jsonl --resume > /dev/null || [ \$? -eq 1 ]"
+# Parts that are there have to be of this sweep.
+for ((number = 1; number <= parts; ++number)); do
+    [ ! -e "part$number.jsonl" ] || bash -c "${part//\{\}/$number}" || exit 2
+done
 for ((number = 1; number <= parts; ++number)); do
     [ -e "part$number.jsonl" ] || echo "$number"
 done | parallel --retries 3 "${where[@]}" "$part"

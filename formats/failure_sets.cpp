@@ -1,6 +1,7 @@
 #include "formats/failure_sets.h"
 
 #include "formats/line_reader.h"
+#include "formats/names.h"
 
 #include <fmt/format.h>
 
@@ -48,6 +49,8 @@ private:
             lines.fail(words.size(), "expected: failure NAME (link FROM TO | duplex FROM TO | "
                                      "node NAME)...");
         NamedFailure failure{.name = std::string{words[1]}, .links = {}, .nodes = {}};
+        if (!isUtf8(failure.name))
+            lines.fail(1, "expected a name in UTF-8");
         if (!names.insert(failure.name).second)
             lines.fail(1, fmt::format("there is a failure {} already", failure.name));
         for (std::size_t word = 2; word < words.size();) {

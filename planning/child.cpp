@@ -35,10 +35,12 @@ void writeAll(int pipe, std::string_view text)
 }
 
 /** The life of a child. */
-[[noreturn]] void live(int pipe, const std::function<void(const Child::Tell &)> &work)
+[[noreturn]] void live(pid_t parent, int pipe, const std::function<void(const Child::Tell &)> &work)
 {
-    std::signal(SIGINT, SIG_DFL); // the parent speaks for both
+    std::signal(SIGINT, SIG_IGN); // Ctrl-C reaches the parent as well, which ends both
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent)
+        ::_exit(1); // it died before that
     try {
         work([pipe](std::string_view text) { writeAll(pipe, text); });
     } catch (...) {
@@ -54,10 +56,11 @@ Child::Child(const std::function<void(const Tell &)> &work)
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0)
         fail("cannot make a pipe");
+    const pid_t parent = ::getpid();
     process = ::fork();
     if (process == 0) {
         ::close(ends[0]);
-        live(ends[1], work);
+        live(parent, ends[1], work);
     }
     const int problem = errno;
     ::close(ends[1]);

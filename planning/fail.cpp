@@ -158,8 +158,9 @@ std::optional<Links> FailureStudy::State::aroundFailures(const Lsp &lsp) const
             continue;
         }
         const auto backup = std::ranges::find_if(lsp.backups, [&](const Backup &candidate) {
+            // One that leads no further, in a plan that is not right, would be followed for ever.
             return candidate.kind == LspKind::localBackup && candidate.from == at &&
-                   isWhole(candidate.links);
+                   candidate.to > at && isWhole(candidate.links);
         });
         if (backup == lsp.backups.end())
             return std::nullopt;

@@ -25,7 +25,7 @@ shift 3
 tarnex=${TARNEX:-tarnex}
 mkdir -p "$folder"
 cd "$folder"
-cp --update "$plan" plan.json
+cmp --silent "$plan" plan.json || cp "$plan" plan.json
 result=failures.txt
 [ "${FORM:-}" != --json ] || result=failures.json
 read -ra options <<<"${SBATCH:-}"

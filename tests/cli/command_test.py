@@ -375,9 +375,37 @@ class Sweep(Scratch):
             self.assertEqual((self.folder / "half.jsonl").read_text(), text)
             self.part(1, 2, "--resume", save="half.jsonl")  # nothing is left to do
             self.assertEqual((self.folder / "half.jsonl").read_text(), text)
+            self.write("half.jsonl", text[:kept])  # cut off after it was complete
+            self.part(1, 2, "--resume", save="half.jsonl")
+            self.assertEqual((self.folder / "half.jsonl").read_text(), text)
             (self.folder / "half.jsonl").unlink()
         self.assertIn("belongs to another sweep",
                       self.part(2, 2, "--resume", save="part1.jsonl", status=2).stderr)
+
+    def test_a_backup_that_leads_nowhere_is_no_help(self):
+        plan = json.loads((self.folder / "plan.json").read_text())
+        backup = next(backup for demand in plan["demands"]
+                      for backup in demand.get("lsp", {}).get("backups", []))
+        backup["path"] = backup["path"][:1]
+        self.write("wrong.json", json.dumps(plan))
+        self.run_words("fail", "wrong.json", status=1)
+
+    def test_replaces_no_device(self):
+        os.mkfifo(self.folder / "pipe")
+        self.assertIn("expected a regular file", self.part(1, 2, save="pipe", status=2).stderr)
+        self.assertTrue((self.folder / "pipe").is_fifo())
+
+    def test_ctrl_c_reaches_those_that_place_anew_as_well(self):
+        save = self.folder / "stopped.jsonl"
+        for attempt in range(10):
+            process = subprocess.Popen(
+                [TARNEX, "fail", "plan.json", "--set", "pairs", "--reroute", "--save", save],
+                cwd=self.folder, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
+                start_new_session=True)
+            time.sleep(0.03 + attempt * 0.005)
+            os.killpg(process.pid, signal.SIGINT)
+            _, err = process.communicate(timeout=60)
+            self.assertIn(process.returncode, (0, 1, 130), err)
 
     def test_what_does_not_belong_together_is_refused(self):
         for number in 1, 2, 3:
