@@ -55,7 +55,9 @@ public class ProcessRunner {
                         Collectors.joining(File.pathSeparator))));
         command.addAll(List.of(flags));
         command.addAll(main);
-        return new ProcessBuilder(command).directory(PROJECT.toFile());
+        ProcessBuilder builder = new ProcessBuilder(command).directory(PROJECT.toFile());
+        builder.environment().remove("XDG_CACHE_HOME"); // flags say where things are unpacked
+        return builder;
     }
 
     /** Where the classes of a jar or folder are, with this one among them. */
