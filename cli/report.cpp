@@ -54,17 +54,18 @@ private:
 
     void writeComparison() const
     {
-        const auto [first, second] = readPlans(before, file);
+        const std::pair<Plan, Plan> plans = readPlans(before, file);
         const auto stem = [](const std::string &path) {
             return std::filesystem::path{path}.stem().string();
         };
         std::string above = title;
-        if (title.empty() && !second.network.name.empty())
-            above = second.network.name + ": ";
+        if (title.empty() && !plans.second.network.name.empty())
+            above = plans.second.network.name + ": ";
         if (title.empty())
             above += stem(before) + " and " + stem(file);
         writeBeside(file, ".html", output, [&](std::ostream &out) {
-            report::writeComparison(out, {first, stem(before)}, {second, stem(file)}, above);
+            report::writeComparison(out, {plans.first, stem(before)}, {plans.second, stem(file)},
+                                    above);
         });
     }
 

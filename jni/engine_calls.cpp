@@ -54,6 +54,7 @@ public:
         if (length < 0 || static_cast<std::size_t>(length) > rest.size())
             throw WrongUse("A list is longer than the arguments.");
         std::vector<Kind> list;
+        list.reserve(static_cast<std::size_t>(length));
         for (int k = 0; k < length; ++k)
             list.push_back(id<Kind>());
         return list;

@@ -136,8 +136,8 @@ private:
 
 const JNIInvokeInterface_ Machine::invocations = [] {
     JNIInvokeInterface_ t{};
-    t.GetEnv = [](JavaVM *, void **env, jint) -> jint {
-        *env = &current->env;
+    t.GetEnv = [](JavaVM *, void **found, jint) -> jint {
+        *found = &current->env;
         return JNI_OK;
     };
     return t;
