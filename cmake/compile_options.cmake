@@ -11,3 +11,12 @@ if(TARNEX_SANITIZE)
         -fsanitize=${TARNEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(tarnex_options INTERFACE -fsanitize=${TARNEX_SANITIZE})
 endif()
+
+# precompile(TARGET HEADER...): headers that most sources of a target include. For builds that are there
+# to be tested; in others a source that does not include what it needs is noticed.
+option(TARNEX_PRECOMPILE "Precompile headers of libraries" OFF)
+function(precompile target)
+    if(TARNEX_PRECOMPILE)
+        target_precompile_headers(${target} PRIVATE ${ARGN})
+    endif()
+endfunction()

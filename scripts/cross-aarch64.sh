@@ -17,7 +17,7 @@ for preset in release aarch64; do
     configure "$preset" -DTARNEX_TESTS=ON
 done
 cmake --build --preset release --target bits -- --quiet
-cmake --build --preset aarch64 -- --quiet
+cmake --build --preset aarch64 --target all bits -- --quiet
 ctest --preset aarch64 -j "$(nproc)"
 
 echo "== the same bits =="

@@ -405,7 +405,8 @@ class Sweep(Scratch):
             time.sleep(0.03 + attempt * 0.005)
             os.killpg(process.pid, signal.SIGINT)
             _, err = process.communicate(timeout=60)
-            self.assertIn(process.returncode, (0, 1, 130), err)
+            # killed by the signal where it comes before the program has begun to handle it
+            self.assertIn(process.returncode, (0, 1, 130, -signal.SIGINT), err)
 
     def test_what_does_not_belong_together_is_refused(self):
         for number in 1, 2, 3:
