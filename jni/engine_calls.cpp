@@ -265,34 +265,6 @@ void explainProtection(Engine &engine, Reader &in, Writer &out)
     out.put(engine.explainProtection(primary, in.choice(Scheme::localOrGlobal)));
 }
 
-void change(Engine &engine, Operation operation, Reader &in, Writer &out)
-{
-    switch (operation) {
-    case Operation::addNode:
-        return engine.addNode(in.id<NodeId>());
-    case Operation::addLink:
-        return addLink(engine, in);
-    case Operation::removeLink:
-        return out.put(engine.removeLink(in.id<LinkId>()));
-    case Operation::removeNode:
-        return out.put(engine.removeNode(in.id<NodeId>()));
-    case Operation::place:
-        return out.put(engine.place(HeldRequest{in}.request));
-    case Operation::placeAll:
-        return placeAll(engine, in, out);
-    case Operation::protect:
-        return protect(engine, in, out);
-    case Operation::addPrimary:
-        return addPrimary(engine, in, out);
-    case Operation::addBackup:
-        return addBackup(engine, in, out);
-    case Operation::remove:
-        return engine.remove(in.id<LspId>());
-    default:
-        throw WrongUse("There is no such operation.");
-    }
-}
-
 void putCounts(const Engine &engine, Writer &out)
 {
     out.put(static_cast<double>(engine.nbNodes()));
@@ -308,6 +280,77 @@ void putUses(const Engine &engine, Writer &out)
     out.reserve(links.size() * perLink);
     for (const LinkId link : links)
         out.put(engine.use(link));
+}
+
+void putLinkBetween(const Engine &engine, Reader &in, Writer &out)
+{
+    const auto from = in.id<NodeId>();
+    out.put(engine.linkBetween(from, in.id<NodeId>()).value_or(LinkId{}));
+}
+
+void read(const Engine &engine, Operation operation, Reader &in, Writer &out)
+{
+    switch (operation) {
+    case Operation::counts:
+        return putCounts(engine, out);
+    case Operation::nodes:
+        return out.put(engine.nodes());
+    case Operation::lsps:
+        return out.put(engine.lsps());
+    case Operation::linkBetween:
+        return putLinkBetween(engine, in, out);
+    case Operation::use:
+        return out.put(engine.use(in.id<LinkId>()));
+    case Operation::uses:
+        return putUses(engine, out);
+    case Operation::lspsOn:
+        return out.put(engine.lspsOn(in.id<LinkId>()));
+    case Operation::has:
+        return out.put(engine.has(in.id<LspId>()) ? 1.0 : 0.0);
+    case Operation::lsp:
+        return out.put(engine.lsp(in.id<LspId>()));
+    case Operation::backupsOf:
+        return out.put(engine.backupsOf(in.id<LspId>()));
+    case Operation::trail:
+        return out.answer.texts.push_back(engine.trail());
+    default:
+        throw WrongUse("There is no such operation.");
+    }
+}
+
+/** What changes an engine, or computes on it; else what only reads. */
+void perform(Engine &engine, Operation operation, Reader &in, Writer &out)
+{
+    switch (operation) {
+    case Operation::addNode:
+        return engine.addNode(in.id<NodeId>());
+    case Operation::addLink:
+        return addLink(engine, in);
+    case Operation::removeLink:
+        return out.put(engine.removeLink(in.id<LinkId>()));
+    case Operation::removeNode:
+        return out.put(engine.removeNode(in.id<NodeId>()));
+    case Operation::place:
+        return out.put(engine.place(HeldRequest{in}.request));
+    case Operation::placeAll:
+        return placeAll(engine, in, out);
+    case Operation::propose:
+        return out.put(engine.propose(HeldRequest{in}.request));
+    case Operation::protect:
+        return protect(engine, in, out);
+    case Operation::addPrimary:
+        return addPrimary(engine, in, out);
+    case Operation::addBackup:
+        return addBackup(engine, in, out);
+    case Operation::remove:
+        return engine.remove(in.id<LspId>());
+    case Operation::explain:
+        return out.put(engine.explain(HeldRequest{in}.request));
+    case Operation::explainProtection:
+        return explainProtection(engine, in, out);
+    default:
+        read(engine, operation, in, out);
+    }
 }
 
 } // namespace
@@ -337,53 +380,6 @@ EngineAnswer callEngine(Engine &engine, int operation, std::span<const double> a
 {
     Reader in{arguments};
     Writer out;
-    switch (const auto wanted = static_cast<Operation>(operation)) {
-    case Operation::propose:
-        out.put(engine.propose(HeldRequest{in}.request));
-        break;
-    case Operation::explain:
-        out.put(engine.explain(HeldRequest{in}.request));
-        break;
-    case Operation::explainProtection:
-        explainProtection(engine, in, out);
-        break;
-    case Operation::counts:
-        putCounts(engine, out);
-        break;
-    case Operation::nodes:
-        out.put(engine.nodes());
-        break;
-    case Operation::lsps:
-        out.put(engine.lsps());
-        break;
-    case Operation::uses:
-        putUses(engine, out);
-        break;
-    case Operation::linkBetween: {
-        const auto from = in.id<NodeId>();
-        out.put(engine.linkBetween(from, in.id<NodeId>()).value_or(LinkId{}));
-        break;
-    }
-    case Operation::use:
-        out.put(engine.use(in.id<LinkId>()));
-        break;
-    case Operation::lspsOn:
-        out.put(engine.lspsOn(in.id<LinkId>()));
-        break;
-    case Operation::has:
-        out.put(engine.has(in.id<LspId>()) ? 1.0 : 0.0);
-        break;
-    case Operation::lsp:
-        out.put(engine.lsp(in.id<LspId>()));
-        break;
-    case Operation::backupsOf:
-        out.put(engine.backupsOf(in.id<LspId>()));
-        break;
-    case Operation::trail:
-        out.answer.texts.push_back(engine.trail());
-        break;
-    default:
-        change(engine, wanted, in, out);
-    }
+    perform(engine, static_cast<Operation>(operation), in, out);
     return std::move(out.answer);
 }

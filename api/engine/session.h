@@ -36,8 +36,8 @@ struct Session {
     Lsp lspOf(const DBLabelSwitchedPath &record) const;
     /** The id for an LSP that is to come: the wanted one, which must be free, or the next. */
     LspId idFor(LspId wanted) const;
-    /** Checks that each of several LSPs that are to come has an id, of which none is named twice.
-     */
+    /** Checks that the ids of LSPs that are to come are free and named once, and that either all
+     * are named or none is. */
     void checkIds(std::span<const Request> requests) const;
     /** Makes room to remember LSPs with ids below `end`. */
     void makeRoom(std::int64_t end);

@@ -149,14 +149,14 @@ function chooseOnMap({ kind, id }, i) {
   if (kind === "link") choose("link", links.find(({ pair }) => pair[i] === sides[i].plan.links[id]));
 }
 
-function highlightIn({ plan, map, switched }, i) {
+function highlightIn({ map, switched }, i) {
   const { kind, record } = state.chosen ?? {};
   const own = record?.pair[i];
   if (kind === "lsp" && own) {
     if (own.links) map.highlightLsp(own, switched);
     else map.highlightRefusal(own);
   } else if (kind === "link" && own) map.highlight([], [own]);
-  else if (state.onlyChanged) map.highlight([], changedLinks(i), plan.nodes.slice(0, 1));
+  else if (state.onlyChanged) map.highlight([], changedLinks(i));
   else map.highlight([], [], switched?.failure.nodes ?? []);
 }
 
