@@ -95,7 +95,7 @@ public:
         if (part.empty() && (resumes || shard.of > 1))
             throw UsageError(fmt::format("{} needs a file: expected --save FILE",
                                          resumes ? "--resume" : "--shard"));
-        const Plan plan = readPlan(file);
+        const auto [plan, digest] = readDigestedPlan(file);
         show.hasRerouted = reroutes;
         show.isForPeople = form == Form::text;
         const Reroute how = !reroutes                                  ? Reroute::no
@@ -109,7 +109,7 @@ public:
         if (part.empty())
             sweepInto(tally, study, plan, all, options, nullptr);
         else
-            sweepToFile(tally, study, plan, all, options);
+            sweepToFile(tally, study, plan, digest, all, options);
         const bool isWhole = shard.of == 1;
         print(isWhole ? failureDocument(plan, tally, show)
                       : Document{"failures-part", plan.network.unit, {verdictOn(tally)}},
@@ -177,11 +177,12 @@ private:
     }
 
     void sweepToFile(FailureTally &tally, planning::FailureStudy &study, const Plan &plan,
-                     const Sets &all, planning::SweepOptions options) const
+                     const std::string &digest, const Sets &all,
+                     planning::SweepOptions options) const
     {
         PartWriter writer{part,
-                          {TARNEX_VERSION, formats::digestOf(formats::textOfFile(file)), all.name,
-                           options.reroute, options.listsLost, all.failures.size(), shard}};
+                          {TARNEX_VERSION, digest, all.name, options.reroute, options.listsLost,
+                           all.failures.size(), shard}};
         if (resumes)
             options.done = writer.resume(
                 plan, [&](TriedFailure tried) { tally.add(std::move(tried.name), tried.effect); });

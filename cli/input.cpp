@@ -146,7 +146,9 @@ NetworkInput readInput(const std::string &file, const InputOptions &options)
     return input;
 }
 
-Plan readPlan(const std::string &file)
+Plan readPlan(const std::string &file) { return readDigestedPlan(file).plan; }
+
+DigestedPlan readDigestedPlan(const std::string &file)
 {
     nowDoing("reading");
     formats::Input input = formats::read(file, {});
@@ -155,7 +157,7 @@ Plan readPlan(const std::string &file)
             file, 0, 0,
             fmt::format("expected a plan, which `tarnex place {} --save PLAN` makes", file));
     tell(input.remarks);
-    return std::move(*input.plan);
+    return {std::move(*input.plan), std::move(input.digest)};
 }
 
 std::pair<Plan, Plan> readPlans(const std::string &before, const std::string &after)

@@ -39,6 +39,15 @@ NetworkInput readInput(const std::string &file, const InputOptions &options);
 /** Reads a plan; InputError when the file is something else. */
 Plan readPlan(const std::string &file);
 
+/** A plan, and what tells its file from others (formats::digestOf). */
+struct DigestedPlan {
+    Plan plan;
+    std::string digest;
+};
+
+/** The same, where it has to be known which file it was. */
+DigestedPlan readDigestedPlan(const std::string &file);
+
 /** Reads two plans to compare; UsageError when they count bandwidth in different units. */
 std::pair<Plan, Plan> readPlans(const std::string &before, const std::string &after);
 

@@ -5,8 +5,6 @@
 #include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/part_file.h"
-#include "formats/digest.h"
-#include "formats/text_of_file.h"
 
 #include <fmt/format.h>
 
@@ -44,9 +42,9 @@ public:
 
     ExitStatus run() override
     {
-        const Plan plan = readPlan(file);
+        const auto [plan, digest] = readDigestedPlan(file);
         nowDoing("merging");
-        openAll(plan);
+        openAll(plan, digest);
         const PartHeader &header = parts.front()->header();
         show.hasRerouted = header.reroute != planning::Reroute::no;
         show.listsLost = header.listsLost;
@@ -72,9 +70,8 @@ public:
 private:
     /** Opens the parts, in the order of their numbers; InputError when they do not belong together.
      */
-    void openAll(const Plan &plan)
+    void openAll(const Plan &plan, const std::string &digest)
     {
-        const std::string digest = formats::digestOf(formats::textOfFile(file));
         std::optional<PartHeader> first;
         for (const std::string &name : names) {
             auto part = std::make_unique<PartReader>(name, plan);

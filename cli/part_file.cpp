@@ -7,10 +7,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <optional>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tarnex::cli
@@ -30,6 +35,46 @@ bool isSynced(const std::filesystem::path &file)
     ::close(opened);
     errno = problem;
     return result == 0;
+}
+
+[[noreturn]] void failToWrite(const std::filesystem::path &file)
+{
+    throw std::system_error(errno != 0 ? errno : EIO, std::generic_category(),
+                            "cannot write " + file.string());
+}
+
+/** Whether a descriptor is of the file that has the name now. */
+bool isNamed(int opened, const std::filesystem::path &name)
+{
+    struct stat one {
+    };
+    struct stat other {
+    };
+    return ::fstat(opened, &one) == 0 && ::stat(name.c_str(), &other) == 0 &&
+           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+/** Opens a file and takes the lock on it; a descriptor, or nothing when another process has it. A
+ * file system that knows no locks lets everybody have it. */
+std::optional<int> openLocked(const std::filesystem::path &file)
+{
+    const int opened = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (opened < 0)
+        failToWrite(file);
+    const bool isFree = ::flock(opened, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    if (isFree && isNamed(opened, file))
+        return opened;
+    ::close(opened);
+    return std::nullopt;
+}
+
+/** What a part is called while it is being written; UsageError. */
+std::filesystem::path partialOf(const std::filesystem::path &name)
+{
+    std::error_code none;
+    if (std::filesystem::exists(name, none) && !std::filesystem::is_regular_file(name, none))
+        throw UsageError(fmt::format("--save {}: expected a regular file", name.string()));
+    return name.string() + ".partial";
 }
 
 } // namespace
@@ -80,22 +125,40 @@ void PartReader::fail(const std::string &problem) const
     throw InputError(name.string(), std::max<std::size_t>(nbLines, 1), 0, problem);
 }
 
-PartWriter::PartWriter(std::filesystem::path file, planning::PartHeader ofPart)
-    : name(std::move(file)), header(std::move(ofPart))
+FileLock::FileLock(std::filesystem::path file) : name(std::move(file))
 {
-    std::error_code none;
-    if (std::filesystem::exists(name, none) && !std::filesystem::is_regular_file(name, none))
-        throw UsageError(fmt::format("--save {}: expected a regular file", name.string()));
+    using namespace std::chrono_literals;
+    constexpr auto pause = 50ms;
+    std::optional<int> opened = openLocked(name);
+    // The processes of a run that was killed hold it until they are gone as well.
+    for (auto waited = 0ms; !opened && waited < 1s; waited += pause) {
+        std::this_thread::sleep_for(pause);
+        opened = openLocked(name);
+    }
+    if (!opened)
+        throw UsageError(fmt::format("{}: another process is writing it", name.string()));
+    held = *opened;
 }
 
-std::filesystem::path PartWriter::partial() const { return name.string() + ".partial"; }
+FileLock::~FileLock()
+{
+    struct stat file {
+    };
+    if (::fstat(held, &file) == 0 && file.st_size == 0 && isNamed(held, name))
+        ::unlink(name.c_str());
+    ::close(held);
+}
+
+PartWriter::PartWriter(std::filesystem::path file, planning::PartHeader ofPart)
+    : name(std::move(file)), unfinished(partialOf(name)), lock(unfinished),
+      header(std::move(ofPart))
+{
+}
 
 std::size_t PartWriter::resume(const Plan &plan, const planning::TakeTried &take)
 {
-    std::error_code none;
-    const bool hasName =
-        std::filesystem::exists(name, none) && !std::filesystem::exists(partial(), none);
-    const std::filesystem::path file = hasName ? name : partial();
+    const bool hasName = std::filesystem::exists(name) && std::filesystem::is_empty(unfinished);
+    const std::filesystem::path file = hasName ? name : unfinished;
     std::string line;
     if (std::ifstream head{file}; !std::getline(head, line) || head.eof())
         return 0; // broken off in the first line, or not there
@@ -108,8 +171,11 @@ std::size_t PartWriter::resume(const Plan &plan, const planning::TakeTried &take
     while (reader.next(tried))
         take(std::move(tried));
     isComplete = hasName && reader.nbRead() == header.shard.size(header.nbFailures);
-    if (hasName && !isComplete)
-        std::filesystem::rename(name, partial()); // it was cut off later
+    if (hasName && !isComplete) { // it was cut off later
+        std::filesystem::copy_file(name, unfinished,
+                                   std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::remove(name);
+    }
     nbKept = reader.nbBytes();
     return reader.nbRead();
 }
@@ -119,8 +185,8 @@ void PartWriter::begin()
     if (isComplete)
         return;
     if (nbKept > 0)
-        std::filesystem::resize_file(partial(), nbKept);
-    out.open(partial(), std::ios::binary | (nbKept > 0 ? std::ios::app : std::ios::trunc));
+        std::filesystem::resize_file(unfinished, nbKept);
+    out.open(unfinished, std::ios::binary | (nbKept > 0 ? std::ios::app : std::ios::trunc));
     if (nbKept == 0)
         out << planning::lineOf(header) << '\n';
     check();
@@ -138,21 +204,15 @@ void PartWriter::finish()
         return;
     out.close();
     check();
-    if (!isSynced(partial()))
-        fail();
-    std::filesystem::rename(partial(), name);
+    if (!isSynced(unfinished))
+        failToWrite(unfinished);
+    std::filesystem::rename(unfinished, name);
 }
 
 void PartWriter::check() const
 {
     if (!out)
-        fail();
-}
-
-void PartWriter::fail() const
-{
-    throw std::system_error(errno != 0 ? errno : EIO, std::generic_category(),
-                            "cannot write " + partial().string());
+        failToWrite(unfinished);
 }
 
 } // namespace tarnex::cli

@@ -45,11 +45,28 @@ private:
     std::uintmax_t bytes = 0;
 };
 
+/** Holds a file for one process at a time. */
+class FileLock
+{
+public:
+    /** Makes the file if there is none; UsageError when another process holds it. */
+    explicit FileLock(std::filesystem::path file);
+    /** An empty file goes. */
+    ~FileLock();
+    FileLock(const FileLock &) = delete;
+    FileLock &operator=(const FileLock &) = delete;
+
+private:
+    std::filesystem::path name;
+    int held; ///< file descriptor
+};
+
 /** Writes a part, or goes on with one. */
 class PartWriter
 {
 public:
-    /** UsageError when the file is a directory or a device, which cannot be replaced. */
+    /** UsageError when the file is a directory or a device, which cannot be replaced, or another
+     * process writes it. */
     PartWriter(std::filesystem::path file, planning::PartHeader header);
 
     /**
@@ -65,13 +82,15 @@ public:
     /** Gives the file its name. */
     void finish();
 
-    std::filesystem::path partial() const;
+    /** What the file is called until then. */
+    const std::filesystem::path &partial() const { return unfinished; }
 
 private:
     void check() const;
-    [[noreturn]] void fail() const;
 
     std::filesystem::path name;
+    std::filesystem::path unfinished;
+    FileLock lock; ///< on `unfinished`
     planning::PartHeader header;
     std::ofstream out;
     bool isComplete = false;

@@ -2,6 +2,8 @@
 # A sweep of failures in parts, with GNU parallel: on the cores of this machine, or on others over
 # ssh. Run again after a stop, it goes on with the parts that are not complete.
 set -euo pipefail
+# shellcheck source-path=SCRIPTDIR source=arguments.sh
+source "$(dirname "$0")/arguments.sh"
 
 usage() {
     cat >&2 <<'END'
@@ -18,24 +20,19 @@ END
 }
 
 [ $# -ge 3 ] || usage
-plan=$(realpath "$1")
-folder=$2
-parts=$3
-shift 3
-tarnex=${TARNEX:-tarnex}
-mkdir -p "$folder"
-cd "$folder"
-cmp --silent "$plan" plan.json || cp "$plan" plan.json
+bring "$@"
 
-# On another machine a part is done in a folder of its own, which comes with the plan and goes when
-# the part has come back.
+# On another machine a part is done in a folder of its own, which comes with the files it needs and
+# goes when the part has come back.
 where=()
 if [ -n "${HOSTS:-}" ]; then
-    where=(--sshlogin "$HOSTS" --workdir ... --transferfile plan.json --return "part{}.jsonl" --cleanup)
+    where=(--sshlogin "$HOSTS" --workdir ... --return "part{}.jsonl" --cleanup)
+    for file in "${brought[@]}"; do
+        where+=(--transferfile "$file")
+    done
 fi
 
 # The program ends with 1 when LSPs were lost, which is a result; anything else is tried again.
-printf -v fail '%q ' "$tarnex" fail plan.json "$@"
 part="$fail --shard {}/$parts --save part{}.jsonl --resume > /dev/null || [ \$? -eq 1 ]"
 # Parts that are there have to be of this sweep.
 for ((number = 1; number <= parts; ++number)); do

@@ -143,8 +143,12 @@ void FailureList::add(const Network &network, std::vector<formats::NamedFailure>
 
 void FailureList::append(std::vector<Failure> singles, bool isOfPairs)
 {
-    stretches.push_back({nbFailures, isOfPairs, std::move(singles)});
-    const std::size_t count = stretches.back().singles.size();
+    const std::size_t count = singles.size();
+    Stretch stretch{nbFailures, isOfPairs, std::move(singles), {}};
+    if (isOfPairs) // those with the same first one follow each other
+        for (std::size_t first = 0, before = 0; first < count; before += count - ++first)
+            stretch.pairsWith.push_back(before);
+    stretches.push_back(std::move(stretch));
     nbFailures += isOfPairs ? nbPairsOf(count) : count;
 }
 
@@ -152,17 +156,13 @@ Failure FailureList::operator[](std::size_t position) const
 {
     const auto past = std::ranges::upper_bound(stretches, position, {}, &Stretch::begin);
     const Stretch &stretch = *std::prev(past);
-    std::size_t rest = position - stretch.begin;
+    const std::size_t rest = position - stretch.begin;
     if (!stretch.isOfPairs)
         return stretch.singles[rest];
-    // Pairs with the same first one follow each other.
-    std::size_t first = 0;
-    std::size_t nbWithFirst = stretch.singles.size() - 1;
-    while (rest >= nbWithFirst) {
-        rest -= nbWithFirst--;
-        ++first;
-    }
-    return bothOf(stretch.singles[first], stretch.singles[first + 1 + rest]);
+    const auto last = stretch.pairsWith.end() - 1; // is the first of none
+    const auto with = std::prev(std::upper_bound(stretch.pairsWith.begin(), last, rest));
+    const auto first = static_cast<std::size_t>(with - stretch.pairsWith.begin());
+    return bothOf(stretch.singles[first], stretch.singles[first + 1 + rest - *with]);
 }
 
 } // namespace tarnex::planning

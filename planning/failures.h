@@ -69,6 +69,7 @@ private:
         std::size_t begin = 0;
         bool isOfPairs = false;
         std::vector<Failure> singles;
+        std::vector<std::size_t> pairsWith; ///< by the first of a pair: how many pairs come before
     };
     void append(std::vector<Failure> singles, bool isOfPairs);
 

@@ -29,6 +29,9 @@ public:
             &bandwidths[static_cast<std::size_t>(session.lspOf(*refused.primary).classType)];
     }
 
+    BackupWalk(const BackupWalk &) = delete; // points into itself
+    BackupWalk &operator=(const BackupWalk &) = delete;
+
     /** Whether a target is reached. */
     bool connects()
     {

@@ -2,6 +2,8 @@
 # A sweep of failures as a Slurm array job, a part per task, and a job that waits for all of them and
 # puts the parts together. Submitted again after a failure, it goes on with what is not complete.
 set -euo pipefail
+# shellcheck source-path=SCRIPTDIR source=../arguments.sh
+source "$(dirname "$0")/../arguments.sh"
 
 usage() {
     cat >&2 <<'END'
@@ -18,20 +20,12 @@ END
 }
 
 [ $# -ge 3 ] || usage
-plan=$(realpath "$1")
-folder=$2
-parts=$3
-shift 3
-tarnex=${TARNEX:-tarnex}
-mkdir -p "$folder"
-cd "$folder"
-cmp --silent "$plan" plan.json || cp "$plan" plan.json
+bring "$@"
 result=failures.txt
 [ "${FORM:-}" != --json ] || result=failures.json
 read -ra options <<<"${SBATCH:-}"
 
 # The program ends with 1 when LSPs were lost, which is a result.
-printf -v fail '%q ' "$tarnex" fail plan.json "$@"
 part="$fail --shard \$SLURM_ARRAY_TASK_ID/$parts --save part\$SLURM_ARRAY_TASK_ID.jsonl --resume"
 printf -v merge '%q ' "$tarnex" merge plan.json ${FORM:+"$FORM"}
 files=$(seq -f 'part%g.jsonl' -s ' ' "$parts")

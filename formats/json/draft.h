@@ -27,6 +27,7 @@ struct Draft {
 
     const TextStream *text; // only while it is being read
     Kind kind = Kind::unknown;
+    std::string digest; // of the whole text, once that has been read
     Plan plan;
     bool hasNodes = false; // whether that list has been read
     bool hasLinks = false;

@@ -79,6 +79,7 @@ void readInto(Draft &draft, TextStream &text, const std::string &file)
 {
     ShapeReader<Draft> reader(anyDocument, draft);
     parse(text, file, reader);
+    draft.digest = text.digest();
 }
 
 /** Options that decide nothing in a document which leaves nothing open. */
@@ -123,6 +124,7 @@ Input inputOf(Draft &&draft, const std::string &file, const ReadOptions &options
     Input input;
     input.format = Format::json;
     remarkIgnored(options, input.remarks);
+    input.digest = std::move(draft.digest);
     if (draft.kind == Kind::plan) {
         input.plan = std::move(draft.plan);
         if (options.scale != 1.0)

@@ -36,6 +36,7 @@ bool TextStream::readChunk()
     held.resize(static_cast<std::size_t>(in->gcount()));
     first = next = held.data();
     last = first + held.size();
+    read.add(chunk());
     if (held.empty())
         in = nullptr; // and `previous` stays what positions are told from
     return !held.empty();

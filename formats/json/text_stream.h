@@ -2,11 +2,13 @@
 #ifndef TARNEX_FORMATS_JSON_TEXT_STREAM_H
 #define TARNEX_FORMATS_JSON_TEXT_STREAM_H
 
+#include "formats/digest.h"
 #include "formats/place.h"
 
 #include <cstddef>
 #include <istream>
 #include <iterator>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,6 +25,7 @@ public:
     explicit TextStream(std::string_view text)
         : first(text.data()), next(first), last(first + text.size()), length(text.size())
     {
+        read.add(text);
     }
     /** `size`: of the whole text in bytes, 0 when not known. */
     explicit TextStream(std::istream &stream, std::size_t size) : in(&stream), length(size) {}
@@ -35,6 +38,8 @@ public:
     std::size_t offset() const { return firstOffset + static_cast<std::size_t>(next - first); }
     /** Bytes in the whole text, 0 when not known. */
     std::size_t size() const { return length; }
+    /** The digest of what has been taken from the stream, or of the text in memory. */
+    std::string digest() const { return read.text(); }
     /** The first offset from `from` on that has neither a blank nor a comma or a colon. */
     std::size_t tokenFrom(std::size_t from) const;
     Place placeOf(std::size_t offset) const;
@@ -53,6 +58,7 @@ private:
     std::size_t length = 0;
     std::size_t firstOffset = 0; // of `first`
     Place atPrevious;            // of the first character of `previous`
+    Digest read;
 };
 
 /** An iterator over what a TextStream has left; the default one is the end. */

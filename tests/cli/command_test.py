@@ -4,6 +4,7 @@ command_test.py TARNEX SOURCES BUILD: the program, the folder of the project and
 """
 import contextlib
 import csv
+import fcntl
 import io
 import json
 import math
@@ -395,6 +396,20 @@ class Sweep(Scratch):
         self.assertIn("expected a regular file", self.part(1, 2, save="pipe", status=2).stderr)
         self.assertTrue((self.folder / "pipe").is_fifo())
 
+    def test_one_process_writes_a_part(self):
+        with (self.folder / "part1.jsonl.partial").open("w") as partial:
+            fcntl.flock(partial, fcntl.LOCK_EX)
+            self.assertIn("another process is writing it", self.part(1, 2, status=2).stderr)
+        self.part(1, 2)
+
+    def test_a_plan_through_a_pipe_is_told_by_what_came_out_of_it(self):
+        plan = (self.folder / "plan.json").read_text()
+        for number in 1, 2:
+            words = ["fail", "/dev/stdin", *self.SETS, "--shard", f"{number}/2", "--save",
+                     f"part{number}.jsonl"]
+            self.run_words(*words, input=plan, status=(0, 1))
+        self.assertEqual(self.merge("part1.jsonl", "part2.jsonl").stdout, self.whole)
+
     def test_ctrl_c_reaches_those_that_place_anew_as_well(self):
         save = self.folder / "stopped.jsonl"
         for attempt in range(10):
@@ -466,13 +481,13 @@ class Sweep(Scratch):
 
     def test_recipe_for_gnu_parallel_survives_processes_that_die(self):
         self.write_many()
-        options = ["--set", str(self.folder / "many"), "--reroute"]
+        options = ["--set", "duplex,many", "--reroute"]
         expected = self.run_words("fail", "plan.json", *options, "--json", status=1).stdout
         process = subprocess.Popen([SOURCES / "deploy" / "parallel.sh", "plan.json", "sweep", "3",
                                     *options], cwd=self.folder, stdout=subprocess.PIPE, text=True,
                                    stderr=subprocess.DEVNULL,
                                    env=os.environ | {"TARNEX": str(TARNEX), "FORM": "--json"})
-        self.kill_some(process, "-f", f"^{TARNEX} fail plan.json .*{self.folder}/many")
+        self.kill_some(process, "-f", f"^{TARNEX} fail plan.json --set duplex,sets1 ")
         out, _ = process.communicate(timeout=100)
         self.assertEqual((process.returncode, out), (1, expected))
 
