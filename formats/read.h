@@ -68,7 +68,7 @@ struct Input {
     Network network; ///< without nodes for a file of demands alone
     std::vector<Demand> demands;
     std::optional<Plan> plan; ///< with the network and demands as above moved into it
-    std::string digest; ///< of the bytes of a document of ours, as digestOf()
+    std::string digest;       ///< of the bytes of a document of ours, as digestOf()
     Remarks remarks;
 };
 
