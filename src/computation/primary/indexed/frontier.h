@@ -23,10 +23,11 @@ struct FrontierEntry {
  * For links that add one of a few increments. The nodes come in ascending order, so the scores that
  * grew by the same increment do, too: a plain queue for each takes the place of a heap.
  */
+template <class Terms>
 class GradedFrontier
 {
 public:
-    explicit GradedFrontier(const GradedTerms &linkTerms) : terms(linkTerms) {}
+    explicit GradedFrontier(const Terms &linkTerms) : terms(linkTerms) {}
 
     void layOut(Layout &layout, const NetworkIndex &index)
     {
@@ -46,7 +47,7 @@ public:
      * far: so none enters a queue twice. */
     void push(double score, Long node, Long link)
     {
-        Queue &queue = queues[terms.grades[link]];
+        Queue &queue = queues[terms.gradeOf(link)];
         *queue.end++ = {score, node};
         queue.end->score = infinity;
     }
@@ -71,7 +72,7 @@ private:
         FrontierEntry *end = nullptr;
     };
 
-    const GradedTerms &terms;
+    const Terms &terms;
     std::array<Queue, GradedTerms::noGrade> queues; ///< by grade
 };
 
@@ -79,7 +80,10 @@ private:
 class ListedFrontier
 {
 public:
-    explicit ListedFrontier(const ListedTerms & /*terms*/) {}
+    template <class Terms>
+    explicit ListedFrontier(const Terms & /*terms*/)
+    {
+    }
 
     void layOut(Layout &layout, const NetworkIndex &index)
     {

@@ -14,11 +14,6 @@
 namespace
 {
 
-/** Increments up to this size can be added up along any path without leaving the finite numbers. */
-constexpr double largestIncrement = 1e280;
-
-bool isInRange(double increment) { return increment >= 0.0 && increment <= largestIncrement; }
-
 /** The first verdict from `at` on that is not settled; null when there is none before `end`. */
 unsigned char *nextUnsettled(unsigned char *at, const unsigned char *end)
 {
@@ -196,33 +191,51 @@ bool LinkAppraisal::ask(Long link, double (&gain)[MAXOA])
                               index.nodeIds[index.destination[link]], &stored->state, &req, gain);
 }
 
-template <class Add>
-void LinkAppraisal::forEachTerm(Long link, Add add) const
+bool LinkAppraisal::fillIncrements(std::span<double, GradedTerms::noGrade> increments) const
 {
-    for (const int oa : scored)
-        forEachTermOf(oa, link, add);
+    for (std::size_t piece = 0; piece < fortzSlopes.size(); ++piece)
+        increments[piece] = fortzIncrement(weights, piece, req.bw[*scored.begin()]);
+    return std::ranges::all_of(increments, isInRange);
 }
 
-template <class Add>
-void LinkAppraisal::forEachTermOf(int oa, Long link, Add add) const
+/**
+ * Bandwidth is never below 0, so with weights that are not either, an increment is below 0 only
+ * where a load is, or a capacity, or where the load will be more than the capacity. The figures
+ * tell for which links more has to be known.
+ */
+bool LinkAppraisal::addsNothingBelow0()
 {
-    const LinkFigures &figures = index.figures[oa][link];
-    const LinkLoad terms{figures.load, figures.capacity, req.bw[oa]};
-    if (weights.Fortz != 0.0)
-        add(fortzIncrement(weights, terms));
-    forEachIncrement(weights, oa, terms, add);
+    return weights.Fortz >= 0.0 &&
+           std::ranges::all_of(scored, [this](int oa) { return addsNothingBelow0(oa); });
+}
+
+bool LinkAppraisal::addsNothingBelow0(int oa)
+{
+    for (const double weight : {weights.load[oa], weights.sqLoad[oa], weights.relLoad[oa],
+                                weights.sqRelLoad[oa], weights.delay[oa]}) {
+        if (weight < 0.0)
+            return false;
+    }
+    const double added =
+        weights.delay[oa] != 0.0 ? req.bw[oa] : -std::numeric_limits<double>::infinity();
+    for (Long link = 0; link < index.nbLinks; ++link) {
+        const LinkFigures &is = index.figures[oa][link];
+        const bool isUsual = is.load >= 0.0 && is.capacity > 0.0 && is.capacity - is.load > added;
+        if (isUsual || !admits(link))
+            continue;
+        extended(0.0, link);
+        if (hasMetOddIncrement)
+            return false;
+    }
+    return true;
 }
 
 bool LinkAppraisal::fill(GradedTerms &terms) const
 {
-    const int oa = *scored.begin();
-    for (std::size_t piece = 0; piece < fortzSlopes.size(); ++piece) {
-        terms.increments[piece] = fortzIncrement(weights, piece, req.bw[oa]);
-        if (!isInRange(terms.increments[piece]))
-            return false;
-    }
+    if (!fillIncrements(std::span{terms.increments}.first<GradedTerms::noGrade>()))
+        return false;
     terms.increments[GradedTerms::noGrade] = std::numeric_limits<double>::quiet_NaN();
-    std::transform(terms.grades, terms.grades + index.nbLinks, index.pieces[oa], terms.grades,
+    std::transform(terms.grades, terms.grades + index.nbLinks, pieces(), terms.grades,
                    [](unsigned char verdict, unsigned char piece) {
                        return verdict == refused ? GradedTerms::noGrade : piece;
                    });
@@ -231,15 +244,12 @@ bool LinkAppraisal::fill(GradedTerms &terms) const
 
 bool LinkAppraisal::fill(ListedTerms &terms, const unsigned char *verdicts) const
 {
-    terms.least = std::numeric_limits<double>::infinity();
     for (Long link = 0; link < index.nbLinks; ++link) {
         double *own = terms.terms + std::ptrdiff_t{link} * terms.perLink;
         if (verdicts[link] == refused)
             own[0] = std::numeric_limits<double>::quiet_NaN();
         else if (!fillOne(link, own))
             return false;
-        else
-            terms.least = std::min(terms.least, terms.extended(0.0, link));
     }
     return true;
 }

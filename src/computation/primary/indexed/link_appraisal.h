@@ -9,8 +9,12 @@
 #include "common/class_types.h"
 #include "common/setup.h"
 #include "computation/computation.h"
+#include "computation/primary/increments.h"
 #include "computation/primary/indexed/link_terms.h"
 #include "database/books/network.h"
+
+#include <limits>
+#include <span>
 
 /** What is known of a link for a request; the largest of several holds. */
 enum Verdict : unsigned char { admitted = 0, unsettled = 1, refused = 2 };
@@ -48,6 +52,30 @@ public:
         return fits || judgeOne(link) == admitted;
     }
 
+    /** What the pieces of the Fortz-Thorup cost add; false as in `fill`. */
+    [[nodiscard]] bool fillIncrements(std::span<double, GradedTerms::noGrade> increments) const;
+    /** By link: the piece that its load lies on. */
+    const unsigned char *pieces() const { return index.pieces[*scored.begin()]; }
+
+    /** Whether no admitted link has an increment below 0, as far as `extended` is not asked about
+     * it; after `prepare`. */
+    bool addsNothingBelow0();
+    /** A score extended by a link: its increments added one after the other. No number when one is
+     * below 0 or too large to be added up, which `metOddIncrement` tells from then on. */
+    double extended(double score, Long link) const
+    {
+        bool areInRange = true;
+        forEachTerm(link, [&](double term) {
+            score += term;
+            areInRange = areInRange && isInRange(term);
+        });
+        if (areInRange)
+            return score;
+        hasMetOddIncrement = true;
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    bool metOddIncrement() const { return hasMetOddIncrement; }
+
     /** @name Fill in the increments of every link that is not refused.
      * False when one is below 0 or so large that they might not add up to a finite number. */
     ///@{
@@ -67,10 +95,30 @@ public:
     bool hasPenalties() const;
 
 private:
+    /** Increments up to this size can be added up along any path without leaving the finite
+     * numbers. */
+    static constexpr double largestIncrement = 1e280;
+    static bool isInRange(double increment)
+    {
+        return increment >= 0.0 && increment <= largestIncrement;
+    }
+
     template <class Add>
-    void forEachTerm(Long link, Add add) const;
+    void forEachTerm(Long link, Add add) const
+    {
+        for (const int oa : scored)
+            forEachTermOf(oa, link, add);
+    }
     template <class Add>
-    void forEachTermOf(int oa, Long link, Add add) const;
+    void forEachTermOf(int oa, Long link, Add add) const
+    {
+        const LinkFigures &figures = index.figures[oa][link];
+        const LinkLoad terms{figures.load, figures.capacity, req.bw[oa]};
+        if (weights.Fortz != 0.0)
+            add(fortzIncrement(weights, terms));
+        forEachIncrement(weights, oa, terms, add);
+    }
+    bool addsNothingBelow0(int oa);
     bool fillOne(Long link, double *own) const;
     bool needsNoGain(Long link) const;
     double penaltyOf(Long link);
@@ -95,6 +143,7 @@ private:
     const unsigned char *given = nullptr; ///< verdicts by link, unless they are given one by one
     double requestedBw = 0.0;             ///< in the one class type of a request judged like that
     const double *surelyFits = nullptr;   ///< by link: how much it takes
+    mutable bool hasMetOddIncrement = false;
 };
 
 #endif

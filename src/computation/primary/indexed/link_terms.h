@@ -21,7 +21,6 @@
 struct ListedTerms {
     Long perLink = 0;
     double *terms = nullptr; ///< by link
-    double least = 0.0;      ///< of what any link adds
 
     double extended(double score, Long link) const
     {
@@ -30,8 +29,6 @@ struct ListedTerms {
             score += own[i];
         return score;
     }
-    double leastIncrement() const { return least; }
-    Long nbAdditions() const { return perLink; }
 };
 
 /** One increment per link, of the few that the pieces of the Fortz-Thorup cost give. */
@@ -42,8 +39,7 @@ struct GradedTerms {
     std::array<double, noGrade + 1> increments{};
 
     double extended(double score, Long link) const { return score + increments[grades[link]]; }
-    double leastIncrement() const { return increments[0]; }
-    static Long nbAdditions() { return 1; }
+    unsigned char gradeOf(Long link) const { return grades[link]; }
 };
 
 /** How the utilization of a link grows in one class type. */

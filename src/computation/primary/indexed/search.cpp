@@ -9,7 +9,9 @@
 #include "computation/primary/indexed/general_search.h"
 #include "computation/primary/indexed/link_appraisal.h"
 #include "computation/primary/indexed/meeting_search.h"
+#include "computation/primary/indexed/met_terms.h"
 #include "computation/primary/indexed/pass_search.h"
+#include "computation/primary/indexed/remaining_search.h"
 
 #include <algorithm>
 #include <cmath>
@@ -105,22 +107,24 @@ private:
                                                             : IndexedResult::noMemory;
     }
 
-    /** Takes the clear path, or has the passes decide. */
-    template <class Clear, class Passes>
-    IndexedResult runClearly(Clear &clear, Passes &passes, double &cost)
+    /** Takes over what a search has found that is not in doubt. */
+    template <class Clear>
+    IndexedResult take(const Clear &clear, Clearness clearness, double &cost)
     {
-        switch (clear.run(dst)) {
-        case Clearness::found:
-            cost = clear.cost();
-            return finish(clear.predecessors());
-        case Clearness::unreachable:
+        if (clearness == Clearness::unreachable)
             return IndexedResult::unreachable;
-        case Clearness::doubtful:
-            break;
-        }
-        passes.run(dst, clear.bounds());
-        if (!passes.isReached(dst))
+        cost = clear.cost();
+        return finish(clear.predecessors());
+    }
+
+    /** What the passes find; `remaining` says what is left from each node on at least. */
+    template <class Remaining, class Passes>
+    IndexedResult decide(Remaining &remaining, Passes &passes, double &cost)
+    {
+        const double *bounds = remaining.run(dst);
+        if (!bounds)
             return IndexedResult::unreachable;
+        passes.run(dst, bounds);
         cost = passes.costOf(dst);
         return finish(passes.predecessors());
     }
@@ -150,36 +154,58 @@ private:
 
     IndexedResult runGraded(double &cost)
     {
+        MetGradedTerms met{appraisal};
+        ClearSearch<MetGradedTerms, GradedFrontier<MetGradedTerms>> clear{index, met};
+        unsigned char *verdicts = nullptr;
         GradedTerms terms;
-        ClearSearch<GradedTerms, GradedFrontier> clear{index, terms, src};
+        RemainingSearch<GradedTerms, GradedFrontier<GradedTerms>> remaining{index, terms, src};
         PassSearch passes{index, terms, src};
         const auto tables = [&](Layout &layout) {
-            layout.place(terms.grades, index.nbLinks);
+            layout.place(verdicts, index.nbLinks);
             clear.layOut(layout);
+            layout.place(terms.grades, index.nbLinks);
+            remaining.layOut(layout);
             passes.layOut(layout);
         };
         if (!layOut(tables))
             return IndexedResult::noMemory;
+        if (!appraisal.fillIncrements(met.increments))
+            return runGeneral(cost);
+        appraisal.prepare(verdicts);
+        const Clearness clearness = clear.run(src, dst);
+        if (clearness != Clearness::doubtful)
+            return take(clear, clearness, cost);
         appraisal.judge(terms.grades);
-        return appraisal.fill(terms) ? runClearly(clear, passes, cost) : runGeneral(cost);
+        return appraisal.fill(terms) ? decide(remaining, passes, cost) : runGeneral(cost);
     }
 
     IndexedResult runListed(double &cost)
     {
-        ListedTerms terms{appraisal.termsPerLink()};
+        MetListedTerms met{appraisal};
+        ClearSearch<MetListedTerms, ListedFrontier> clear{index, met};
         unsigned char *verdicts = nullptr;
-        ClearSearch<ListedTerms, ListedFrontier> clear{index, terms, src};
+        ListedTerms terms{met.perLink};
+        RemainingSearch<ListedTerms, ListedFrontier> remaining{index, terms, src};
         PassSearch passes{index, terms, src};
         const auto tables = [&](Layout &layout) {
             layout.place(verdicts, index.nbLinks);
-            layout.place(terms.terms, std::int64_t{index.nbLinks} * terms.perLink);
             clear.layOut(layout);
+            layout.place(terms.terms, std::int64_t{index.nbLinks} * terms.perLink);
+            remaining.layOut(layout);
             passes.layOut(layout);
         };
         if (!layOut(tables))
             return IndexedResult::noMemory;
+        appraisal.prepare(verdicts);
+        if (!appraisal.addsNothingBelow0())
+            return runGeneral(cost);
+        const Clearness clearness = clear.run(src, dst);
+        if (appraisal.metOddIncrement())
+            return runGeneral(cost);
+        if (clearness != Clearness::doubtful)
+            return take(clear, clearness, cost);
         appraisal.judge(verdicts);
-        return appraisal.fill(terms, verdicts) ? runClearly(clear, passes, cost) : runGeneral(cost);
+        return appraisal.fill(terms, verdicts) ? decide(remaining, passes, cost) : runGeneral(cost);
     }
 
     IndexedResult runGeneral(double &cost)
