@@ -224,6 +224,25 @@ TEST_F(PrimaryPathProperty, DecimalsFillALinkAsFarAsTheirSumInOrderDoes)
     EXPECT_GT(std::min(met[0], met[1]), 10);
 }
 
+TEST_F(PrimaryPathProperty, LeadsOutOfItsWayOverALinkThatGains)
+{
+    for (const double weight : {1.0, -1.0}) { // the link that is too full gains, or the others
+        rebuild(
+            {.nodes = {0, 1, 2, 3, 4},
+             .links = {
+                 {0, 0, 1, 10.0}, {1, 0, 2, 4.0}, {2, 2, 3, 4.0}, {3, 3, 4, 1.0}, {4, 4, 1, 4.0}}});
+        tarnexConfig.predicateConfig = {};
+        ASSERT_EQ(add({.id = 0, .bw = {0.9}, .path = {3, 4}}), 0);
+        tarnexConfig.predicateConfig = {false, false, false};
+        weights = {};
+        weights.delay[0] = weight;
+        request = requestOf({.bw = {1.0}, .path = {0, -1, 1}});
+        ASSERT_EQ(computePrimaryPath(db, request.get()), 0);
+        EXPECT_EQ(idsIn(request->path),
+                  weight > 0.0 ? (NodePath{0, 2, 3, 4, 1}) : (NodePath{0, 1}));
+    }
+}
+
 TEST_F(PrimaryPathProperty, RequestsOfAnyKindEndAsTheyDoByWayOfTheTopology)
 {
     Rng rng{8};
@@ -261,6 +280,8 @@ TEST_F(PrimaryPathProperty, RequestsOfAnyKindEndAsTheyDoByWayOfTheTopology)
         weights = {};
         weights.relLoad[0] = randomInt(rng, 2);
         weights.sqLoad[1] = randomInt(rng, 2);
+        // Below 0 on a link that is to carry more than its capacity.
+        weights.delay[0] = randomInt(rng, 2);
         // Under a large weight, balance rewards every detour but those that end where they began.
         for (const int oa : {0, 1})
             weights.loadBal[oa] = randomInt(rng, 4) * 10.0;
