@@ -28,10 +28,26 @@ namespace
 
 using namespace property;
 
-const std::vector<int> allSizes{100, 200, 500, 1000, 2000};
+const std::vector<int> allSizes{100, 200, 500, 1000, 2000, 4000};
 
 /** Seeds of the demands of each kind of measurement. */
 enum Seed : unsigned { comparison = 3, requests, givenPaths, primaries, searches };
+
+/** The power of the number of nodes that figures grow with: least squares in logarithms. */
+double slopeOf(const std::vector<int> &sizes, const std::vector<double> &figures)
+{
+    const auto count = static_cast<double>(sizes.size());
+    double x = 0.0, y = 0.0, xx = 0.0, xy = 0.0;
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        const double size = std::log(sizes[i]);
+        const double figure = std::log(figures[i]);
+        x += size;
+        y += figure;
+        xx += size * size;
+        xy += size * figure;
+    }
+    return (xy - x * y / count) / (xx - x * x / count);
+}
 
 struct RequestFigures {
     Figure request;
@@ -110,7 +126,8 @@ SearchFigures timeSearches(const Sampler &sample, Sides &sides)
     return {engine, {medianMicroseconds(byHand), byHand.size()}};
 }
 
-void printRequests(const Sampler &sample, const Setting &setting)
+/** Returns what a request takes at the engine, us. */
+double printRequests(const Sampler &sample, const Setting &setting)
 {
     Sides sides{setting};
     const double fullBefore = sides.fullShare();
@@ -127,6 +144,7 @@ void printRequests(const Sampler &sample, const Setting &setting)
                 engine.us / tree.us, engine.us / stopped.us, searching.engine.us,
                 searching.floor.us, engine.us / searching.floor.us, removal, compared.done,
                 engine.done, engine.refused, tree.done, tree.refused);
+    return engine.us;
 }
 
 /** Throws unless the backups lead from the primary's links to nodes behind them, around them. */
@@ -199,6 +217,12 @@ struct HopCost {
     double admission, again, removal;
 };
 
+/** What the engine takes in one network where some primaries are protected, us. */
+struct ProtectedFigures {
+    double local, global; ///< per backup
+    HopCost hop;
+};
+
 /** Admits and removes LSPs one after the other, and then once more: their memory has been touched
  * by then, but much else since. */
 HopCost timeGivenPaths(const Sampler &sample, Sides &sides)
@@ -227,18 +251,23 @@ HopCost timeGivenPaths(const Sampler &sample, Sides &sides)
     return {first.us, medianMicroseconds(again), medianMicroseconds(removals)};
 }
 
-HopCost printProtected(const Sampler &sample, int nodes)
+ProtectedFigures printProtected(const Sampler &sample, int nodes)
 {
     Sides sides{{.nodes = nodes, .isProtected = true}};
     std::printf("%6d %6zu %7zu %4.0f", nodes, sides.nbPrimaries, sides.nbBackups,
                 100.0 * sides.fullShare());
-    for (const BackupType type : {LOCAL_BACKUP, GLOBAL_BACKUP})
-        printPair(timeEngineBackups(sample, sides, type), timePeerBackups(sample, sides, type));
+    const auto compare = [&](BackupType type) {
+        const Figure engine = timeEngineBackups(sample, sides, type);
+        printPair(engine, timePeerBackups(sample, sides, type));
+        return engine.us;
+    };
+    const double local = compare(LOCAL_BACKUP);
+    const double global = compare(GLOBAL_BACKUP);
     const HopCost hop = timeGivenPaths(sample, sides);
     const Figure request = timeEngine(sample, sides).request;
     printPair(request, timePeer(sample, sides, Extent::wholeTree));
     std::printf("\n");
-    return hop;
+    return {local, global, hop};
 }
 
 void printClassesAndLevels(const Sampler &sample, int nodes)
@@ -481,10 +510,13 @@ void printRequestBlock(const Sampler &sample, const std::vector<int> &sizes)
         "%6s %-6s %6s %9s %10s %8s %8s %7s %7s %8s %7s %8s %9s %9s %10s %10s\n",
         "nodes", "score", "LSPs", "full", "engine", "tree", "to egr.", "e/tree", "e/egr.", "search",
         "floor", "e/floor", "e removal", "same cost", "e done/ref", "p done/ref");
+    std::vector<double> hops, fortz;
     for (const int nodes : sizes) {
-        for (const LinkCost cost : {LinkCost::hops, LinkCost::fortz})
-            printRequests(sample, {.nodes = nodes, .cost = cost});
+        hops.push_back(printRequests(sample, {.nodes = nodes, .cost = LinkCost::hops}));
+        fortz.push_back(printRequests(sample, {.nodes = nodes, .cost = LinkCost::fortz}));
     }
+    std::printf("grows with the power of the number of nodes: hops %.2f, Fortz %.2f\n",
+                slopeOf(sizes, hops), slopeOf(sizes, fortz));
 }
 
 void printProtectedBlocks(const Sampler &sample, const std::vector<int> &sizes)
@@ -498,8 +530,16 @@ void printProtectedBlocks(const Sampler &sample, const std::vector<int> &sizes)
         std::printf(" %9s %7s %6s %10s", "engine", "peer", "ratio", "e done/ref");
     std::printf("\n");
     std::vector<HopCost> hopCosts;
-    for (const int nodes : sizes)
-        hopCosts.push_back(printProtected(sample, nodes));
+    std::vector<double> local, global, admission;
+    for (const int nodes : sizes) {
+        const ProtectedFigures figures = printProtected(sample, nodes);
+        local.push_back(figures.local);
+        global.push_back(figures.global);
+        admission.push_back(figures.hop.admission);
+        hopCosts.push_back(figures.hop);
+    }
+    std::printf("grows with the power of the number of nodes: local %.2f, global %.2f\n",
+                slopeOf(sizes, local), slopeOf(sizes, global));
 
     std::printf(
         "\nGiven paths at the engine in the same networks, us per hop; again: once they have been "
@@ -508,6 +548,7 @@ void printProtectedBlocks(const Sampler &sample, const std::vector<int> &sizes)
     for (std::size_t i = 0; i < sizes.size(); ++i)
         std::printf("%6d %10.2f %10.2f %10.2f\n", sizes[i], hopCosts[i].admission,
                     hopCosts[i].again, hopCosts[i].removal);
+    std::printf("grows with the power of the number of nodes: %.2f\n", slopeOf(sizes, admission));
 }
 
 void printClassBlock(const Sampler &sample, int nodes)
