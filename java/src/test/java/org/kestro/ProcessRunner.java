@@ -53,10 +53,6 @@ public class ProcessRunner {
                 "-Djava.library.path=" + System.getProperty("java.library.path"), "-cp",
                 classPath.stream().map(Path::toString).collect(
                         Collectors.joining(File.pathSeparator))));
-        if (Runtime.version().feature() >= 24) { // which warn of native code otherwise
-            command.add("--enable-native-access=" + (List.of(flags).contains("--module-path")
-                    ? "org.kestro.tarnex" : "ALL-UNNAMED"));
-        }
         command.addAll(List.of(flags));
         command.addAll(main);
         ProcessBuilder builder = new ProcessBuilder(command).directory(PROJECT.toFile());
