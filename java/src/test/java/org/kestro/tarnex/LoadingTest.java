@@ -86,7 +86,7 @@ class LoadingTest extends ProcessRunner {
 
         content[content.length / 2] ^= 1;
         Files.write(library, content);
-        use(JAR, NO_LIBRARIES, unpackThere);
+        use(JAR, NO_LIBRARIES, unpackThere, "-Dinterrupted=true");
         expect("nodes [4]");
         content[content.length / 2] ^= 1;
         assertArrayEquals(content, Files.readAllBytes(library));
@@ -163,7 +163,9 @@ class LoadingTest extends ProcessRunner {
     @Test
     void theJarIsAModule() throws Exception {
         java(List.of(TESTS), List.of(UseEngine.class.getName()), NO_LIBRARIES, unpackThere,
-             "--module-path", JAR.toString(), "--add-modules", "org.kestro.tarnex");
+             "--module-path", JAR.toString(), "--add-modules", "org.kestro.tarnex",
+             "--enable-native-access=org.kestro.tarnex");
         expect("nodes [4]");
+        assertEquals("", err);
     }
 }
