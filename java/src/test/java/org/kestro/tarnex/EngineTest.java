@@ -12,8 +12,10 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.OptionalDouble;
 import java.util.OptionalInt;
+import java.util.concurrent.CopyOnWriteArrayList;
 import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
+import java.util.logging.Logger;
 import java.util.stream.Stream;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.Test;
@@ -122,7 +124,8 @@ class EngineTest {
     void manyAreAskedForAndReadAtOnce() {
         List<Request> requests = List.of(
                 new Request(0, 3, 60), new Request(0, 3, 500), new Request(0, 3, 30).level(4),
-                new Request(0, 3, 30).avoiding(List.of(1)), new Request(3, 0, 1));
+                new Request(0, 3, 30).avoiding(List.of(1, Integer.MIN_VALUE)),
+                new Request(3, 0, 1));
         try (Engine single = square()) {
             List<PlaceResult> expected = requests.stream().map(single::place).toList();
             assertEquals(expected, engine.placeAll(requests));
@@ -239,14 +242,19 @@ class EngineTest {
     }
 
     @Test
-    void aForgottenEngineGivesItsMemoryBack() throws InterruptedException {
+    void aForgottenEngineGivesItsMemoryBackAndIsLogged() throws InterruptedException {
+        List<String> lines = new CopyOnWriteArrayList<>();
+        Logger logger = Logger.getLogger("org.kestro.tarnex");
+        logger.setFilter(record -> !lines.add(record.getMessage()));
         long before = Engine.countedMemory();
         forget();
-        for (int i = 0; i < 200 && Engine.countedMemory() > before; i++) {
+        for (int i = 0; i < 200 && (Engine.countedMemory() > before || lines.isEmpty()); i++) {
             System.gc();
             Thread.sleep(10);
         }
+        logger.setFilter(null);
         assertTrue(Engine.countedMemory() <= before);
+        assertEquals("An engine was never closed and has been released now.", lines.get(0));
     }
 
     private static void forget() {
