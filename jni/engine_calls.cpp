@@ -25,8 +25,8 @@ public:
     int integer()
     {
         const double value = number();
-        constexpr double limit = std::numeric_limits<int>::max();
-        if (!(value >= -limit && value <= limit))
+        using Limits = std::numeric_limits<int>;
+        if (!(value >= Limits::min() && value <= Limits::max()))
             throw WrongUse("An integer is out of range.");
         return static_cast<int>(value);
     }

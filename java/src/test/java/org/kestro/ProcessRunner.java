@@ -50,6 +50,7 @@ public class ProcessRunner {
                                           String... flags) {
         List<String> command = new ArrayList<>(List.of(
                 System.getProperty("java.home") + "/bin/java", "-Xcheck:jni",
+                "--enable-native-access=ALL-UNNAMED", // newer ones warn without
                 "-Djava.library.path=" + System.getProperty("java.library.path"), "-cp",
                 classPath.stream().map(Path::toString).collect(
                         Collectors.joining(File.pathSeparator))));

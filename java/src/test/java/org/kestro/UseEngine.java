@@ -9,6 +9,9 @@ public final class UseEngine {
     }
 
     public static void main(String[] arguments) {
+        if (Boolean.getBoolean("interrupted")) {
+            Thread.currentThread().interrupt();
+        }
         try (Engine engine = new Engine(Options.builder().build())) {
             engine.addNode(4);
             System.out.println("nodes " + engine.nodes());

@@ -3,6 +3,7 @@ package org.kestro.tarnex;
 import java.lang.ref.Cleaner;
 import java.lang.ref.Reference;
 import java.util.List;
+import java.util.Objects;
 import java.util.Optional;
 import java.util.OptionalInt;
 import org.kestro.tarnex.internal.NativeLibrary;
@@ -46,17 +47,12 @@ public final class Engine implements AutoCloseable {
 
     /** The native engine, which must not keep the Java object reachable. */
     private static final class Handle implements Runnable {
-        private final long value;
+        private long value = -1; // as long as it is not open
         private volatile boolean isClosedByCaller;
-
-        Handle(long value) {
-            this.value = value;
-        }
 
         @Override
         public void run() {
-            Native.close(value);
-            if (!isClosedByCaller) {
+            if (Native.close(value) && !isClosedByCaller) {
                 System.getLogger("org.kestro.tarnex").log(System.Logger.Level.WARNING,
                         "An engine was never closed and has been released now.");
             }
@@ -70,8 +66,10 @@ public final class Engine implements AutoCloseable {
      */
     public Engine(Options options) {
         this.options = options;
-        handle = new Handle(Native.open(options.packed()));
-        cleanable = CLEANER.register(this, handle);
+        double[] packed = Objects.requireNonNull(options, "options").packed();
+        handle = new Handle();
+        cleanable = CLEANER.register(this, handle); // first: it may find no memory
+        handle.value = Native.open(packed);
     }
 
     /** Releases the network; a second call does nothing. */

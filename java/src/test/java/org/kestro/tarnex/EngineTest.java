@@ -10,10 +10,13 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Map;
 import java.util.OptionalDouble;
 import java.util.OptionalInt;
+import java.util.concurrent.CopyOnWriteArrayList;
 import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
+import java.util.logging.Logger;
 import java.util.stream.Stream;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.Test;
@@ -33,7 +36,11 @@ class EngineTest {
 
     /** Nodes 0 to 3; links 0: 0-1, 1: 1-3 of 100, 2: 0-2, 3: 2-3 of 40; by hops. */
     private static Engine square() {
-        Engine square = new Engine(Options.builder().objective(Objective.HOPS).build());
+        return square(Options.builder().objective(Objective.HOPS));
+    }
+
+    private static Engine square(Options.Builder options) {
+        Engine square = new Engine(options.build());
         for (int node = 0; node < 4; node++) {
             square.addNode(node);
         }
@@ -72,6 +79,8 @@ class EngineTest {
         assertEquals("1 1 3", use.id() + " " + use.from() + " " + use.to());
         assertArrayEquals(new double[] {100, 0, 0, 0, 0, 0, 0, 0}, use.capacity());
         assertEquals(40, use.primary()[0][2]);
+        assertEquals(0, use.shared()[0][2]);
+        assertEquals(40, use.total()[0][2]);
         assertEquals(40, engine.use(3).shared()[0][0]);
         assertEquals(40, engine.use(3).total()[0][0]);
         assertEquals(new Engine.Counts(4, 4, 2), engine.counts());
@@ -79,9 +88,65 @@ class EngineTest {
         assertEquals(OptionalInt.empty(), engine.linkBetween(3, 2));
 
         engine.remove(9);
+        Protection part = (Protection) engine.protect(7, Scheme.GLOBAL, 9, 15);
+        assertEquals(15, part.backups().get(0).bandwidth());
+        engine.remove(9);
         assertEquals(backup, engine.addBackup(7, LspKind.GLOBAL_BACKUP, lower.nodes(), 9));
         assertEquals(List.of(7, 9), engine.removeNode(1).stream().map(Lsp::id).toList());
         assertEquals(new Engine.Counts(3, 2, 0), engine.counts());
+    }
+
+    @Test
+    void everyWeightCountsForItself() {
+        double[] scores = {60, -0.0375, 60, 1800, 0.6, 0.66, 1.0 / 30};
+        List<Integer> upper = List.of(2, 4, 5, 6);
+        Map<Objective, Integer> ofObjective = Map.of(
+                Objective.FORTZ, 0, Objective.BALANCE, 1, Objective.HOPS, 2, Objective.LOAD, 5,
+                Objective.DELAY, 6);
+        for (int i = 0; i < scores.length; i++) {
+            double[] w = new double[scores.length];
+            w[i] = 1;
+            Weights weights = new Weights(w[0], w[1], w[2], w[3], w[4], w[5], w[6]);
+            int weight = i;
+            ofObjective.forEach((objective, index) -> assertEquals(
+                    index == weight, Weights.of(objective).equals(weights)));
+            try (Engine other = square(Options.builder().weights(weights))) {
+                other.add(new Request(0, 3, 40), List.of(0, 1, 3));
+                Placement second = (Placement) other.place(new Request(0, 3, 30));
+                assertEquals(scores[i], second.score().orElseThrow(), 1e-12);
+                assertEquals(upper.contains(i) ? 1 : 2, second.path().nodes().get(1));
+            }
+        }
+    }
+
+    @Test
+    void everyOptionCountsForItself() {
+        for (int dear : new int[] {5, 6}) {
+            try (Engine priced = square(Options.builder().objective(Objective.HOPS)
+                    .preemptionPrice(0, dear, 1))) {
+                priced.add(new Request(0, 3, 80).level(5).id(5), List.of(0, 1, 3));
+                priced.add(new Request(0, 3, 40).level(6).id(6), List.of(0, 2, 3));
+                PlaceResult result = priced.place(new Request(0, 3, 35).mayPreempt(true));
+                assertEquals(11 - dear, ((Placement) result).victims().get(0).id());
+            }
+        }
+        Request large = new Request(0, 3, 400);
+        try (Engine boundless = square(Options.builder().testsCapacity(false));
+                Engine terse = square(Options.builder().explainsRefusals(false));
+                Engine without = square(Options.builder().allowsBackups(false))) {
+            assertInstanceOf(Placement.class, boundless.place(large));
+            assertEquals(List.of(), ((Refusal) terse.place(large)).inTheWay());
+            without.place(new Request(0, 3, 1).id(1));
+            assertThrows(IllegalArgumentException.class, () -> without.protect(1, Scheme.GLOBAL));
+        }
+    }
+
+    @Test
+    void aRequestKeepsWhatItIsNotToldToChange() {
+        Request all = new Request(1, 2, 3, 4, 5, true, 6, List.of(7));
+        Request plain = new Request(1, 2, 3);
+        assertEquals(all, plain.classType(4).level(5).mayPreempt(true).id(6).avoiding(List.of(7)));
+        assertEquals(all, plain.avoiding(List.of(7)).id(6).mayPreempt(true).level(5).classType(4));
     }
 
     @Test
@@ -122,7 +187,8 @@ class EngineTest {
     void manyAreAskedForAndReadAtOnce() {
         List<Request> requests = List.of(
                 new Request(0, 3, 60), new Request(0, 3, 500), new Request(0, 3, 30).level(4),
-                new Request(0, 3, 30).avoiding(List.of(1)), new Request(3, 0, 1));
+                new Request(0, 3, 30).avoiding(List.of(1, Integer.MIN_VALUE)),
+                new Request(3, 0, 1));
         try (Engine single = square()) {
             List<PlaceResult> expected = requests.stream().map(single::place).toList();
             assertEquals(expected, engine.placeAll(requests));
@@ -142,6 +208,12 @@ class EngineTest {
                     assertEquals(use.total()[c][p], links.total(i, c, p));
                 }
             }
+        }
+        for (Executable outside : List.<Executable>of(
+                () -> links.id(4), () -> links.id(-1), () -> links.capacity(0, 8),
+                () -> links.primary(0, 8, 0), () -> links.shared(0, 0, 8),
+                () -> links.total(1, 0, -1))) {
+            assertThrows(IndexOutOfBoundsException.class, outside);
         }
         for (List<Request> wrong : List.of(
                 List.of(new Request(0, 3, 1), new Request(0, 3, 1).level(8)),
@@ -239,14 +311,19 @@ class EngineTest {
     }
 
     @Test
-    void aForgottenEngineGivesItsMemoryBack() throws InterruptedException {
+    void aForgottenEngineGivesItsMemoryBackAndIsLogged() throws InterruptedException {
+        List<String> lines = new CopyOnWriteArrayList<>();
+        Logger logger = Logger.getLogger("org.kestro.tarnex");
+        logger.setFilter(record -> !lines.add(record.getMessage()));
         long before = Engine.countedMemory();
         forget();
-        for (int i = 0; i < 200 && Engine.countedMemory() > before; i++) {
+        for (int i = 0; i < 200 && (Engine.countedMemory() > before || lines.isEmpty()); i++) {
             System.gc();
             Thread.sleep(10);
         }
+        logger.setFilter(null);
         assertTrue(Engine.countedMemory() <= before);
+        assertEquals("An engine was never closed and has been released now.", lines.get(0));
     }
 
     private static void forget() {

@@ -2,18 +2,22 @@ package org.kestro.tarnex;
 
 import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.net.URL;
 import java.net.URLClassLoader;
+import java.nio.channels.FileChannel;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.FileSystem;
 import java.nio.file.FileSystems;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.nio.file.StandardOpenOption;
 import java.nio.file.attribute.FileTime;
 import java.nio.file.attribute.PosixFilePermissions;
 import java.util.List;
+import java.util.concurrent.TimeUnit;
 import java.util.stream.IntStream;
 import java.util.stream.Stream;
 import org.junit.jupiter.api.BeforeEach;
@@ -86,7 +90,7 @@ class LoadingTest extends ProcessRunner {
 
         content[content.length / 2] ^= 1;
         Files.write(library, content);
-        use(JAR, NO_LIBRARIES, unpackThere);
+        use(JAR, NO_LIBRARIES, unpackThere, "-Dinterrupted=true");
         expect("nodes [4]");
         content[content.length / 2] ^= 1;
         assertArrayEquals(content, Files.readAllBytes(library));
@@ -94,6 +98,11 @@ class LoadingTest extends ProcessRunner {
 
     @Test
     void manyProcessesMayStartAtOnce() throws Exception {
+        Files.createDirectory(folder, PosixFilePermissions.asFileAttribute(
+                PosixFilePermissions.fromString("rwx------")));
+        FileChannel lock = FileChannel.open(folder.resolve("lock"), StandardOpenOption.CREATE,
+                                            StandardOpenOption.WRITE);
+        lock.lock();
         List<Process> all = IntStream.range(0, 4).mapToObj(i -> {
             try {
                 return start(List.of(JAR, TESTS), List.of(UseEngine.class.getName()), NO_LIBRARIES,
@@ -102,6 +111,8 @@ class LoadingTest extends ProcessRunner {
                 throw new IllegalStateException(e);
             }
         }).toList();
+        assertFalse(all.get(0).waitFor(2, TimeUnit.SECONDS)); // none goes on while another unpacks
+        lock.close();
         for (Process one : all) {
             assertEquals("nodes [4]\n", new String(one.getInputStream().readAllBytes(),
                                                   StandardCharsets.UTF_8));
@@ -133,6 +144,8 @@ class LoadingTest extends ProcessRunner {
             use(JAR, "-Dtarnex.library.path=" + place, unpackThere);
             expect("The tarnex library " + broken + " cannot be loaded: ");
         }
+        use(JAR, "-Dtarnex.library.path=" + temp.resolve("nothing"), unpackThere);
+        expect("nothing cannot be loaded: ");
         use(JAR, "-Djava.library.path=" + temp, unpackThere);
         expect("with an empty -Djava.library.path, for the copy in the jar");
     }
@@ -163,7 +176,9 @@ class LoadingTest extends ProcessRunner {
     @Test
     void theJarIsAModule() throws Exception {
         java(List.of(TESTS), List.of(UseEngine.class.getName()), NO_LIBRARIES, unpackThere,
-             "--module-path", JAR.toString(), "--add-modules", "org.kestro.tarnex");
+             "--module-path", JAR.toString(), "--add-modules", "org.kestro.tarnex",
+             "--enable-native-access=org.kestro.tarnex");
         expect("nodes [4]");
+        assertEquals("", err);
     }
 }

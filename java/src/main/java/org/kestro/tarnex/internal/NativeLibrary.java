@@ -31,6 +31,18 @@ public final class NativeLibrary {
         if (isLoaded) {
             return;
         }
+        boolean wasInterrupted = Thread.interrupted(); // which would close the files that are read
+        try {
+            findAndLoad();
+        } finally {
+            if (wasInterrupted) {
+                Thread.currentThread().interrupt();
+            }
+        }
+        isLoaded = true;
+    }
+
+    private static void findAndLoad() {
         String fixed = System.getProperty("tarnex.library.path");
         Path installed = fixed == null ? onLibraryPath() : inFolder(Path.of(fixed));
         if (installed != null) {
@@ -38,7 +50,6 @@ public final class NativeLibrary {
         } else {
             loadFromJar();
         }
-        isLoaded = true;
     }
 
     /** The version of the library that is loaded. */
