@@ -56,8 +56,8 @@ public:
     /** Finds the path from `src` to another node unless several are about as good. */
     Clearness run(Long src, Long dst)
     {
-        ahead.begin(index, src);
-        behind.begin(index, dst);
+        ahead.begin(index.nbNodes, src);
+        behind.begin(index.nbNodes, dst);
         goAhead();
         goBack();
         while (!(ahead.next.score + behind.next.score > best + slack)) {
@@ -84,14 +84,14 @@ private:
     struct Side {
         explicit Side(const Terms &terms) : frontier(terms) {}
 
-        void layOut(Layout &layout, const NetworkIndex &index)
+        void layOut(Layout &layout, const NetworkIndex &network)
         {
-            layout.place(scores, index.nbNodes);
-            frontier.layOut(layout, index);
+            layout.place(scores, network.nbNodes);
+            frontier.layOut(layout, network);
         }
-        void begin(const NetworkIndex &index, Long node)
+        void begin(Long nbNodes, Long node)
         {
-            std::fill_n(scores, index.nbNodes, infinity);
+            std::fill_n(scores, nbNodes, infinity);
             frontier.clear();
             scores[node] = 0.0;
             next = {0.0, node};

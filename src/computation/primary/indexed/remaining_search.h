@@ -68,11 +68,11 @@ private:
     Long takeNearest()
     {
         for (;;) {
-            const FrontierEntry entry = frontier.take();
-            if (entry.score == infinity)
+            const auto [score, node] = frontier.take();
+            if (score == infinity)
                 return none;
-            if (entry.score == remaining[entry.node])
-                return entry.node;
+            if (score == remaining[node])
+                return node;
         }
     }
 
