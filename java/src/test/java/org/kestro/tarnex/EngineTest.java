@@ -247,6 +247,18 @@ class EngineTest {
     }
 
     @Test
+    void nullIsCalledByItsName() {
+        Map.<String, Executable>of(
+                "options", () -> new Engine(null), "request", () -> engine.place(null),
+                "requests", () -> engine.placeAll(null), "capacity",
+                () -> engine.addLink(9, 3, 0, (double[]) null), "scheme",
+                () -> engine.protect(1, null)).forEach((name, call) -> {
+                    String message = assertThrows(NullPointerException.class, call).getMessage();
+                    assertTrue(message.contains('"' + name + '"'), message);
+                });
+    }
+
+    @Test
     void handlesThatAreNotLiveAreRefused() {
         Engine closed = square();
         closed.close();
