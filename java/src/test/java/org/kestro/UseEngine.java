@@ -15,6 +15,9 @@ public final class UseEngine {
         try (Engine engine = new Engine(Options.builder().build())) {
             engine.addNode(4);
             System.out.println("nodes " + engine.nodes());
+            if (Thread.interrupted() != Boolean.getBoolean("interrupted")) {
+                throw new IllegalStateException("The interruption is lost.");
+            }
         } catch (UnsatisfiedLinkError error) {
             System.out.println(error.getMessage());
         }

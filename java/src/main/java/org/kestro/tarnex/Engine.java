@@ -3,7 +3,6 @@ package org.kestro.tarnex;
 import java.lang.ref.Cleaner;
 import java.lang.ref.Reference;
 import java.util.List;
-import java.util.Objects;
 import java.util.Optional;
 import java.util.OptionalInt;
 import org.kestro.tarnex.internal.NativeLibrary;
@@ -66,7 +65,7 @@ public final class Engine implements AutoCloseable {
      */
     public Engine(Options options) {
         this.options = options;
-        double[] packed = Objects.requireNonNull(options, "options").packed();
+        double[] packed = options.packed();
         handle = new Handle();
         cleanable = CLEANER.register(this, handle); // first: it may find no memory
         handle.value = Native.open(packed);

@@ -9,6 +9,7 @@ import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.util.ArrayList;
+import java.util.Collections;
 import java.util.List;
 import java.util.Map;
 import java.util.OptionalDouble;
@@ -194,6 +195,7 @@ class EngineTest {
             assertEquals(expected, engine.placeAll(requests));
             assertEquals(single.lsps(), engine.lsps());
         }
+        assertEquals(100, engine.placeAll(Collections.nCopies(100, requests.get(1))).size());
         assertEquals(List.of(0, 1, 2, 3), engine.nodes());
         LinkTable links = engine.links();
         assertEquals(engine.counts().links(), links.size());
@@ -244,6 +246,18 @@ class EngineTest {
     void wrongUse(Executable call) {
         String message = assertThrows(IllegalArgumentException.class, call).getMessage();
         assertNotNull(message);
+    }
+
+    @Test
+    void nullIsCalledByItsName() {
+        Map.<String, Executable>of(
+                "options", () -> new Engine(null), "request", () -> engine.place(null),
+                "requests", () -> engine.placeAll(null), "capacity",
+                () -> engine.addLink(9, 3, 0, (double[]) null), "scheme",
+                () -> engine.protect(1, null)).forEach((name, call) -> {
+                    String message = assertThrows(NullPointerException.class, call).getMessage();
+                    assertTrue(message.contains('"' + name + '"'), message);
+                });
     }
 
     @Test

@@ -128,9 +128,11 @@ class LoadingTest extends ProcessRunner {
         expect("it cannot be unpacked to /dev/null/.cache/tarnex");
         expect("Name a folder that can be written with -Dtarnex.unpack.path=FOLDER");
         Files.createDirectory(folder);
-        Files.setPosixFilePermissions(folder, PosixFilePermissions.fromString("rwxrwxrwx"));
-        use(JAR, NO_LIBRARIES, unpackThere);
-        expect("others can write there");
+        for (String open : List.of("rwxrwx---", "rwx---rwx")) {
+            Files.setPosixFilePermissions(folder, PosixFilePermissions.fromString(open));
+            use(JAR, NO_LIBRARIES, unpackThere);
+            expect("others can write there");
+        }
     }
 
     @Test
