@@ -234,7 +234,7 @@ Large sweeps can use several processes (--jobs), and several machines: --shard h
                       "tarnex fail plan.json --set pairs --jobs 2 --jsonl"},
                      {"The second of three parts, kept in a file:",
                       "tarnex fail plan.json --set pairs --shard 2/3 --save part2.jsonl"}},
-        .findings = "done, and LSPs were lost or links too full"};
+        .findings = failureFindings};
     return page;
 }
 

@@ -19,6 +19,9 @@ struct FailureShow {
     bool listsLost = false;   ///< whether LSPs that are lost are listed
 };
 
+/** When a command that prints failures ends with findings. */
+inline constexpr const char *failureFindings = "done, and LSPs were lost or links too full";
+
 /** How many failures did harm. */
 Facts verdictOn(const planning::FailureTally &tally);
 

@@ -130,7 +130,7 @@ Parts that are missing, doubled or broken off are refused, and those of another 
                      {"The second half, on another one:",
                       "tarnex fail plan.json --set pairs --shard 2/2 --save two.jsonl"},
                      {"All of it:", "tarnex merge plan.json one.jsonl two.jsonl"}},
-        .findings = "done, and LSPs were lost or links too full"};
+        .findings = failureFindings};
     return page;
 }
 
