@@ -391,6 +391,13 @@ class Sweep(Scratch):
         self.write("wrong.json", json.dumps(plan))
         self.run_words("fail", "wrong.json", status=1)
 
+    def test_a_failure_that_hits_nothing_is_no_finding(self):
+        self.write("one", "demand 0 Seattle Sunnyvale data gold 10\n")
+        self.write("far", "failure far duplex NewYork WashingtonDC\n")
+        self.run_words("place", ABILENE[0], "--demands", "one", "--save", "one.json")
+        self.run_words("fail", "one.json", "--set", "far", status=0)
+        self.run_words("fail", "one.json", status=1)
+
     def test_replaces_no_device(self):
         os.mkfifo(self.folder / "pipe")
         self.assertIn("expected a regular file", self.part(1, 2, save="pipe", status=2).stderr)

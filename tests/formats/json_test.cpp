@@ -1,3 +1,4 @@
+#include "formats/digest.h"
 #include "formats/json/json.h"
 #include "formats/number.h"
 #include "formats/oddities.h"
@@ -488,7 +489,7 @@ TEST(Json, UnknownMembersAreSkipped)
               std::string::npos);
 }
 
-TEST(Json, PlacesInLongFilesAreCountedToo)
+TEST(Json, LongFilesAreCountedAndDigestedToTheirEnd)
 {
     const auto file = std::filesystem::path(testing::TempDir()) / "long.json";
     std::string text =
@@ -508,6 +509,11 @@ TEST(Json, PlacesInLongFilesAreCountedToo)
         EXPECT_EQ(error.line, lines + 1);
         EXPECT_EQ(error.column, 12U);
     }
+    text.back() = ' ';
+    text.replace(text.rfind('7'), 1, R"("last"}],"links":[]})");
+    std::ofstream(file, std::ios::binary) << text;
+    EXPECT_EQ(readJson(file, {}).digest, digestOf(text));
+    EXPECT_EQ(readJson(text, "long.json", {}).digest, digestOf(text));
     std::filesystem::remove(file);
 }
 
