@@ -21,6 +21,21 @@ unsigned char *nextUnsettled(unsigned char *at, const unsigned char *end)
         std::memchr(at, unsettled, static_cast<std::size_t>(end - at)));
 }
 
+/** Takes back the messages that are pushed while it lives. */
+class Unheard
+{
+public:
+    Unheard() = default;
+    ~Unheard() { errorManager.top = nbMessages; }
+    Unheard(const Unheard &) = delete;
+    Unheard &operator=(const Unheard &) = delete;
+
+    bool areThereAny() const { return errorManager.top != nbMessages; }
+
+private:
+    Long nbMessages = errorManager.top;
+};
+
 } // namespace
 
 LinkAppraisal::LinkAppraisal(DataBase &database, LSPRequest &request)
@@ -62,6 +77,18 @@ Long LinkAppraisal::termsPerLink() const
 
 void LinkAppraisal::judge(unsigned char *verdicts)
 {
+    if (hasJudged) {
+        const Unheard repeated;
+        judgeAll(verdicts);
+    } else {
+        judgeAll(verdicts);
+    }
+    hasJudged = true;
+    assert(areRight(verdicts));
+}
+
+void LinkAppraisal::judgeAll(unsigned char *verdicts)
+{
     if (tarnexConfig.predicateConfig.capacityClause)
         judgeByCapacity(verdicts);
     else
@@ -71,7 +98,6 @@ void LinkAppraisal::judge(unsigned char *verdicts)
     const unsigned char *end = verdicts + index.nbLinks;
     for (unsigned char *at = verdicts; (at = nextUnsettled(at, end)) != nullptr; ++at)
         *at = settle(static_cast<Long>(at - verdicts));
-    assert(areRight(verdicts));
 }
 
 /** Whether a few figures judge a link; else a pass over all is quicker than asking for each. */
@@ -106,6 +132,7 @@ Verdict LinkAppraisal::judgeOne(Long link)
 /** Whether the predicate gives the same verdicts; for debug builds. */
 [[maybe_unused]] bool LinkAppraisal::areRightOneByOne()
 {
+    const Unheard again;
     double gain[MAXOA];
     for (Long link = 0; link < index.nbLinks; ++link) {
         if (ask(link, gain) != admits(link))
@@ -117,6 +144,7 @@ Verdict LinkAppraisal::judgeOne(Long link)
 /** Whether the predicate gives the same verdicts; for debug builds. */
 [[maybe_unused]] bool LinkAppraisal::areRight(const unsigned char *verdicts)
 {
+    const Unheard again;
     double gain[MAXOA];
     for (Long link = 0; link < index.nbLinks; ++link) {
         if (ask(link, gain) != (verdicts[link] == admitted))
@@ -301,12 +329,10 @@ bool LinkAppraisal::fill(GeneralTerms &terms, const unsigned char *verdicts)
                          req.bw[oa] / is.capacity};
         }
     }
-    const Long nbMessages = errorManager.top;
+    const Unheard reasons;
     for (Long link = 0; link < index.nbLinks && terms.penalties; ++link)
         terms.penalties[link] = verdicts[link] == admitted ? penaltyOf(link) : 0.0;
-    const bool isTold = errorManager.top == nbMessages;
-    errorManager.top = nbMessages;
-    return isTold;
+    return !reasons.areThereAny();
 }
 
 /** Whether the figures leave no doubt that nobody has to give way on a link. */

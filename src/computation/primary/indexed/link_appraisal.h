@@ -36,7 +36,8 @@ public:
     /** How many increments each link has. */
     Long termsPerLink() const;
 
-    /** Writes for each link whether it is admitted or refused. */
+    /** Writes for each link whether it is admitted or refused. What there is to report about that
+     * is reported the first time. */
     void judge(unsigned char *verdicts);
 
     /** To be called before `admits`, with room for the verdicts on all links: they are written now
@@ -122,6 +123,7 @@ private:
     bool fillOne(Long link, double *own) const;
     bool needsNoGain(Long link) const;
     double penaltyOf(Long link);
+    void judgeAll(unsigned char *verdicts);
     void judgeByCapacity(unsigned char *verdicts) const;
     void judgeByIdsAlone(unsigned char *verdicts) const;
     void refuseColors(unsigned char *verdicts) const;
@@ -143,6 +145,7 @@ private:
     const unsigned char *given = nullptr; ///< verdicts by link, unless they are given one by one
     double requestedBw = 0.0;             ///< in the one class type of a request judged like that
     const double *surelyFits = nullptr;   ///< by link: how much it takes
+    bool hasJudged = false;               ///< all links at once
     mutable bool hasMetOddIncrement = false;
 };
 
